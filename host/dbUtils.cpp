@@ -1,0 +1,60 @@
+#include "host/dbUtils.h"
+
+#include "host/sqlite_connection.h"
+
+namespace imsdk {
+
+dbUtils::dbUtils() = default;
+dbUtils::~dbUtils() = default;
+
+int dbUtils::open(const char* path, const char* key) {
+    if (connection_ && connection_->stillServes(path, key)) return 1;
+    lastOpenError_.clear();
+    connection_.reset();
+    connection_ = detail::Connection::open(path, key, lastOpenError_);
+    return connection_ ? 1 : 0;
+}
+
+dbDataReader dbUtils::excuteQuery(const char* sql) {
+    if (!connection_ || sql == nullptr) return {};
+    detail::StatementHandle handle = connection_->prepare(sql);
+    if (!handle) return {};
+    return dbDataReader(std::make_unique<detail::Statement>(connection_, std::move(handle)));
+}
+
+int dbUtils::excuteNonQuery(const char* sql) {
+    if (!connection_ || sql == nullptr || connection_->refusesWrites()) return 0;
+    const detail::StatementHandle statement = connection_->prepare(sql);
+    return statement && connection_->runToEnd(statement.get()) ? 1 : 0;
+}
+
+int dbUtils::excuteNonQuery(dbCommand* command) {
+    if (command == nullptr || !command->prepare() || command->bindFailed_) return 0;
+    detail::Statement& statement = *command->statement_;
+    const bool done = statement.connection().runToEnd(statement.get());
+    // The bound texts belong to the caller and may be gone after this call.
+    sqlite3_clear_bindings(statement.get());
+    return done ? 1 : 0;
+}
+
+int dbUtils::isExistTable(const char* sql) { return excuteQuery(sql).read(); }
+
+void dbUtils::beginTransaction() {
+    if (connection_) connection_->beginBatch();
+}
+
+void dbUtils::endTransaction() {
+    if (connection_) connection_->endBatch();
+}
+
+bool dbUtils::transactionFailed() const { return !connection_ || connection_->batchLost(); }
+
+bool dbUtils::isOpen() const { return connection_ != nullptr; }
+
+int dbUtils::changedRows() const { return connection_ ? connection_->changedRows() : 0; }
+
+std::string dbUtils::lastError() const { return connection_ ? connection_->lastError() : lastOpenError_; }
+
+bool dbUtils::lastFailureWasConstraint() const { return connection_ && connection_->lastFailureWasConstraint(); }
+
+}  // namespace imsdk

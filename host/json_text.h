@@ -1,0 +1,18 @@
+// The spelling of JSON: how this component writes strings and numbers, in one place for the tree writer and for writers
+// that do without a tree. RFC 8259, with "/" escaped as "\/" (the library's default, which keeps the text embeddable in
+// HTML).
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tools {
+
+/// Appends `text` in quotes. The text is taken as it is: who needs UTF-8 makes it well-formed first.
+void appendJsonString(std::string& out, std::string_view text, bool escapeSlashes = true);
+
+/// Appends a number: integral values without exponent and fraction, whatever their size; others with 17 significant
+/// digits, as "%1.17g" does in the C locale. NaN and infinities are no JSON numbers and must not be passed.
+void appendJsonNumber(std::string& out, double number);
+
+}  // namespace tools

@@ -1,0 +1,167 @@
+#include "host/sqlite_connection.h"
+
+#include <openssl/crypto.h>
+#include <sys/stat.h>
+
+#include <array>
+#include <cstring>
+
+namespace imsdk::detail {
+namespace {
+
+// How long a lock of the running client is waited for. A client's own transactions take milliseconds; a few seconds cover a
+// slow disk without making a person believe that nothing happens.
+constexpr int kBusyTimeoutMs = 4000;
+
+// Creating a conversation's table makes SQLite read its whole schema again. With the schema of 20,000 conversations in the
+// page cache that costs half as much as with the default of 2 MB. It is an upper limit, not an allocation.
+constexpr const char* kPageCache = "PRAGMA cache_size = -65536";
+
+bool identify(const char* path, FileIdentity& identity) {
+    struct stat status {};
+    if (stat(path, &status) != 0 || !S_ISREG(status.st_mode)) return false;
+    identity = {status.st_dev, status.st_ino};
+    return true;
+}
+
+// A refusal for what a statement or row says leaves the other rows of a batch in order; everything else (disk full,
+// input/output, locks, memory, damage) means that the batch cannot be written whole.
+bool isRefusalOfContent(int code) {
+    switch (code & 0xff) {
+        case SQLITE_CONSTRAINT:
+        case SQLITE_TOOBIG:
+        case SQLITE_MISMATCH:
+        case SQLITE_RANGE:
+        case SQLITE_ERROR:
+        case SQLITE_AUTH:
+            return true;
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
+std::shared_ptr<Connection> Connection::open(const char* path, const char* key, std::string& error) {
+    std::shared_ptr<Connection> connection(new Connection);
+    if (path == nullptr || !identify(path, connection->identity_)) {
+        error = "there is no such file";
+        return nullptr;
+    }
+    sqlite3* handle = nullptr;
+    const int code = sqlite3_open_v2(path, &handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+    connection->handle_.reset(handle);
+    if (code != SQLITE_OK) {
+        error = handle != nullptr ? sqlite3_errmsg(handle) : "out of memory";
+        return nullptr;
+    }
+    connection->path_ = path;
+    connection->hasKey_ = key != nullptr;
+    if (key != nullptr) connection->key_ = key;
+    sqlite3_extended_result_codes(handle, 0);
+    sqlite3_busy_timeout(handle, kBusyTimeoutMs);
+    if ((key != nullptr && !connection->unlock(key)) || !connection->readsSchema()) {
+        error = connection->lastError_;
+        return nullptr;
+    }
+    connection->configure();
+    return connection;
+}
+
+Connection::~Connection() { OPENSSL_cleanse(key_.data(), key_.size()); }
+
+bool Connection::unlock(const char* key) {
+    // The scheme has to be chosen before the key is given. Version 4 with its own defaults is what existing tools open.
+    const bool chosen = execute("PRAGMA cipher = 'sqlcipher'") && execute("PRAGMA legacy = 4");
+    if (chosen && sqlite3_key(handle_.get(), key, static_cast<int>(std::strlen(key))) == SQLITE_OK) return true;
+    if (lastError_.empty()) lastError_ = sqlite3_errmsg(handle_.get());
+    return false;
+}
+
+void Connection::configure() {
+    // A database file may come from a stranger: its schema must not be able to call functions with side effects, and a
+    // damaged page is noticed when it is read.
+    sqlite3_db_config(handle_.get(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    sqlite3_db_config(handle_.get(), SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    execute("PRAGMA cell_size_check = on");
+    execute(kPageCache);
+}
+
+bool Connection::stillServes(const char* path, const char* key) {
+    const bool sameKey = hasKey_ == (key != nullptr) && (key == nullptr || key_ == key);
+    FileIdentity now;
+    return path != nullptr && path_ == path && sameKey && identify(path, now) && now == identity_ && readsSchema();
+}
+
+StatementHandle Connection::prepare(std::string_view sql) {
+    sqlite3_stmt* first = nullptr;
+    const char* rest = nullptr;
+    const int code = sqlite3_prepare_v2(handle_.get(), sql.data(), static_cast<int>(sql.size()), &first, &rest);
+    StatementHandle statement(first);
+    if (code != SQLITE_OK || first == nullptr) {
+        noteFailure(code != SQLITE_OK ? code : SQLITE_ERROR);
+        return nullptr;
+    }
+    // What follows must be blank or comment. Anything else, valid or not, makes the text as a whole invalid: a table name
+    // that carries a statement of its own must not run its first half.
+    const std::string_view tail = sql.substr(static_cast<std::size_t>(rest - sql.data()));
+    if (tail.empty()) return statement;
+    sqlite3_stmt* second = nullptr;
+    const int tailCode = sqlite3_prepare_v2(handle_.get(), tail.data(), static_cast<int>(tail.size()), &second, nullptr);
+    const StatementHandle another(second);
+    if (tailCode == SQLITE_OK && second == nullptr) return statement;
+    lastFailure_ = SQLITE_ERROR;
+    lastError_ = "the text holds more than one statement";
+    return nullptr;
+}
+
+bool Connection::runToEnd(sqlite3_stmt* statement) {
+    if (refusesWrites()) return false;
+    int code = SQLITE_ROW;
+    while (code == SQLITE_ROW) code = sqlite3_step(statement);
+    // The reset gives the same code again; the failure has been noted from the step.
+    if (code != SQLITE_DONE) noteFailure(code);
+    sqlite3_reset(statement);
+    return code == SQLITE_DONE;
+}
+
+void Connection::noteFailure(int code) {
+    lastFailure_ = code & 0xff;
+    lastError_ = sqlite3_errmsg(handle_.get());
+    // SQLite ends a transaction itself after some failures; statements that followed would then be committed one by one.
+    const bool endedByDatabase = sqlite3_get_autocommit(handle_.get()) != 0;
+    if (batchDepth_ > 0 && (!isRefusalOfContent(code) || endedByDatabase)) batchLost_ = true;
+}
+
+void Connection::beginBatch() {
+    if (batchDepth_++ > 0) return;
+    // Without the write lock from the start, each single insert would wait for it in vain.
+    batchLost_ = !execute("BEGIN IMMEDIATE");
+}
+
+void Connection::endBatch() {
+    if (batchDepth_ == 0 || --batchDepth_ > 0) return;
+    if (!batchLost_ && !execute("COMMIT")) batchLost_ = true;
+    const bool stillOpen = sqlite3_get_autocommit(handle_.get()) == 0;
+    if (batchLost_ && stillOpen) {
+        // The reason of the loss is worth more than that of a failing rollback.
+        const std::string reason = lastError_;
+        execute("ROLLBACK");
+        lastError_ = reason;
+    }
+}
+
+bool Connection::execute(const char* sql) {
+    const StatementHandle statement = prepare(sql);
+    if (!statement) return false;
+    int code = SQLITE_ROW;
+    while (code == SQLITE_ROW) code = sqlite3_step(statement.get());
+    if (code == SQLITE_DONE) return true;
+    lastFailure_ = code & 0xff;
+    lastError_ = sqlite3_errmsg(handle_.get());
+    return false;
+}
+
+bool Connection::readsSchema() { return execute("select count(*) from sqlite_master"); }
+
+}  // namespace imsdk::detail

@@ -1,0 +1,102 @@
+// Inside of the database layer: owning types over SQLite's handles. Only host/db*.cpp include this.
+#pragma once
+
+#include <sqlite3.h>
+#include <sys/types.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace imsdk::detail {
+
+struct CloseDatabase {
+    // The _v2 form defers the closing until the last statement is gone: a cursor may outlive its connection object.
+    void operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
+};
+struct FinalizeStatement {
+    void operator()(sqlite3_stmt* handle) const { sqlite3_finalize(handle); }
+};
+using DatabaseHandle = std::unique_ptr<sqlite3, CloseDatabase>;
+using StatementHandle = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
+
+/// Which file a path named at one moment.
+struct FileIdentity {
+    dev_t device = 0;
+    ino_t inode = 0;
+
+    bool operator==(const FileIdentity& other) const { return device == other.device && inode == other.inode; }
+};
+
+/// One open database file with its batch state.
+class Connection {
+public:
+    /// Null when the file does not open; `error` then says why.
+    static std::shared_ptr<Connection> open(const char* path, const char* key, std::string& error);
+
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+    Connection(Connection&&) = delete;
+    Connection& operator=(Connection&&) = delete;
+
+    /// True when `path` with `key` still names the file that is open here and its schema can be read.
+    bool stillServes(const char* path, const char* key);
+
+    /// Prepares the only statement of `sql`; null for a failing text and for one that holds more than one statement.
+    StatementHandle prepare(std::string_view sql);
+
+    /// Runs a prepared statement to its end. False when it failed or the current batch is lost.
+    bool runToEnd(sqlite3_stmt* statement);
+
+    /// Remembers why `code` was returned, and gives the batch up when the reason lies in the machine.
+    void noteFailure(int code);
+
+    /// Batches nest: only the outermost pair begins and ends a transaction.
+    void beginBatch();
+    void endBatch();
+    bool batchLost() const { return batchLost_; }
+    bool refusesWrites() const { return batchDepth_ > 0 && batchLost_; }
+
+    int changedRows() const { return sqlite3_changes(handle_.get()); }
+    const std::string& lastError() const { return lastError_; }
+    bool lastFailureWasConstraint() const { return lastFailure_ == SQLITE_CONSTRAINT; }
+
+private:
+    Connection() = default;
+    bool unlock(const char* key);
+    void configure();
+    bool execute(const char* sql);
+    bool readsSchema();
+
+    DatabaseHandle handle_;
+    std::string path_;
+    std::string key_;
+    bool hasKey_ = false;
+    FileIdentity identity_;
+    int batchDepth_ = 0;
+    bool batchLost_ = false;
+    int lastFailure_ = SQLITE_OK;
+    std::string lastError_;
+};
+
+/// A prepared statement together with the connection that it needs.
+class Statement {
+public:
+    Statement(std::shared_ptr<Connection> connection, StatementHandle handle)
+        : connection_(std::move(connection)), handle_(std::move(handle)) {}
+
+    Connection& connection() { return *connection_; }
+    bool belongsTo(const std::shared_ptr<Connection>& connection) const { return connection_ == connection; }
+    sqlite3_stmt* get() const { return handle_.get(); }
+
+    bool hasRow = false;
+    bool atEnd = false;
+    bool failed = false;
+
+private:
+    std::shared_ptr<Connection> connection_;  // declared before the handle: it must outlive it
+    StatementHandle handle_;
+};
+
+}  // namespace imsdk::detail

@@ -1,0 +1,44 @@
+#include "tests/support/database.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+namespace test {
+
+void makeDatabase(imsdk::dbUtils& db, const std::string& path, const char* key) {
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+    std::ofstream(path, std::ios::app).flush();
+    ASSERT_NE(0, db.open(path.c_str(), key)) << db.lastError();
+}
+
+void runSql(const std::string& path, const std::vector<std::string>& statements, const char* key) {
+    imsdk::dbUtils db;
+    makeDatabase(db, path, key);
+    const bool opened = db.isOpen();
+    ASSERT_TRUE(opened) << path;
+    db.beginTransaction();
+    for (const std::string& statement : statements) {
+        ASSERT_NE(0, db.excuteNonQuery(statement.c_str())) << statement << ": " << db.lastError();
+    }
+    db.endTransaction();
+    ASSERT_FALSE(db.transactionFailed()) << db.lastError();
+}
+
+std::string queryText(const std::string& path, const std::string& sql, int columns, const char* key) {
+    imsdk::dbUtils db;
+    EXPECT_NE(0, db.open(path.c_str(), key)) << path << ": " << db.lastError();
+    imsdk::dbDataReader reader = db.excuteQuery(sql.c_str());
+    std::string text;
+    while (reader.read() != 0) {
+        if (!text.empty()) text += '\n';
+        for (int column = 0; column < columns; ++column) {
+            text += (column == 0 ? "" : "|") + reader.getColumnValue(column);
+        }
+    }
+    EXPECT_FALSE(reader.failed()) << sql << ": " << db.lastError();
+    return text;
+}
+
+}  // namespace test

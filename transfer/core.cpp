@@ -1,0 +1,92 @@
+// The transfer object itself: databases, reset, progress, discovery of tables and existence checks.
+#include <algorithm>
+
+#include "host/fixed_text.h"
+#include "transfer/dbTrans.h"
+#include "transfer/message_table.h"
+#include "transfer/progress_report.h"
+
+namespace {
+
+int openWith(imsdk::dbUtils& db, const std::string& path, const std::string& key) {
+    return db.open(path.c_str(), key.empty() ? nullptr : key.c_str());
+}
+
+// The one number that a count query yields; 0 for a failed query and for a text that does not fit its buffer.
+template <std::size_t Size>
+int countOf(imsdk::dbUtils& db, const tools::FixedText<Size>& query) {
+    imsdk::dbDataReader reader = db.excuteQuery(query.text());
+    int count = 0;
+    if (reader.read() != 0) reader.getColumnValue(0, count);
+    return count;
+}
+
+std::string findTable(const std::vector<std::string>& names, long long targetID) {
+    const std::string candidate = transfer::messageTableName(targetID).text();
+    const auto found = std::find(names.begin(), names.end(), candidate);
+    return found != names.end() ? *found : std::string();
+}
+
+}  // namespace
+
+int dbTrans::countRows(int /*what*/, const char* /*condition*/, int /*flags*/) {
+    if (!transfer::isPlainTableName(trimTable)) return 0;
+    return countOf(mainDb, tools::FixedText<256>("select count(*) from %s", trimTable.c_str()));
+}
+
+int dbTrans::dbOpen() { return openWith(mainDb, rootPath + "/db/" + "imsg.db", dbKey); }
+int dbTrans::backdbOpen() { return openWith(backDb, rootPath + "/db/" + "backimsg.db", dbKey); }
+int dbTrans::kabDbOpen() { return openWith(pluginDb, rootPath + "/db/plugin/" + "kab.db", dbKey); }
+
+void dbTrans::dataClear() {
+    dayMsgMap.clear();
+    tableNames.clear();
+}
+
+void dbTrans::regExProgress(void (*receiver)(int, int, int)) { exProgress = receiver; }
+void dbTrans::regImProgress(void (*receiver)(int, int, int)) { imProgress = receiver; }
+
+void dbTrans::progress(int stage, int total, int done) { transfer::notifyShare(*this, stage, done, total); }
+
+void dbTrans::getTables() { getTables3(mainDb, tableNames); }
+void dbTrans::getTables2(imsdk::dbUtils& db) { getTables3(db, tableNames); }
+
+void dbTrans::getTables3(imsdk::dbUtils& db, std::vector<std::string>& names) {
+    names.clear();
+    imsdk::dbDataReader reader = db.excuteQuery("select name from sqlite_master where type='table'");
+    while (reader.read() != 0) names.push_back(reader.getColumnValue(0));
+}
+
+std::string dbTrans::isTableExsit(long long targetID) { return findTable(tableNames, targetID); }
+
+std::string dbTrans::isTableExsit(long long targetID, std::vector<std::string>& names) {
+    // That the object's own list decides here is the behaviour that hosts know.
+    if (tableNames.empty()) return {};
+    return findTable(names, targetID);
+}
+
+bool dbTrans::isTableExsit(char* name) {
+    if (name == nullptr) return false;
+    const tools::FixedText<256> query("select * from sqlite_master where type = 'table' and name = '%s'", name);
+    return pluginDb.isExistTable(query.text()) != 0;
+}
+
+int dbTrans::isMsgExsit(std::string table, long long msgID) { return isMsgExsit(mainDb, std::move(table), msgID); }
+
+int dbTrans::isMsgExsit(imsdk::dbUtils& db, std::string table, long long msgID) {
+    return countOf(db, tools::FixedText<100>("select count(*) as cnt from  %s  where msgID = %lld", table.c_str(), msgID));
+}
+
+int dbTrans::isNoteExsit(st_noteTrans& note) {
+    const tools::FixedText<9126> query(
+        "select count(*) as cnt from im_note where sendUserId = %lld and targetID = %lld and type = %d and isReminder = %d "
+        "and rmdTime = %lld and isArchive = %d and lastChgTime = %lld",
+        note.sendUserId, note.targetID, note.type, note.isReminder, note.rmdTime, note.isArchive, note.lastChgTime);
+    return countOf(pluginDb, query);
+}
+
+int dbTrans::isRoomExsit(std::string& roomName, std::string& roomMember) {
+    const tools::FixedText<512> query("select count(*) as cnt from im_room where roomName = '%s' and roomMember = '%s'",
+                                      roomName.c_str(), roomMember.c_str());
+    return countOf(pluginDb, query);
+}

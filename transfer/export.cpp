@@ -1,0 +1,438 @@
+// Export: selects messages and recent contacts from the databases, writes them as a backup package, and copies the
+// attachments.
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "host/confined_files.h"
+#include "host/fixed_text.h"
+#include "host/json_owner.h"
+#include "host/tools.h"
+#include "transfer/attachment_body.h"
+#include "transfer/attachment_count.h"
+#include "transfer/dbTrans.h"
+#include "transfer/json_fields.h"
+#include "transfer/message_table.h"
+#include "transfer/package_format.h"
+#include "transfer/progress_report.h"
+#include "transfer/recent_contact_table.h"
+
+using imsdk::st_dbMessageBean;
+using imsdk::st_dbReContactBean;
+using tools::JsonDocument;
+
+namespace {
+
+using MessagesOfDay = std::vector<st_dbMessageBean>;
+using DayMessages = std::map<std::string, MessagesOfDay>;
+
+// --- Selection ---------------------------------------------------------------------------------------------------------
+
+// What one entry of the day map holds before the next one is begun, so that one message file stays small.
+constexpr std::size_t kMessagesPerEntry = 250;
+
+struct Day {
+    int year;
+    int mon;
+    int day;
+};
+
+bool isMessageTable(const std::string& name) {
+    return name.compare(0, std::strlen(transfer::kMessageTablePrefix), transfer::kMessageTablePrefix) == 0;
+}
+
+std::string dayKeyOf(const st_dbMessageBean& message, char separator) {
+    return std::to_string(message.year_) + separator + std::to_string(message.mon) + separator +
+           std::to_string(message.day_);
+}
+
+// Calls take(message) for each message of `table` dated on or after `since`. False when the table could not be read whole.
+template <class Take>
+bool selectMessages(imsdk::dbUtils& db, const std::string& table, const Day& since, Take take) {
+    if (!transfer::isPlainTableName(table)) return false;
+    const tools::FixedText<256> query(
+        "select * from %s where (year_ > %d) or (year_ = %d and mon > %d) or (year_ = %d and mon = %d and day_ >= %d)",
+        table.c_str(), since.year, since.year, since.mon, since.year, since.mon, since.day);
+    imsdk::dbDataReader reader = db.excuteQuery(query.text());
+    st_dbMessageBean message;
+    while (reader.read() != 0) {
+        transfer::readMessageRow(reader, message);
+        take(message);
+    }
+    return !reader.failed();
+}
+
+// Selects from every message table and reports the tables that could not be read: they contribute what was read of them.
+template <class Take>
+void selectFromAllTables(dbTrans& transfer, const Day& since, Take take) {
+    for (const std::string& table : transfer.tableNames) {
+        if (!isMessageTable(table)) continue;
+        const bool whole = selectMessages(transfer.mainDb, table, since, [&](st_dbMessageBean& message) {
+            ++transfer.report.messagesSelected;
+            if (transfer::carriesAttachments(message.msgType)) transfer.parseUrl(message.body, message.msgType);
+            take(message);
+        });
+        if (!whole) transfer.report.skip(table, "the table could not be read whole: " + transfer.mainDb.lastError());
+    }
+}
+
+// Remembers, per day key, the overflow entry that is being filled. Looking for it from the first one each time would make
+// a day of many messages quadratic.
+class OverflowEntries {
+public:
+    explicit OverflowEntries(DayMessages& days) : days_(days) {}
+
+    // False when the entry's key does not fit its buffer.
+    bool place(const std::string& dayKey, const st_dbMessageBean& message) {
+        int& number = open_[dayKey];
+        if (number == 0) number = 1;
+        for (;; ++number) {
+            const tools::FixedText<100> key("%s_%d", dayKey.c_str(), number);
+            if (!key.fits()) return false;
+            MessagesOfDay& entry = days_[key.text()];
+            if (entry.size() >= kMessagesPerEntry) continue;
+            entry.push_back(message);
+            return true;
+        }
+    }
+
+private:
+    DayMessages& days_;
+    std::map<std::string, int> open_;
+};
+
+void noteUnplaced(TransferReport& report, const std::string& dayKey) {
+    report.skip(dayKey, "the day key is too long: a message was left out");
+}
+
+// --- Package writing ---------------------------------------------------------------------------------------------------
+
+constexpr std::size_t kMessagesPerFile = 1000;
+
+JsonDocument makeFileHead(const std::string& version) {
+    JsonDocument file(json_value_init_object());
+    JSON_Object* object = json_value_get_object(file.get());
+    transfer::setField(object, transfer::kVersionKey, version);
+    transfer::setValue(object, transfer::kMessagesKey, JsonDocument(json_value_init_array()));
+    return file;
+}
+
+// {"msgs": []}
+JsonDocument makeMessageList() {
+    JsonDocument list(json_value_init_object());
+    transfer::setValue(json_value_get_object(list.get()), transfer::kMessagesKey, JsonDocument(json_value_init_array()));
+    return list;
+}
+
+JsonDocument makeDate(const transfer::CalendarDay& day) {
+    JsonDocument date(json_value_init_object());
+    JSON_Object* object = json_value_get_object(date.get());
+    transfer::setField(object, transfer::kYearKey, day.year);
+    transfer::setField(object, transfer::kMonthKey, day.month);
+    transfer::setField(object, transfer::kDayKey, day.day);
+    return date;
+}
+
+// {"msgs": [], "date": {...}}; null when it cannot be built.
+JsonDocument makeDay(const transfer::CalendarDay& day) {
+    JsonDocument object = makeMessageList();
+    JsonDocument date = makeDate(day);
+    if (!object || !date) return nullptr;
+    transfer::setValue(json_value_get_object(object.get()), transfer::kDateKey, std::move(date));
+    return object;
+}
+
+JsonDocument makeMessage(const st_dbMessageBean& record) {
+    JsonDocument message(json_value_init_object());
+    JSON_Object* object = json_value_get_object(message.get());
+    transfer::forEachMessageKey(record, [object](const char* key, transfer::KeyUse /*use*/, const auto& field) {
+        transfer::setField(object, key, field);
+    });
+    transfer::forEachMessageList(record, [object](const char* key, const std::string& joined) {
+        transfer::setList(object, key, joined);
+    });
+    return message;
+}
+
+JSON_Array* messagesOf(const JsonDocument& document) {
+    return json_object_get_array(json_value_get_object(document.get()), transfer::kMessagesKey);
+}
+
+// Writes numbered message files and keeps the account of them.
+class MessageFiles {
+public:
+    explicit MessageFiles(dbTrans& transfer) : transfer_(transfer) {}
+
+    bool begin() {
+        file_ = makeFileHead(transfer_.packageVersion);
+        messages_ = 0;
+        return messagesOf(file_) != nullptr;
+    }
+
+    // Appends a day object with the records of [first, last). False when it cannot be built.
+    bool addDay(const transfer::CalendarDay& day, const st_dbMessageBean* first, const st_dbMessageBean* last) {
+        JsonDocument object = makeDay(day);
+        JSON_Array* messages = messagesOf(object);
+        if (messages == nullptr) return false;
+        for (; first != last; ++first) {
+            if (transfer::appendValue(messages, makeMessage(*first))) ++messages_;
+        }
+        return transfer::appendValue(messagesOf(file_), std::move(object));
+    }
+
+    // Writes the file under the next number. A failure is reported and passed over: the other files are worth having.
+    void finish() {
+        const std::string path = transfer_.msgFileDir + tools::FixedText<50>(transfer::kMessageFileName, number_++).text();
+        if (json_serialize_to_file(file_.get(), path.c_str()) == JSONSuccess) {
+            ++transfer_.report.messageFilesWritten;
+            transfer_.report.messagesWritten += messages_;
+        } else {
+            transfer_.report.skip(path, "the message file could not be written");
+        }
+        file_.reset();
+    }
+
+    int number() const { return number_; }
+
+private:
+    dbTrans& transfer_;
+    JsonDocument file_;
+    long long messages_ = 0;
+    int number_ = 0;
+};
+
+// --- Attachments -------------------------------------------------------------------------------------------------------
+
+// `path` is relative to the package; the file itself lies flat in the account's folder for its kind.
+tools::FileOutcome exportAttachment(const dbTrans& transfer, const char* kindFolder, const std::string& path) {
+    std::string name;
+    tools::getNameFromPath(path, name);
+    if (!tools::isConfinedName(path) || !tools::isConfinedName(name)) return tools::FileOutcome::refused;
+    const std::string sourceFolder = transfer.rootPath + kindFolder;
+    if (!tools::confinedFileExists(sourceFolder, name)) return tools::FileOutcome::missing;
+    // For a path without "/" this makes a folder of the attachment's own name, onto which the copy then fails.
+    tools::createConfinedDir(transfer.imFileDir, transfer::folderOf(path));
+    return tools::copyConfined(sourceFolder, name, transfer.imFileDir, path);
+}
+
+}  // namespace
+
+unsigned int dbTrans::rdMsgFromDB(int year, int mon, int day) {
+    const auto contacts = static_cast<unsigned int>(readRecontactFromDB());
+    if (contacts != transfer::kSuccess) return contacts;
+    dataClear();
+    if (backdbOpen() == 0) return transfer::kDatabaseFailed;
+    getTables();
+    if (tableNames.empty()) return transfer::kNoTables;
+    OverflowEntries overflow(dayMsgMap);
+    selectFromAllTables(*this, {year, mon, day}, [&](const st_dbMessageBean& message) {
+        const std::string key = dayKeyOf(message, ':');
+        MessagesOfDay& entry = dayMsgMap[key];
+        if (entry.size() < kMessagesPerEntry) {
+            entry.push_back(message);
+        } else if (!overflow.place(key, message)) {
+            noteUnplaced(report, key);
+        }
+    });
+    return transfer::kSuccess;
+}
+
+unsigned int dbTrans::rdMsgFromDB2(int year, int mon, int day) {
+    dataClear();
+    if (dbOpen() == 0) return transfer::kDatabaseFailed;
+    getTables();
+    if (tableNames.empty()) return transfer::kNoTables;
+    selectFromAllTables(*this, {year, mon, day}, [&](const st_dbMessageBean& message) {
+        dayMsgMap[dayKeyOf(message, '_')].push_back(message);
+    });
+    return transfer::kSuccess;
+}
+
+void dbTrans::searchItem(std::string dayKey, st_dbMessageBean& msg) {
+    if (!OverflowEntries(dayMsgMap).place(dayKey, msg)) noteUnplaced(report, dayKey);
+}
+
+int dbTrans::parseUrl(std::string body, int msgType) {
+    const transfer::AttachmentBody attachments = transfer::readAttachmentBody(body, msgType);
+    if (!attachments.recognised) return 0;
+    if (!attachments.complete) return 1;
+    if (msgType == transfer::kImageMessage) {
+        imagePaths.push_back(attachments.mediaUrl);
+        imagePaths.push_back(attachments.thumbUrl);
+    } else {
+        std::vector<std::string>& paths = msgType == transfer::kVoiceMessage ? audioPaths : filePaths;
+        paths.push_back(attachments.packagePath());
+    }
+    return 1;
+}
+
+JSON_Value* dbTrans::makeJson(int mode, st_dbMessageBean* msg) {
+    if (mode == 0) return makeFileHead(packageVersion).release();
+    if (mode == 1) return makeMessageList().release();
+    return mode == 2 && msg != nullptr ? makeMessage(*msg).release() : nullptr;
+}
+
+int dbTrans::createRootDir() {
+    const tools::FixedText<100> root("%s/qelmsg_0/", backupPath.c_str());
+    if (!root.fits() || tools::fileExist(root.text())) return 0;
+    msgFileDir = std::string(root.text()) + transfer::kMessagesFolder + packageSubDir + "/";
+    imFileDir = std::string(root.text()) + transfer::kAttachmentsFolder + packageSubDir + "/";
+    tools::createDir(msgFileDir.c_str());
+    tools::createDir(imFileDir.c_str());
+    return 1;
+}
+
+unsigned int dbTrans::wtMsgToFile() {
+    if (createRootDir() == 0) return transfer::kPackageExists;
+    transfer::ProgressThrottle throttle;
+    MessageFiles files(*this);
+    const auto entries = static_cast<long long>(dayMsgMap.size());
+    for (const auto& [key, messages] : dayMsgMap) {
+        const transfer::CalendarDay day = transfer::dayOfKey(key, ":");
+        if (!files.begin() || !files.addDay(day, messages.data(), messages.data() + messages.size())) {
+            return transfer::kJsonFailed;
+        }
+        files.finish();
+        if (throttle.due(files.number() == entries)) transfer::notifyShare(*this, 1, files.number(), entries);
+    }
+    exportFile();
+    wtRecontactToFile();
+    return transfer::kSuccess;
+}
+
+unsigned int dbTrans::wtMsgToFile2() {
+    if (createRootDir() == 0) return transfer::kPackageExists;
+    transfer::ProgressThrottle throttle;
+    MessageFiles files(*this);
+    const auto entries = static_cast<long long>(dayMsgMap.size());
+    std::size_t room = 0;    // messages that still fit into the current file; 0: no file is begun
+    std::size_t resume = 0;  // first message of the entry that is not written yet
+    long long passes = 0;
+    for (auto entry = dayMsgMap.begin(); entry != dayMsgMap.end();) {
+        if (room == 0) {
+            if (!files.begin()) return transfer::kJsonFailed;
+            room = kMessagesPerFile;
+        }
+        const MessagesOfDay& messages = entry->second;
+        const std::size_t taken = std::min(room, messages.size() - resume);
+        const st_dbMessageBean* first = messages.data() + resume;
+        if (!files.addDay(transfer::dayOfKey(entry->first, "_"), first, first + taken)) return transfer::kJsonFailed;
+        room -= taken;
+        const auto next = std::next(entry);
+        if (room == 0 || next == dayMsgMap.end()) files.finish();
+        // A file that is full in the last day ends the export, with the rest of that day left out. Elsewhere the next file
+        // begins with this day again, even when nothing of it is left. Readers know both.
+        if (room == 0 && next != dayMsgMap.end()) {
+            resume += taken;
+            continue;
+        }
+        resume = 0;
+        entry = next;
+        if (throttle.due(passes == entries)) transfer::notifyShare(*this, 1, passes, entries);
+        ++passes;
+    }
+    exportFile();
+    return transfer::kSuccess;
+}
+
+std::string dbTrans::getSavePath(const char* path, std::string& dirPart) {
+    dirPart.clear();
+    if (path == nullptr) return {};
+    const tools::FixedText<256> buffer("%s", path);
+    std::string converted = buffer.text();
+    std::size_t segment = 0;
+    for (int slashes = 0; slashes < 3; ++slashes) {
+        const std::size_t slash = converted.find('/', segment);
+        if (slash == std::string::npos) return {};
+        segment = slash + 1;
+    }
+    const std::size_t end = converted.find('/', segment);
+    // Without a further "/" the segment ends one past the text, so that only one character is taken from it.
+    const std::size_t length = (end != std::string::npos ? end : converted.size() + 1) - segment;
+    if (length < 2) return {};
+    const tools::FixedText<50> directory("%s", converted.substr(segment, length - 2).c_str());
+    if (!directory.fits()) return {};
+    dirPart = directory.text();
+    std::replace(converted.begin(), converted.end(), '/', '_');
+    return dirPart + "/" + converted;
+}
+
+int dbTrans::exportFile() {
+    struct Pass {
+        const std::vector<std::string>& paths;
+        const char* folder;
+    };
+    const std::array<Pass, 3> passes = {{{audioPaths, transfer::kAudioFolder},
+                                         {filePaths, transfer::kFileFolder},
+                                         {imagePaths, transfer::kImageFolder}}};
+    attachmentTotal = static_cast<long long>(audioPaths.size() + filePaths.size() + imagePaths.size());
+    transfer::ProgressThrottle throttle;
+    long long position = 0;
+    for (const Pass& pass : passes) {
+        for (const std::string& path : pass.paths) {
+            transfer::countAttachment(report, path, exportAttachment(*this, pass.folder, path));
+            if (throttle.due(false)) transfer::notifyShare(*this, 2, position, attachmentTotal);
+            ++position;
+        }
+    }
+    transfer::notifyShare(*this, 2, attachmentTotal, attachmentTotal);
+    return 1;
+}
+
+std::string dbTrans::baseName(std::string path) { return transfer::folderOf(path); }
+
+std::string dbTrans::filName(std::string path) {
+    std::string name;
+    tools::getNameFromPath(path, name);
+    return name;
+}
+
+std::string dbTrans::validatePath(const char* path) {
+    if (path == nullptr) return {};
+    std::string valid = tools::FixedText<300>("%s", path).text();
+    std::replace(valid.begin(), valid.end(), '\\', '/');
+    if (!valid.empty() && valid.back() == '/') valid.pop_back();
+    return valid;
+}
+
+long long dbTrans::readRecontactFromDB() {
+    tableNames.clear();
+    if (dbOpen() == 0) return transfer::kDatabaseFailed;
+    getTables();
+    if (std::find(tableNames.begin(), tableNames.end(), transfer::kRecentContactTable) == tableNames.end()) {
+        return transfer::kNoTables;
+    }
+    imsdk::dbDataReader reader =
+        mainDb.excuteQuery(tools::FixedText<256>("select * from %s", transfer::kRecentContactTable).text());
+    while (reader.read() != 0) {
+        st_dbReContactBean contact;
+        transfer::forEachRecentContactField(contact, [&reader](int column, const char* /*name*/, auto& field) {
+            reader.getColumnValue(column, field);
+        });
+        reContacts.push_back(std::move(contact));
+    }
+    if (reader.failed()) report.skip(transfer::kRecentContactTable, "the table could not be read whole: " + mainDb.lastError());
+    return transfer::kSuccess;
+}
+
+int dbTrans::wtRecontactToFile() {
+    const JsonDocument file(json_value_init_object());
+    JSON_Object* object = json_value_get_object(file.get());
+    transfer::setField(object, transfer::kVersionKey, packageVersion);
+    transfer::setValue(object, transfer::kRecentContactsKey, JsonDocument(json_value_init_array()));
+    JSON_Array* contacts = json_object_get_array(object, transfer::kRecentContactsKey);
+    for (const st_dbReContactBean& contact : reContacts) {
+        JsonDocument element(json_value_init_object());
+        transfer::forEachRecentContactField(contact, [&element](int /*column*/, const char* name, const auto& field) {
+            transfer::setField(json_value_get_object(element.get()), name, field);
+        });
+        transfer::appendValue(contacts, std::move(element));
+    }
+    const std::string path = msgFileDir + transfer::kRecentContactFileName;
+    if (json_serialize_to_file(file.get(), path.c_str()) == JSONSuccess) {
+        report.contactsWritten += static_cast<long long>(reContacts.size());
+    } else {
+        report.skip(path, "the recent-contact file could not be written");
+    }
+    return 1;
+}

@@ -1,0 +1,57 @@
+#include "transfer/message_table.h"
+
+#include <algorithm>
+
+namespace transfer {
+namespace {
+
+void bindField(imsdk::dbCommand& command, int index, const std::string& text) {
+    command.bindParam(index, text.c_str());
+}
+void bindField(imsdk::dbCommand& command, int index, int number) { command.bindParam(index, number); }
+void bindField(imsdk::dbCommand& command, int index, long long number) { command.bindParam(index, number); }
+
+std::string buildInsertFormat() {
+    std::string names;
+    std::string placeholders;
+    const imsdk::st_dbMessageBean any;
+    forEachMessageColumn(any, [&](int index, const char* name, ColumnUse use, const auto& /*field*/) {
+        if (use != ColumnUse::always) return;
+        const char* separator = index == 0 ? "" : ",";
+        names.append(separator).append(name);
+        placeholders.append(separator).append("?");
+    });
+    return "insert into %s(" + names + ") values(" + placeholders + ")";
+}
+
+bool isIdentifierByte(unsigned char byte) {
+    return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') || byte == '_' ||
+           byte >= 0x80;
+}
+
+}  // namespace
+
+void readMessageRow(imsdk::dbDataReader& reader, imsdk::st_dbMessageBean& record) {
+    forEachMessageColumn(record, [&reader](int index, const char* /*name*/, ColumnUse /*use*/, auto& field) {
+        reader.getColumnValue(index, field);
+    });
+}
+
+const std::string& insertMessageFormat() {
+    static const std::string format = buildInsertFormat();
+    return format;
+}
+
+void bindMessage(imsdk::dbCommand& command, const imsdk::st_dbMessageBean& record) {
+    forEachMessageColumn(record, [&command](int index, const char* /*name*/, ColumnUse use, const auto& field) {
+        if (use == ColumnUse::always) bindField(command, index + 1, field);
+    });
+}
+
+bool isPlainTableName(const std::string& name) {
+    const bool leads = !name.empty() && (name.front() < '0' || name.front() > '9');
+    return leads && std::all_of(name.begin(), name.end(),
+                                [](char c) { return isIdentifierByte(static_cast<unsigned char>(c)); });
+}
+
+}  // namespace transfer

@@ -1,0 +1,319 @@
+// Package import: reads a backup package into memory, restores its attachments, and writes messages and recent contacts
+// into the databases.
+#include <algorithm>
+
+#include "host/confined_files.h"
+#include "host/fixed_text.h"
+#include "host/json_owner.h"
+#include "host/tools.h"
+#include "transfer/attachment_body.h"
+#include "transfer/attachment_count.h"
+#include "transfer/conversation_writer.h"
+#include "transfer/dbTrans.h"
+#include "transfer/json_fields.h"
+#include "transfer/message_file.h"
+#include "transfer/message_table.h"
+#include "transfer/package_format.h"
+#include "transfer/progress_report.h"
+#include "transfer/recent_contact_table.h"
+
+using imsdk::st_dbMessageBean;
+using imsdk::st_dbReContactBean;
+using tools::JsonDocument;
+
+namespace {
+
+// --- Reading -----------------------------------------------------------------------------------------------------------
+
+int countMessageFiles(const std::string& folder) {
+    int number = 0;
+    while (tools::isFileExsit(transfer::messageFilePath(folder, number)) != 0) ++number;
+    return number;
+}
+
+// Reads the messages of one day object into the map, attachments restored on the way.
+void readDay(dbTrans& transfer, const JSON_Object* dayObject) {
+    const transfer::CalendarDay day = transfer::readDate(dayObject);
+    // The lists are looked for in the day object: all its messages get the same ones.
+    st_dbMessageBean lists;
+    transfer::forEachMessageList(lists, [dayObject](const char* key, std::string& joined) {
+        transfer::getList(dayObject, key, joined);
+    });
+    const JSON_Array* messages = json_object_get_array(dayObject, transfer::kMessagesKey);
+    transfer::forEachObject(messages, [&](const JSON_Object* message) {
+        st_dbMessageBean record = transfer::readMessage(message, day);
+        if (transfer::carriesAttachments(record.msgType)) transfer.importFile(record.body, record.msgType);
+        record.limitRange = lists.limitRange;
+        record.relatedUsers = lists.relatedUsers;
+        ++transfer.report.messagesRead;
+        std::vector<st_dbMessageBean>& conversation = transfer.msgMap[record.targetID];
+        conversation.push_back(std::move(record));
+    });
+}
+
+enum class FileResult { read, skipped, wrongVersion };
+
+FileResult readMessageFile(dbTrans& transfer, const std::string& path) {
+    const JsonDocument document(json_parse_file_no_link(path.c_str()));
+    const JSON_Object* file = json_value_get_object(document.get());
+    if (file == nullptr) {
+        transfer.report.skip(path, "the message file cannot be read as a JSON object");
+        return FileResult::skipped;
+    }
+    if (!transfer::hasVersion(file, transfer.packageVersion)) return FileResult::wrongVersion;
+    const JSON_Array* days = json_object_get_array(file, transfer::kMessagesKey);
+    if (days == nullptr) {
+        transfer.report.skip(path, "the message file has no list of days");
+        return FileResult::skipped;
+    }
+    transfer::forEachObject(days, [&transfer](const JSON_Object* day) { readDay(transfer, day); });
+    return FileResult::read;
+}
+
+st_dbReContactBean readContact(const JSON_Object* object) {
+    // Older clients wrote 1 for a pinned conversation.
+    constexpr signed char kPinnedInPackage = 1;
+    st_dbReContactBean contact;
+    transfer::forEachRecentContactField(contact, [object](int /*column*/, const char* name, auto& field) {
+        transfer::getField(object, name, field);
+    });
+    if (contact.top == kPinnedInPackage) contact.top = transfer::kPinnedBit;
+    return contact;
+}
+
+// --- Attachments -------------------------------------------------------------------------------------------------------
+
+void restore(dbTrans& transfer, const std::string& packagePath, const char* kindFolder, const std::string& name) {
+    const tools::FileOutcome outcome =
+        tools::copyConfined(transfer.imFileDir, packagePath, transfer.rootPath + kindFolder, name);
+    transfer::countAttachment(transfer.report, packagePath, outcome);
+}
+
+void restoreIfAbsent(dbTrans& transfer, const std::string& packagePath, const char* kindFolder, const std::string& name) {
+    if (tools::isConfinedName(name) && tools::confinedNameTaken(transfer.rootPath + kindFolder, name)) {
+        ++transfer.report.attachmentsPresent;
+    } else {
+        restore(transfer, packagePath, kindFolder, name);
+    }
+}
+
+void restoreImage(dbTrans& transfer, const std::string& packagePath) {
+    std::string name;
+    tools::getNameFromPath(packagePath, name);
+    restoreIfAbsent(transfer, packagePath, transfer::kImageFolder, name);
+}
+
+// --- Writing -----------------------------------------------------------------------------------------------------------
+
+// Writes one conversation in one transaction, its table included. False when that is not durable.
+template <class BeforeCommit>
+bool writeConversation(dbTrans& transfer, imsdk::dbUtils& db, transfer::TableIndex& index, long long targetID,
+                       const std::vector<st_dbMessageBean>& messages, BeforeCommit beforeCommit) {
+    {
+        const DbTranHelper transaction(&db);
+        const std::string table = transfer::openMessageTable(transfer, db, index, targetID);
+        if (table.empty()) return false;
+        imsdk::dbCommand insert(&db, transfer::insertMessageStatement(table).c_str());
+        for (const st_dbMessageBean& message : messages) transfer::insertMessage(transfer.report, db, insert, message);
+        beforeCommit();
+    }
+    if (!db.transactionFailed()) return true;
+    transfer.report.skip("conversation " + std::to_string(targetID), "its transaction failed: " + db.lastError());
+    return false;
+}
+
+template <class BeforeCommit>
+bool writeConversations(dbTrans& transfer, imsdk::dbUtils& db, BeforeCommit beforeCommit) {
+    transfer::TableIndex index(transfer.tableNames);
+    for (const auto& [targetID, messages] : transfer.msgMap) {
+        if (!writeConversation(transfer, db, index, targetID, messages, beforeCommit)) return false;
+    }
+    return true;
+}
+
+// --- Recent contacts ---------------------------------------------------------------------------------------------------
+
+void bindField(imsdk::dbCommand& command, int index, const std::string& text) {
+    command.bindParam(index, text.c_str());
+}
+void bindField(imsdk::dbCommand& command, int index, long long number) { command.bindParam(index, number); }
+void bindField(imsdk::dbCommand& command, int index, int number) { command.bindParam(index, number); }
+void bindField(imsdk::dbCommand& command, int index, signed char number) {
+    command.bindParam(index, static_cast<int>(number));
+}
+
+std::string contactStatement(const char* format) {
+    return tools::FixedText<512>(format, transfer::kRecentContactTable).text();
+}
+
+int insertContact(dbTrans& transfer, const st_dbReContactBean& contact) {
+    imsdk::dbCommand command(&transfer.mainDb, contactStatement(transfer::kInsertRecentContact).c_str());
+    int index = 0;
+    transfer::forEachRecentContactField(contact, [&](int /*column*/, const char* /*name*/, const auto& field) {
+        bindField(command, ++index, field);
+    });
+    const int stored = transfer.mainDb.excuteNonQuery(&command);
+    if (stored != 0) ++transfer.report.contactsInserted;
+    return stored;
+}
+
+int updateContact(imsdk::dbUtils& db, const st_dbReContactBean& contact) {
+    imsdk::dbCommand command(&db, contactStatement(transfer::kUpdateRecentContact).c_str());
+    int index = 0;
+    transfer::forEachRecentContactField(contact, [&](int column, const char* /*name*/, const auto& field) {
+        if (column != 0) bindField(command, ++index, field);
+    });
+    bindField(command, ++index, contact.targetID);
+    return db.excuteNonQuery(&command);
+}
+
+int pinContact(dbTrans& transfer, long long targetID, int top) {
+    imsdk::dbCommand command(&transfer.mainDb, contactStatement(transfer::kPinRecentContact).c_str());
+    command.bindParam(1, top);
+    command.bindParam(2, targetID);
+    const int stored = transfer.mainDb.excuteNonQuery(&command);
+    if (stored != 0) ++transfer.report.contactsPinned;
+    return stored;
+}
+
+// What the merge knows of a stored contact.
+struct StoredContact {
+    bool found = false;
+    long long time = 0;
+    int top = 0;
+};
+
+StoredContact findContact(imsdk::dbUtils& db, long long targetID) {
+    const tools::FixedText<100> query(transfer::kFindRecentContact, transfer::kRecentContactTable, targetID);
+    imsdk::dbDataReader reader = db.excuteQuery(query.text());
+    StoredContact stored;
+    stored.found = reader.read() != 0;
+    reader.getColumnValue(transfer::kRecentContactTimeColumn, stored.time);
+    reader.getColumnValue(transfer::kRecentContactTopColumn, stored.top);
+    return stored;
+}
+
+}  // namespace
+
+unsigned int dbTrans::rdMsgFromFile() {
+    const std::string root = backupPath + transfer::kPackageRoot;
+    if (!tools::fileExist(root.c_str())) return transfer::kMissing;
+    msgFileDir = root + transfer::kMessagesFolder + packageSubDir + "/";
+    imFileDir = root + transfer::kAttachmentsFolder + packageSubDir + "/";
+    if (!tools::fileExist(msgFileDir.c_str()) || !tools::fileExist(imFileDir.c_str())) return transfer::kMissing;
+    dataClear();
+    transfer::ProgressThrottle throttle;
+    const int fileCount = countMessageFiles(msgFileDir);
+    std::string contactFile = msgFileDir + transfer::kRecentContactFileName;
+    rdRecontactFromFile(contactFile);
+    for (int i = 0;; ++i) {
+        const std::string path = transfer::messageFilePath(msgFileDir, i);
+        if (tools::isFileExsit(path) == 0) return transfer::kSuccess;
+        const FileResult result = readMessageFile(*this, path);
+        if (result == FileResult::wrongVersion) return transfer::kWrongVersion;
+        if (result == FileResult::skipped) continue;
+        if (throttle.due(i == fileCount - 1)) transfer::notifyShare(*this, 2, i + 1, fileCount);
+    }
+}
+
+int dbTrans::getMsgFileNum(std::string dir) { return countMessageFiles(dir); }
+
+unsigned int dbTrans::rdRecontactFromFile(std::string& path) {
+    if (tools::isFileExsit(path) == 0) return transfer::kMissing;
+    reContacts.clear();
+    const JsonDocument document(json_parse_file_no_link(path.c_str()));
+    if (!document) {
+        report.skip(path, "the recent-contact file is not JSON");
+        return transfer::kNotJson;
+    }
+    const JSON_Object* file = json_value_get_object(document.get());
+    if (!transfer::hasVersion(file, packageVersion)) {
+        report.skip(path, "the recent-contact file has another version");
+        return transfer::kWrongVersion;
+    }
+    transfer::forEachObject(json_object_get_array(file, transfer::kRecentContactsKey),
+                            [this](const JSON_Object* contact) { reContacts.push_back(readContact(contact)); });
+    return transfer::kSuccess;
+}
+
+int dbTrans::importFile(std::string body, int msgType) {
+    const transfer::AttachmentBody attachments = transfer::readAttachmentBody(body, msgType);
+    if (!attachments.recognised) return 0;
+    if (!attachments.complete) return 1;
+    if (msgType == transfer::kFileMessage) {
+        restoreIfAbsent(*this, attachments.packagePath(), transfer::kFileFolder, attachments.fileName);
+    } else if (msgType == transfer::kVoiceMessage) {
+        // Voice files are copied again each time, unlike the others.
+        restore(*this, attachments.packagePath(), transfer::kAudioFolder, attachments.fileName);
+    } else {
+        restoreImage(*this, attachments.mediaUrl);
+        restoreImage(*this, attachments.thumbUrl);
+    }
+    return 1;
+}
+
+unsigned int dbTrans::wtMsgToDB() {
+    if (dbOpen() == 0) return transfer::kDatabaseFailed;
+    transfer::ProgressThrottle throttle;
+    const auto conversations = static_cast<long long>(msgMap.size());
+    getTables();
+    long long done = 0;
+    const bool written = writeConversations(*this, mainDb, [&] {
+        ++done;
+        if (throttle.due(done == conversations)) transfer::notifyShare(*this, 1, done, conversations);
+    });
+    if (!written) return transfer::kDatabaseFailed;
+    checkMsgCount();
+    wtRecontactToDb();
+    return transfer::kSuccess;
+}
+
+unsigned int dbTrans::wtMsgToBackDB() {
+    if (backdbOpen() == 0) return transfer::kDatabaseFailed;
+    getTables2(backDb);
+    return writeConversations(*this, backDb, [] {}) ? transfer::kSuccess : transfer::kDatabaseFailed;
+}
+
+int dbTrans::checkMsgCount() {
+    constexpr int kTrimAbove = 5000;
+    constexpr int kKeptRows = 3000;
+    const int count = countRows(16, nullptr, 0);
+    if (count <= kTrimAbove) return count;
+    if (!transfer::isPlainTableName(trimTable)) return 0;
+    const tools::FixedText<256> trim(
+        "delete from %s where time_ in(select time_ from %s order by time_ ASC limit 0,%d)", trimTable.c_str(),
+        trimTable.c_str(), count - kKeptRows);
+    const int trimmed = mainDb.excuteNonQuery(trim.text());
+    if (trimmed != 0) report.messagesTrimmed += mainDb.changedRows();
+    return trimmed;
+}
+
+unsigned int dbTrans::wtRecontactToDb() {
+    const auto known = std::find(tableNames.begin(), tableNames.end(), transfer::kRecentContactTable);
+    if (known == tableNames.end()) {
+        if (mainDb.excuteNonQuery(transfer::kCreateRecentContactTable) == 0) {
+            report.skip(transfer::kRecentContactTable, "the table could not be created: " + mainDb.lastError());
+            return transfer::kDatabaseFailed;
+        }
+        tableNames.emplace_back(transfer::kRecentContactTable);
+    }
+    const DbTranHelper transaction(&mainDb);
+    for (st_dbReContactBean& contact : reContacts) isRecontactExsit(contact);
+    return transfer::kSuccess;
+}
+
+int dbTrans::isRecontactExsit(st_dbReContactBean& record) {
+    StoredContact stored = findContact(mainDb, record.targetID);
+    if (!stored.found) return insertContact(*this, record);
+    if (((stored.top | record.top) & transfer::kPinnedBit) != 0) {
+        stored.top |= transfer::kPinnedBit;
+        record.top = static_cast<signed char>(record.top | transfer::kPinnedBit);
+    }
+    if (record.time > stored.time) {
+        ++report.contactsKept;
+        return updateContact(mainDb, record);
+    }
+    if ((stored.top & transfer::kPinnedBit) != 0) return pinContact(*this, record.targetID, stored.top);
+    ++report.contactsKept;
+    return 1;
+}
