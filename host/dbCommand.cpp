@@ -5,7 +5,9 @@ namespace imsdk {
 
 dbCommand::dbCommand(dbUtils* db) : db_(db) {}
 
-dbCommand::dbCommand(dbUtils* db, const char* sql) : db_(db) { setCommandText(sql); }
+dbCommand::dbCommand(dbUtils* db, const char* sql) : db_(db) {
+    setCommandText(sql);
+}
 
 dbCommand::~dbCommand() = default;
 

@@ -23,7 +23,9 @@ int dbDataReader::read() {
     return 0;
 }
 
-bool dbDataReader::failed() const { return !statement_ || statement_->failed; }
+bool dbDataReader::failed() const {
+    return !statement_ || statement_->failed;
+}
 
 void dbDataReader::getColumnValue(int column, std::string& text) {
     text.clear();

@@ -37,7 +37,9 @@ int dbUtils::excuteNonQuery(dbCommand* command) {
     return done ? 1 : 0;
 }
 
-int dbUtils::isExistTable(const char* sql) { return excuteQuery(sql).read(); }
+int dbUtils::isExistTable(const char* sql) {
+    return excuteQuery(sql).read();
+}
 
 void dbUtils::beginTransaction() {
     if (connection_) connection_->beginBatch();
@@ -47,14 +49,24 @@ void dbUtils::endTransaction() {
     if (connection_) connection_->endBatch();
 }
 
-bool dbUtils::transactionFailed() const { return !connection_ || connection_->batchLost(); }
+bool dbUtils::transactionFailed() const {
+    return !connection_ || connection_->batchLost();
+}
 
-bool dbUtils::isOpen() const { return connection_ != nullptr; }
+bool dbUtils::isOpen() const {
+    return connection_ != nullptr;
+}
 
-int dbUtils::changedRows() const { return connection_ ? connection_->changedRows() : 0; }
+int dbUtils::changedRows() const {
+    return connection_ ? connection_->changedRows() : 0;
+}
 
-std::string dbUtils::lastError() const { return connection_ ? connection_->lastError() : lastOpenError_; }
+std::string dbUtils::lastError() const {
+    return connection_ ? connection_->lastError() : lastOpenError_;
+}
 
-bool dbUtils::lastFailureWasConstraint() const { return connection_ && connection_->lastFailureWasConstraint(); }
+bool dbUtils::lastFailureWasConstraint() const {
+    return connection_ && connection_->lastFailureWasConstraint();
+}
 
 }  // namespace imsdk

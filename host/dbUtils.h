@@ -1,8 +1,8 @@
 // The database layer: one connection, prepared commands and result cursors over SQLite.
 //
-// Nothing of SQLite shows in this header. Texts are UTF-8. Nothing here throws on a database failure: results say whether
-// a call succeeded, and dbUtils::lastError() keeps the evidence in words. All objects of one connection belong to one
-// thread at a time.
+// Nothing of SQLite shows in this header. Texts are UTF-8. Nothing here throws on a database failure: results say
+// whether a call succeeded, and dbUtils::lastError() keeps the evidence in words. All objects of one connection belong
+// to one thread at a time.
 #pragma once
 
 #include <memory>
@@ -39,8 +39,8 @@ public:
     /// column that does not exist and a cursor without a current row give an empty text.
     std::string getColumnValue(int column);
 
-    /// Stores the value as a number: 0 for NULL, for a column that does not exist and without a current row. Wider values
-    /// keep their low bits (8, 32 or 64); texts are read as their leading number, as SQLite does.
+    /// Stores the value as a number: 0 for NULL, for a column that does not exist and without a current row. Wider
+    /// values keep their low bits (8, 32 or 64); texts are read as their leading number, as SQLite does.
     void getColumnValue(int column, signed char& value);
     void getColumnValue(int column, int& value);
     void getColumnValue(int column, long long& value);
@@ -68,8 +68,8 @@ public:
     /// Opens the database file at `path`, for reading and writing where the file permits it, else for reading.
     ///
     /// `key` is the text that the key of an encrypted database is derived from (SQLCipher 4 scheme: PBKDF2-HMAC-SHA512,
-    /// 256,000 rounds, AES-256-CBC with HMAC-SHA512 per page); null opens an unencrypted file. A file is never created: a
-    /// missing database does not open. An empty file is an empty database, with or without a key.
+    /// 256,000 rounds, AES-256-CBC with HMAC-SHA512 per page); null opens an unencrypted file. A file is never created:
+    /// a missing database does not open. An empty file is an empty database, with or without a key.
     ///
     /// Returns non-zero when the database is open and its schema could be read; 0 for a missing or unreadable file, a
     /// wrong or missing key, a file that is no database, and one that stays locked for longer than the busy timeout.
@@ -87,21 +87,21 @@ public:
     /// statement fails, and no part of it is run.
     int excuteNonQuery(const char* sql);
 
-    /// Executes a prepared command with its bound values and makes it ready for the next binding. Non-zero on success, 0
-    /// on failure and for a null pointer. Bound texts must live until the call returns.
+    /// Executes a prepared command with its bound values and makes it ready for the next binding. Non-zero on success,
+    /// 0 on failure and for a null pointer. Bound texts must live until the call returns.
     int excuteNonQuery(dbCommand* command);
 
     /// Non-zero when the query `sql` (a whole statement, not a table name) yields at least one row.
     int isExistTable(const char* sql);
 
-    /// Opens a transaction and takes the write lock at once, waiting for a few seconds when another connection holds it,
-    /// so that a batch either has the lock for all its writes or writes nothing. When the lock cannot be had, every
+    /// Opens a transaction and takes the write lock at once, waiting for a few seconds when another connection holds
+    /// it, so that a batch either has the lock for all its writes or writes nothing. When the lock cannot be had, every
     /// statement up to endTransaction() fails and changes nothing.
     virtual void beginTransaction();
 
     /// Commits the transaction of beginTransaction(); its writes are durable then. When a statement of the batch failed
-    /// for a reason of the machine (disk full, input/output error, lost lock), the whole batch is rolled back instead, so
-    /// that a table holds all of a batch or none of it. A statement that the database refuses for its content (a
+    /// for a reason of the machine (disk full, input/output error, lost lock), the whole batch is rolled back instead,
+    /// so that a table holds all of a batch or none of it. A statement that the database refuses for its content (a
     /// constraint, an oversized text, a malformed statement) does not spoil the batch. transactionFailed() tells.
     virtual void endTransaction();
 
@@ -141,8 +141,9 @@ public:
     dbCommand(dbCommand&&) = delete;
     dbCommand& operator=(dbCommand&&) = delete;
 
-    /// Replaces the statement text; all values have to be bound again. A text that cannot be prepared, or that holds more
-    /// than one statement, makes every execution fail until the next setCommandText(). Null stands for an empty text.
+    /// Replaces the statement text; all values have to be bound again. A text that cannot be prepared, or that holds
+    /// more than one statement, makes every execution fail until the next setCommandText(). Null stands for an empty
+    /// text.
     void setCommandText(const char* sql);
 
     /// Binds a NUL-terminated UTF-8 text by pointer: it must live until the execution has returned. Null binds NULL.

@@ -57,7 +57,9 @@ std::string temporaryNameFor(const std::string& name) {
 
 }  // namespace
 
-FileHandle::~FileHandle() { close(); }
+FileHandle::~FileHandle() {
+    close();
+}
 
 FileHandle::FileHandle(FileHandle&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
 

@@ -28,8 +28,8 @@ private:
     int descriptor_ = -1;
 };
 
-/// Opens `name` beneath the directory `folder` (AT_FDCWD for the current one) for reading, if it is a regular file. Never
-/// blocks on FIFOs and devices. `followLinks` says whether `name` itself may be a symbolic link.
+/// Opens `name` beneath the directory `folder` (AT_FDCWD for the current one) for reading, if it is a regular file.
+/// Never blocks on FIFOs and devices. `followLinks` says whether `name` itself may be a symbolic link.
 FileHandle openRegularFile(int folder, const char* name, bool followLinks);
 
 /// Copies all bytes from one descriptor to the other, in the kernel where it can.
@@ -39,8 +39,8 @@ bool copyBytes(int from, int to);
 /// the temporary file is removed.
 class NewFile {
 public:
-    /// `folder` must stay open for the life of the object (AT_FDCWD for the current directory); `name` is the final name
-    /// beneath it.
+    /// `folder` must stay open for the life of the object (AT_FDCWD for the current directory); `name` is the final
+    /// name beneath it.
     NewFile(int folder, std::string name);
     ~NewFile();
     NewFile(const NewFile&) = delete;

@@ -1,7 +1,7 @@
 // Texts formatted into zero-filled buffers of a stated size.
 //
-// Statement and path buffers have sizes that belong to the design. What does not fit must fail as a whole: a name that is
-// cut short is the valid name of something else.
+// Statement and path buffers have sizes that belong to the design. What does not fit must fail as a whole: a name that
+// is cut short is the valid name of something else.
 #pragma once
 
 #include <array>

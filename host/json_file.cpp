@@ -14,8 +14,7 @@ enum class Links { follow, refuse };
 
 JSON_Value* parseFile(const char* filename, Links links, Parse parse) {
     if (filename == nullptr) return nullptr;
-    const tools::detail::FileHandle file =
-        tools::detail::openRegularFile(AT_FDCWD, filename, links == Links::follow);
+    const tools::detail::FileHandle file = tools::detail::openRegularFile(AT_FDCWD, filename, links == Links::follow);
     std::string text;
     if (!file.valid() || !tools::detail::readAll(file.get(), text)) return nullptr;
     return parse(text.c_str());

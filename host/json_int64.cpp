@@ -21,7 +21,8 @@ void copyExactValues(const JSON_Value* from, JSON_Value* to) {
         }
     } else if (const JSON_Object* object = json_value_get_object(from)) {
         for (size_t i = 0; i < json_object_get_count(object); ++i) {
-            copyExactValues(json_object_get_value_at(object, i), json_object_get_value_at(json_value_get_object(to), i));
+            copyExactValues(json_object_get_value_at(object, i),
+                            json_object_get_value_at(json_value_get_object(to), i));
         }
     } else if (json_value_get_type(from) == JSONNumber) {
         chatTransferJsonCopyExactValue(from, to);

@@ -30,8 +30,12 @@ struct Source {
 };
 Source source;
 
-BlockHeader* headerOf(void* block) { return static_cast<BlockHeader*>(block) - 1; }
-const BlockHeader* headerOf(const void* block) { return static_cast<const BlockHeader*>(block) - 1; }
+BlockHeader* headerOf(void* block) {
+    return static_cast<BlockHeader*>(block) - 1;
+}
+const BlockHeader* headerOf(const void* block) {
+    return static_cast<const BlockHeader*>(block) - 1;
+}
 
 locale_t plainLocale() {
     static const locale_t locale = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
@@ -45,7 +49,9 @@ struct IntegerLiteral {
     const char* end = nullptr;  // null: not a plain integer literal of up to 19 digits
 };
 
-bool continuesNumber(char c) { return c == '.' || c == 'e' || c == 'E' || c == 'x' || c == 'X'; }
+bool continuesNumber(char c) {
+    return c == '.' || c == 'e' || c == 'E' || c == 'x' || c == 'X';
+}
 
 // Longer ones go to strtod: they are outside 64 bits, or have leading zeros, which the library refuses.
 IntegerLiteral integerLiteralAt(const char* text) {

@@ -2,9 +2,9 @@
 // value.
 //
 // A parson number is a double, which holds integers up to 2^53. The literal of a larger one passes through
-// chatTransferJsonToDouble while the text is parsed; the very next allocation that parson makes is that number's value, and
-// every block that parson gets from us has room for an exact integer in front. So the exact value lives and dies with the
-// JSON value itself: no table beside the documents, no order of freeing to respect.
+// chatTransferJsonToDouble while the text is parsed; the very next allocation that parson makes is that number's value,
+// and every block that parson gets from us has room for an exact integer in front. So the exact value lives and dies
+// with the JSON value itself: no table beside the documents, no order of freeing to respect.
 #pragma once
 
 #include <stddef.h>

@@ -130,8 +130,7 @@ JSON_Status toFile(const JSON_Value* value, bool pretty, const char* filename) t
     std::string text;
     if (filename == nullptr || !textOf(value, pretty, text)) return JSONFailure;
     tools::detail::NewFile file(AT_FDCWD, filename);
-    const bool written =
-        file.valid() && tools::detail::writeAll(file.get(), text.data(), text.size()) && file.commit();
+    const bool written = file.valid() && tools::detail::writeAll(file.get(), text.data(), text.size()) && file.commit();
     return written ? JSONSuccess : JSONFailure;
 } catch (const std::bad_alloc&) {
     return JSONFailure;
@@ -141,10 +140,16 @@ JSON_Status toFile(const JSON_Value* value, bool pretty, const char* filename) t
 
 extern "C" {
 
-void json_set_escape_slashes(int escape) { escapeSlashes = escape != 0; }
+void json_set_escape_slashes(int escape) {
+    escapeSlashes = escape != 0;
+}
 
-size_t json_serialization_size(const JSON_Value* value) { return sizeOf(value, false); }
-size_t json_serialization_size_pretty(const JSON_Value* value) { return sizeOf(value, true); }
+size_t json_serialization_size(const JSON_Value* value) {
+    return sizeOf(value, false);
+}
+size_t json_serialization_size_pretty(const JSON_Value* value) {
+    return sizeOf(value, true);
+}
 
 JSON_Status json_serialize_to_buffer(const JSON_Value* value, char* buffer, size_t size) {
     return toBuffer(value, false, buffer, size);
@@ -160,8 +165,14 @@ JSON_Status json_serialize_to_file_pretty(const JSON_Value* value, const char* f
     return toFile(value, true, filename);
 }
 
-char* json_serialize_to_string(const JSON_Value* value) { return toString(value, false); }
-char* json_serialize_to_string_pretty(const JSON_Value* value) { return toString(value, true); }
+char* json_serialize_to_string(const JSON_Value* value) {
+    return toString(value, false);
+}
+char* json_serialize_to_string_pretty(const JSON_Value* value) {
+    return toString(value, true);
+}
 
-void json_free_serialized_string(char* string) { chatTransferJsonRelease(string); }
+void json_free_serialized_string(char* string) {
+    chatTransferJsonRelease(string);
+}
 }

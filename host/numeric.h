@@ -22,6 +22,8 @@ Integer truncateTo(double value) {
 }
 
 /// The share of `done` in `total` in percent, truncated toward zero: NaN (0 of 0) gives 0, infinity the largest int.
-inline int percentOf(double done, double total) { return truncateTo<int>(done * 100.0 / total); }
+inline int percentOf(double done, double total) {
+    return truncateTo<int>(done * 100.0 / total);
+}
 
 }  // namespace tools

@@ -9,12 +9,12 @@
 namespace imsdk::detail {
 namespace {
 
-// How long a lock of the running client is waited for. A client's own transactions take milliseconds; a few seconds cover a
-// slow disk without making a person believe that nothing happens.
+// How long a lock of the running client is waited for. A client's own transactions take milliseconds; a few seconds
+// cover a slow disk without making a person believe that nothing happens.
 constexpr int kBusyTimeoutMs = 4000;
 
-// Creating a conversation's table makes SQLite read its whole schema again. With the schema of 20,000 conversations in the
-// page cache that costs half as much as with the default of 2 MB. It is an upper limit, not an allocation.
+// Creating a conversation's table makes SQLite read its whole schema again. With the schema of 20,000 conversations in
+// the page cache that costs half as much as with the default of 2 MB. It is an upper limit, not an allocation.
 constexpr const char* kPageCache = "PRAGMA cache_size = -65536";
 
 bool identify(const char* path, FileIdentity& identity) {
@@ -68,7 +68,9 @@ std::shared_ptr<Connection> Connection::open(const char* path, const char* key, 
     return connection;
 }
 
-Connection::~Connection() { OPENSSL_cleanse(key_.data(), key_.size()); }
+Connection::~Connection() {
+    OPENSSL_cleanse(key_.data(), key_.size());
+}
 
 bool Connection::unlock(const char* key) {
     // The scheme has to be chosen before the key is given. Version 4 with its own defaults is what existing tools open.
@@ -102,12 +104,13 @@ StatementHandle Connection::prepare(std::string_view sql) {
         noteFailure(code != SQLITE_OK ? code : SQLITE_ERROR);
         return nullptr;
     }
-    // What follows must be blank or comment. Anything else, valid or not, makes the text as a whole invalid: a table name
-    // that carries a statement of its own must not run its first half.
+    // What follows must be blank or comment. Anything else, valid or not, makes the text as a whole invalid: a table
+    // name that carries a statement of its own must not run its first half.
     const std::string_view tail = sql.substr(static_cast<std::size_t>(rest - sql.data()));
     if (tail.empty()) return statement;
     sqlite3_stmt* second = nullptr;
-    const int tailCode = sqlite3_prepare_v2(handle_.get(), tail.data(), static_cast<int>(tail.size()), &second, nullptr);
+    const int tailCode =
+        sqlite3_prepare_v2(handle_.get(), tail.data(), static_cast<int>(tail.size()), &second, nullptr);
     const StatementHandle another(second);
     if (tailCode == SQLITE_OK && second == nullptr) return statement;
     lastFailure_ = SQLITE_ERROR;
@@ -118,7 +121,8 @@ StatementHandle Connection::prepare(std::string_view sql) {
 bool Connection::runToEnd(sqlite3_stmt* statement) {
     if (refusesWrites()) return false;
     int code = SQLITE_ROW;
-    while (code == SQLITE_ROW) code = sqlite3_step(statement);
+    while (code == SQLITE_ROW)
+        code = sqlite3_step(statement);
     // The reset gives the same code again; the failure has been noted from the step.
     if (code != SQLITE_DONE) noteFailure(code);
     sqlite3_reset(statement);
@@ -128,7 +132,8 @@ bool Connection::runToEnd(sqlite3_stmt* statement) {
 void Connection::noteFailure(int code) {
     lastFailure_ = code & 0xff;
     lastError_ = sqlite3_errmsg(handle_.get());
-    // SQLite ends a transaction itself after some failures; statements that followed would then be committed one by one.
+    // SQLite ends a transaction itself after some failures; statements that followed would then be committed one by
+    // one.
     const bool endedByDatabase = sqlite3_get_autocommit(handle_.get()) != 0;
     if (batchDepth_ > 0 && (!isRefusalOfContent(code) || endedByDatabase)) batchLost_ = true;
 }
@@ -155,13 +160,16 @@ bool Connection::execute(const char* sql) {
     const StatementHandle statement = prepare(sql);
     if (!statement) return false;
     int code = SQLITE_ROW;
-    while (code == SQLITE_ROW) code = sqlite3_step(statement.get());
+    while (code == SQLITE_ROW)
+        code = sqlite3_step(statement.get());
     if (code == SQLITE_DONE) return true;
     lastFailure_ = code & 0xff;
     lastError_ = sqlite3_errmsg(handle_.get());
     return false;
 }
 
-bool Connection::readsSchema() { return execute("select count(*) from sqlite_master"); }
+bool Connection::readsSchema() {
+    return execute("select count(*) from sqlite_master");
+}
 
 }  // namespace imsdk::detail

@@ -32,7 +32,9 @@ bool fileExist(const char* path) {
     return path != nullptr && stat(path, &status) == 0;
 }
 
-int isFileExsit(const std::string& path) { return fileExist(path.c_str()) ? 1 : 0; }
+int isFileExsit(const std::string& path) {
+    return fileExist(path.c_str()) ? 1 : 0;
+}
 
 int createDir(const char* path) {
     if (path == nullptr || *path == '\0') return -1;

@@ -10,11 +10,14 @@
 namespace tools {
 namespace {
 
-bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+bool isBlank(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
 
 // The leading number of [first, last): false when there is none. Same reading as strtoll in base 10, bounded by `last`.
 bool leadingNumber(const char* first, const char* last, long long& number) {
-    while (first != last && isBlank(*first)) ++first;
+    while (first != last && isBlank(*first))
+        ++first;
     const bool negative = first != last && *first == '-';
     // from_chars takes a minus but no plus.
     if (first != last && *first == '+' && last - first > 1 && first[1] != '-') ++first;

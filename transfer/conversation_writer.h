@@ -16,8 +16,8 @@ std::string openMessageTable(dbTrans& transfer, imsdk::dbUtils& db, TableIndex& 
 /// The insert statement for a table; empty when it would pass 511 bytes.
 std::string insertMessageStatement(const std::string& table);
 
-/// Inserts one record with a command of insertMessageStatement(), and counts the outcome. Non-zero when it was stored. A
-/// message whose id the table has already is left out: the stored copy wins.
+/// Inserts one record with a command of insertMessageStatement(), and counts the outcome. Non-zero when it was stored.
+/// A message whose id the table has already is left out: the stored copy wins.
 int insertMessage(TransferReport& report, imsdk::dbUtils& db, imsdk::dbCommand& command,
                   const imsdk::st_dbMessageBean& record);
 

@@ -1,11 +1,12 @@
 // The chief header: the transfer object with its records, its guard, its listener and its result codes.
 //
-// A transfer object carries one export of a user's chat history into a backup package, or one import of a package or of an
-// encrypted per-conversation tree into the databases. The host sets the public members, then calls operations one after
-// another, from one thread at a time. Operations throw nothing of their own (std::bad_alloc passes), print nothing and log
-// nothing: results are the codes of error_codes.h, details stand in `report`.
+// A transfer object carries one export of a user's chat history into a backup package, or one import of a package or of
+// an encrypted per-conversation tree into the databases. The host sets the public members, then calls operations one
+// after another, from one thread at a time. Operations throw nothing of their own (std::bad_alloc passes), print
+// nothing and log nothing: results are the codes of error_codes.h, details stand in `report`.
 //
-// Every int result that can be an error code carries the code's 32 bits: static_cast<unsigned int>(result) == 0xff00001f.
+// Every int result that can be an error code carries the code's 32 bits: static_cast<unsigned int>(result) ==
+// 0xff00001f.
 //
 // Names, spellings and column names that look wrong are part of the interface and stay.
 #pragma once
@@ -32,27 +33,28 @@ public:
     dbTrans(dbTrans&&) = delete;
     dbTrans& operator=(dbTrans&&) = delete;
 
-    // --- Virtual operations: theirs is the host ------------------------------------------------------------------------
-    // Compiled hosts find countRows as the sixth virtual operation. The five in front are theirs to override; nothing here
-    // calls them.
+    // --- Virtual operations: theirs is the host
+    // ------------------------------------------------------------------------ Compiled hosts find countRows as the
+    // sixth virtual operation. The five in front are theirs to override; nothing here calls them.
     virtual void hostOperation1() {}
     virtual void hostOperation2() {}
     virtual void hostOperation3() {}
     virtual void hostOperation4() {}
     virtual void hostOperation5() {}
 
-    /// The number of rows of the message table named by `trimTable` in the main database; 0 where there is no such table.
-    /// The transfer calls it with (16, null, 0) and nothing else; the default ignores the arguments. A host overrides it
-    /// where it has a cheaper count.
+    /// The number of rows of the message table named by `trimTable` in the main database; 0 where there is no such
+    /// table. The transfer calls it with (16, null, 0) and nothing else; the default ignores the arguments. A host
+    /// overrides it where it has a cheaper count.
     virtual int countRows(int what, const char* condition, int flags);
 
     virtual ~dbTrans() = default;
 
-    // --- Members that the host sets or reads ---------------------------------------------------------------------------
+    // --- Members that the host sets or reads
+    // ---------------------------------------------------------------------------
     /// Message table that checkMsgCount() trims; empty trims nothing. Set by the host.
     std::string trimTable;
-    /// Messages selected for export, by day key: "2019:3:7" (rdMsgFromDB; further 250s as "2019:3:7_1", ...) or "2019_3_7"
-    /// (rdMsgFromDB2).
+    /// Messages selected for export, by day key: "2019:3:7" (rdMsgFromDB; further 250s as "2019:3:7_1", ...) or
+    /// "2019_3_7" (rdMsgFromDB2).
     std::map<std::string, std::vector<imsdk::st_dbMessageBean>> dayMsgMap;
     /// Recent contacts read from the main database, a package or a tree.
     std::vector<imsdk::st_dbReContactBean> reContacts;
@@ -61,10 +63,11 @@ public:
     std::vector<st_roomTrans> rooms;
     /// Messages read from a package, by conversation. Nothing here empties it: a second read adds to the first.
     std::map<long long, std::vector<imsdk::st_dbMessageBean>> msgMap;
-    /// Folder of the account: databases in "db/", attachments in "audio/", "file/" and "image/". No separator is added or
-    /// taken away. Set by the host.
+    /// Folder of the account: databases in "db/", attachments in "audio/", "file/" and "image/". No separator is added
+    /// or taken away. Set by the host.
     std::string rootPath;
-    /// Folder that holds the package "qelmsg_0" and the tree "qelbackup"; shorter than 90 bytes for an export. Set by the host.
+    /// Folder that holds the package "qelmsg_0" and the tree "qelbackup"; shorter than 90 bytes for an export. Set by
+    /// the host.
     std::string backupPath;
     /// Attachment folder and message folder of the package or tree at work, each ending in "/".
     std::string imFileDir;
@@ -100,9 +103,11 @@ public:
     /// What the operations did and left out. Only the host empties it.
     TransferReport report;
 
-    // --- Opening, reset, progress --------------------------------------------------------------------------------------
-    /// Open rootPath + "/db/imsg.db", "/db/backimsg.db" and "/db/plugin/kab.db" with dbKey (none when it is empty). Non-zero
-    /// when open, 0 on failure: the result of imsdk::dbUtils::open. Every operation opens what it needs by itself.
+    // --- Opening, reset, progress
+    // --------------------------------------------------------------------------------------
+    /// Open rootPath + "/db/imsg.db", "/db/backimsg.db" and "/db/plugin/kab.db" with dbKey (none when it is empty).
+    /// Non-zero when open, 0 on failure: the result of imsdk::dbUtils::open. Every operation opens what it needs by
+    /// itself.
     int dbOpen();
     int backdbOpen();
     int kabDbOpen();
@@ -117,9 +122,10 @@ public:
     /// limit of int), text "<done>/<total>".
     void progress(int stage, int total, int done);
 
-    // --- Tables and existence ------------------------------------------------------------------------------------------
-    /// List all tables of mainDb (or of `db`) into tableNames (or `names`), replacing what it held. The database must be
-    /// open; a failed query leaves the list empty.
+    // --- Tables and existence
+    // ------------------------------------------------------------------------------------------
+    /// List all tables of mainDb (or of `db`) into tableNames (or `names`), replacing what it held. The database must
+    /// be open; a failed query leaves the list empty.
     void getTables();
     void getTables2(imsdk::dbUtils& db);
     void getTables3(imsdk::dbUtils& db, std::vector<std::string>& names);
@@ -128,44 +134,46 @@ public:
     std::string isTableExsit(long long targetID);
     /// The same in `names`; but an empty tableNames gives an empty text whatever `names` holds.
     std::string isTableExsit(long long targetID, std::vector<std::string>& names);
-    /// True when the plugin database, which must be open, has a table `name`. False for null and for a name of which the
-    /// statement would pass 255 bytes.
+    /// True when the plugin database, which must be open, has a table `name`. False for null and for a name of which
+    /// the statement would pass 255 bytes.
     bool isTableExsit(char* name);
 
     /// How many rows of `table` in the main database (or in `db`) have the id; 0 for a failed query.
     int isMsgExsit(std::string table, long long msgID);
     int isMsgExsit(imsdk::dbUtils& db, std::string table, long long msgID);
-    /// How many rows of the plugin database equal the note in everything but its content, or the room in name and members.
-    /// 0 for a failed query; a room name or member text with an apostrophe makes it fail.
+    /// How many rows of the plugin database equal the note in everything but its content, or the room in name and
+    /// members. 0 for a failed query; a room name or member text with an apostrophe makes it fail.
     int isNoteExsit(st_noteTrans& note);
     int isRoomExsit(std::string& roomName, std::string& roomMember);
 
-    // --- Export --------------------------------------------------------------------------------------------------------
-    /// Select the messages of the main database dated on or after the day into dayMsgMap, and append their attachment paths
-    /// to audioPaths, filePaths and imagePaths. The first form also appends the recent contacts to reContacts, needs the
-    /// back database and splits a day into entries of 250; the second does neither. 0, kDatabaseFailed or kNoTables.
+    // --- Export
+    // --------------------------------------------------------------------------------------------------------
+    /// Select the messages of the main database dated on or after the day into dayMsgMap, and append their attachment
+    /// paths to audioPaths, filePaths and imagePaths. The first form also appends the recent contacts to reContacts,
+    /// needs the back database and splits a day into entries of 250; the second does neither. 0, kDatabaseFailed or
+    /// kNoTables.
     unsigned int rdMsgFromDB(int year, int mon, int day);
     unsigned int rdMsgFromDB2(int year, int mon, int day);
-    /// Files a copy of the message under the first of "<dayKey>_1", "<dayKey>_2", ... that holds fewer than 250 messages. A
-    /// key that would pass 99 bytes leaves the message out, with an entry in the report.
+    /// Files a copy of the message under the first of "<dayKey>_1", "<dayKey>_2", ... that holds fewer than 250
+    /// messages. A key that would pass 99 bytes leaves the message out, with an entry in the report.
     void searchItem(std::string dayKey, imsdk::st_dbMessageBean& msg);
-    /// Appends the attachment paths that a body of type 3, 5 or 6 names. 1 when the body is a JSON object of such a type, 0
-    /// otherwise.
+    /// Appends the attachment paths that a body of type 3, 5 or 6 names. 1 when the body is a JSON object of such a
+    /// type, 0 otherwise.
     int parseUrl(std::string body, int msgType);
-    /// JSON of the package format: mode 0 a file head, 1 {"msgs": []}, 2 the message; null for any other mode, and for mode
-    /// 2 without a message. The caller owns the value and frees it with json_value_free of host/json.h.
+    /// JSON of the package format: mode 0 a file head, 1 {"msgs": []}, 2 the message; null for any other mode, and for
+    /// mode 2 without a message. The caller owns the value and frees it with json_value_free of host/json.h.
     JSON_Value* makeJson(int mode, imsdk::st_dbMessageBean* msg);
     /// Creates backupPath + "/qelmsg_0/" with its folders and sets msgFileDir and imFileDir. 1 when created; 0 when the
     /// root exists already or its path passes 99 bytes.
     int createRootDir();
-    /// Write dayMsgMap, the attachments and (first form) the recent contacts as a new package: one file per entry, or files
-    /// of up to 1000 messages. The second form leaves out what follows the last full 1000 inside the last day. 0,
+    /// Write dayMsgMap, the attachments and (first form) the recent contacts as a new package: one file per entry, or
+    /// files of up to 1000 messages. The second form leaves out what follows the last full 1000 inside the last day. 0,
     /// kPackageExists or kJsonFailed. A file that cannot be written is passed over; the report names it.
     unsigned int wtMsgToFile();
     unsigned int wtMsgToFile2();
-    /// For "/a/bb/cccc/dd/e.jpg": the text "cc/_a_bb_cccc_dd_e.jpg" and the directory part "cc" (the fourth segment less its
-    /// last two characters). A path with fewer than three "/", a shorter segment or more than 255 bytes gives empty texts,
-    /// and so does a directory part of more than 49.
+    /// For "/a/bb/cccc/dd/e.jpg": the text "cc/_a_bb_cccc_dd_e.jpg" and the directory part "cc" (the fourth segment
+    /// less its last two characters). A path with fewer than three "/", a shorter segment or more than 255 bytes gives
+    /// empty texts, and so does a directory part of more than 49.
     std::string getSavePath(const char* path, std::string& dirPart);
     /// Copies the attachments of the three path lists from the account into imFileDir. Always 1; the report counts.
     int exportFile();
@@ -180,7 +188,8 @@ public:
     /// Writes msgFileDir + "recontact.mg". Always 1; the report names a failure.
     int wtRecontactToFile();
 
-    // --- Package import ------------------------------------------------------------------------------------------------
+    // --- Package import
+    // ------------------------------------------------------------------------------------------------
     /// Reads the package below backupPath into msgMap and reContacts and copies attachments back into the account. 0,
     /// kMissing or kWrongVersion.
     unsigned int rdMsgFromFile();
@@ -188,25 +197,26 @@ public:
     int getMsgFileNum(std::string dir);
     /// Replaces reContacts by the contacts of the file. 0, kMissing, kNotJson or kWrongVersion.
     unsigned int rdRecontactFromFile(std::string& path);
-    /// Copies the attachments that a body of type 3, 5 or 6 names from imFileDir into the account. 1 when the body is a JSON
-    /// object of such a type, 0 otherwise.
+    /// Copies the attachments that a body of type 3, 5 or 6 names from imFileDir into the account. 1 when the body is a
+    /// JSON object of such a type, 0 otherwise.
     int importFile(std::string body, int msgType);
-    /// Write msgMap into the main (or back) database, one transaction per conversation; what a table has already stays. The
-    /// first form then trims trimTable and writes reContacts. 0 or kDatabaseFailed.
+    /// Write msgMap into the main (or back) database, one transaction per conversation; what a table has already stays.
+    /// The first form then trims trimTable and writes reContacts. 0 or kDatabaseFailed.
     unsigned int wtMsgToDB();
     unsigned int wtMsgToBackDB();
-    /// Cuts trimTable back to its newest 3000 rows when it has more than 5000. The row count when nothing was cut, else the
-    /// result of the delete statement.
+    /// Cuts trimTable back to its newest 3000 rows when it has more than 5000. The row count when nothing was cut, else
+    /// the result of the delete statement.
     int checkMsgCount();
     /// Merges reContacts into "im_reContact" of the open main database. 0 or kDatabaseFailed.
     unsigned int wtRecontactToDb();
-    /// The merge of one contact: inserts it when it is new; else keeps the stored row but for the pin. The result of the
-    /// statement that it ran, or 1 when none was needed.
+    /// The merge of one contact: inserts it when it is new; else keeps the stored row but for the pin. The result of
+    /// the statement that it ran, or 1 when none was needed.
     int isRecontactExsit(imsdk::st_dbReContactBean& record);
 
-    // --- Tree import ---------------------------------------------------------------------------------------------------
-    /// Appends the decrypted files below `dir` whose names end in `ext` + ".decrypt", after decrypting those that end in
-    /// `ext` (a dot and two letters). Always 1.
+    // --- Tree import
+    // ---------------------------------------------------------------------------------------------------
+    /// Appends the decrypted files below `dir` whose names end in `ext` + ".decrypt", after decrypting those that end
+    /// in `ext` (a dot and two letters). Always 1.
     int getfiles(std::string dir, std::vector<std::string>& files, std::string ext);
     /// Appends the directories directly in `dir`. Always 1.
     int getsubdirs(std::string dir, std::vector<std::string>& dirs);
@@ -214,16 +224,16 @@ public:
     long long getTargetIDFromePath(std::string& path);
     /// Removes a directory tree; true when it is gone.
     bool unixdel_dir(char* path);
-    /// Import the tree's messages into the main database (with attachments, trimming and recent contacts) or into the back
-    /// database, which can remove each decrypted file after use. 0, kDatabaseFailed or kWrongVersion.
+    /// Import the tree's messages into the main database (with attachments, trimming and recent contacts) or into the
+    /// back database, which can remove each decrypted file after use. 0, kDatabaseFailed or kWrongVersion.
     int readMsgFromFileNJ();
     int readMsgFromFileNJBack(bool removeDecrypted);
     /// Reads the tree's recent contacts into reContacts. Always 0.
     int readContactFromFileNJ();
     /// Binds the record to the prepared insert and executes it. 0 or kDatabaseFailed.
     int wtSingleMsgToDbNJ(imsdk::st_dbMessageBean& record, imsdk::dbUtils& db, imsdk::dbCommand& command);
-    /// Move the attachments that a message body, or a note's content, names from imFileDir into the user's folders. 1 for a
-    /// type that carries files, 0 otherwise and when the text does not parse.
+    /// Move the attachments that a message body, or a note's content, names from imFileDir into the user's folders. 1
+    /// for a type that carries files, 0 otherwise and when the text does not parse.
     int importFile2(std::string body, int msgType);
     int importFile3(std::string content, int type);
     /// Read the tree's notes and rooms. 0, kWrongVersion, and for rooms kMissing.

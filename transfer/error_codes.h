@@ -1,5 +1,5 @@
-// The result codes of the transfer object's operations: 0, or one of these. They are part of the interface to the host and
-// are passed up unchanged from operation to operation.
+// The result codes of the transfer object's operations: 0, or one of these. They are part of the interface to the host
+// and are passed up unchanged from operation to operation.
 #pragma once
 
 namespace transfer {
@@ -23,6 +23,8 @@ enum ErrorCode : unsigned int {
 };
 
 /// The code as the int that some operations return: the same 32 bits.
-inline int asInt(ErrorCode code) { return static_cast<int>(static_cast<unsigned int>(code)); }
+inline int asInt(ErrorCode code) {
+    return static_cast<int>(static_cast<unsigned int>(code));
+}
 
 }  // namespace transfer

@@ -26,7 +26,8 @@ namespace {
 using MessagesOfDay = std::vector<st_dbMessageBean>;
 using DayMessages = std::map<std::string, MessagesOfDay>;
 
-// --- Selection ---------------------------------------------------------------------------------------------------------
+// --- Selection
+// ---------------------------------------------------------------------------------------------------------
 
 // What one entry of the day map holds before the next one is begun, so that one message file stays small.
 constexpr std::size_t kMessagesPerEntry = 250;
@@ -46,7 +47,8 @@ std::string dayKeyOf(const st_dbMessageBean& message, char separator) {
            std::to_string(message.day_);
 }
 
-// Calls take(message) for each message of `table` dated on or after `since`. False when the table could not be read whole.
+// Calls take(message) for each message of `table` dated on or after `since`. False when the table could not be read
+// whole.
 template <class Take>
 bool selectMessages(imsdk::dbUtils& db, const std::string& table, const Day& since, Take take) {
     if (!transfer::isPlainTableName(table)) return false;
@@ -62,7 +64,8 @@ bool selectMessages(imsdk::dbUtils& db, const std::string& table, const Day& sin
     return !reader.failed();
 }
 
-// Selects from every message table and reports the tables that could not be read: they contribute what was read of them.
+// Selects from every message table and reports the tables that could not be read: they contribute what was read of
+// them.
 template <class Take>
 void selectFromAllTables(dbTrans& transfer, const Day& since, Take take) {
     for (const std::string& table : transfer.tableNames) {
@@ -76,8 +79,8 @@ void selectFromAllTables(dbTrans& transfer, const Day& since, Take take) {
     }
 }
 
-// Remembers, per day key, the overflow entry that is being filled. Looking for it from the first one each time would make
-// a day of many messages quadratic.
+// Remembers, per day key, the overflow entry that is being filled. Looking for it from the first one each time would
+// make a day of many messages quadratic.
 class OverflowEntries {
 public:
     explicit OverflowEntries(DayMessages& days) : days_(days) {}
@@ -105,7 +108,8 @@ void noteUnplaced(TransferReport& report, const std::string& dayKey) {
     report.skip(dayKey, "the day key is too long: a message was left out");
 }
 
-// --- Package writing ---------------------------------------------------------------------------------------------------
+// --- Package writing
+// ---------------------------------------------------------------------------------------------------
 
 constexpr std::size_t kMessagesPerFile = 1000;
 
@@ -120,7 +124,8 @@ JsonDocument makeFileHead(const std::string& version) {
 // {"msgs": []}
 JsonDocument makeMessageList() {
     JsonDocument list(json_value_init_object());
-    transfer::setValue(json_value_get_object(list.get()), transfer::kMessagesKey, JsonDocument(json_value_init_array()));
+    transfer::setValue(json_value_get_object(list.get()), transfer::kMessagesKey,
+                       JsonDocument(json_value_init_array()));
     return list;
 }
 
@@ -148,9 +153,8 @@ JsonDocument makeMessage(const st_dbMessageBean& record) {
     transfer::forEachMessageKey(record, [object](const char* key, transfer::KeyUse /*use*/, const auto& field) {
         transfer::setField(object, key, field);
     });
-    transfer::forEachMessageList(record, [object](const char* key, const std::string& joined) {
-        transfer::setList(object, key, joined);
-    });
+    transfer::forEachMessageList(
+        record, [object](const char* key, const std::string& joined) { transfer::setList(object, key, joined); });
     return message;
 }
 
@@ -182,7 +186,8 @@ public:
 
     // Writes the file under the next number. A failure is reported and passed over: the other files are worth having.
     void finish() {
-        const std::string path = transfer_.msgFileDir + tools::FixedText<50>(transfer::kMessageFileName, number_++).text();
+        const std::string path =
+            transfer_.msgFileDir + tools::FixedText<50>(transfer::kMessageFileName, number_++).text();
         if (json_serialize_to_file(file_.get(), path.c_str()) == JSONSuccess) {
             ++transfer_.report.messageFilesWritten;
             transfer_.report.messagesWritten += messages_;
@@ -201,7 +206,8 @@ private:
     int number_ = 0;
 };
 
-// --- Attachments -------------------------------------------------------------------------------------------------------
+// --- Attachments
+// -------------------------------------------------------------------------------------------------------
 
 // `path` is relative to the package; the file itself lies flat in the account's folder for its kind.
 tools::FileOutcome exportAttachment(const dbTrans& transfer, const char* kindFolder, const std::string& path) {
@@ -242,9 +248,8 @@ unsigned int dbTrans::rdMsgFromDB2(int year, int mon, int day) {
     if (dbOpen() == 0) return transfer::kDatabaseFailed;
     getTables();
     if (tableNames.empty()) return transfer::kNoTables;
-    selectFromAllTables(*this, {year, mon, day}, [&](const st_dbMessageBean& message) {
-        dayMsgMap[dayKeyOf(message, '_')].push_back(message);
-    });
+    selectFromAllTables(*this, {year, mon, day},
+                        [&](const st_dbMessageBean& message) { dayMsgMap[dayKeyOf(message, '_')].push_back(message); });
     return transfer::kSuccess;
 }
 
@@ -320,8 +325,8 @@ unsigned int dbTrans::wtMsgToFile2() {
         room -= taken;
         const auto next = std::next(entry);
         if (room == 0 || next == dayMsgMap.end()) files.finish();
-        // A file that is full in the last day ends the export, with the rest of that day left out. Elsewhere the next file
-        // begins with this day again, even when nothing of it is left. Readers know both.
+        // A file that is full in the last day ends the export, with the rest of that day left out. Elsewhere the next
+        // file begins with this day again, even when nothing of it is left. Readers know both.
         if (room == 0 && next != dayMsgMap.end()) {
             resume += taken;
             continue;
@@ -379,7 +384,9 @@ int dbTrans::exportFile() {
     return 1;
 }
 
-std::string dbTrans::baseName(std::string path) { return transfer::folderOf(path); }
+std::string dbTrans::baseName(std::string path) {
+    return transfer::folderOf(path);
+}
 
 std::string dbTrans::filName(std::string path) {
     std::string name;
@@ -411,7 +418,8 @@ long long dbTrans::readRecontactFromDB() {
         });
         reContacts.push_back(std::move(contact));
     }
-    if (reader.failed()) report.skip(transfer::kRecentContactTable, "the table could not be read whole: " + mainDb.lastError());
+    if (reader.failed())
+        report.skip(transfer::kRecentContactTable, "the table could not be read whole: " + mainDb.lastError());
     return transfer::kSuccess;
 }
 

@@ -7,8 +7,8 @@
 
 namespace transfer {
 
-/// Numbers are written as doubles, as the format defines: ids above 2^53 lose their low bits. Texts are written up to their
-/// first NUL, with ill-formed UTF-8 replaced, so that one broken byte does not cost the whole text.
+/// Numbers are written as doubles, as the format defines: ids above 2^53 lose their low bits. Texts are written up to
+/// their first NUL, with ill-formed UTF-8 replaced, so that one broken byte does not cost the whole text.
 void setField(JSON_Object* object, const char* key, const std::string& text);
 void setField(JSON_Object* object, const char* key, long long number);
 void setField(JSON_Object* object, const char* key, int number);
@@ -20,8 +20,8 @@ void setValue(JSON_Object* object, const char* key, tools::JsonDocument value);
 /// Appends an element that the array owns from then on. False when it could not be added; it is freed then.
 bool appendValue(JSON_Array* array, tools::JsonDocument value);
 
-/// Ids are read exactly, other numbers truncated toward zero (out of range: the nearest limit of int; the low 8 bits of that
-/// for a signed char). A missing number gives 0; a missing text leaves the field alone.
+/// Ids are read exactly, other numbers truncated toward zero (out of range: the nearest limit of int; the low 8 bits of
+/// that for a signed char). A missing number gives 0; a missing text leaves the field alone.
 void getField(const JSON_Object* object, const char* key, std::string& text);
 void getField(const JSON_Object* object, const char* key, long long& number);
 void getField(const JSON_Object* object, const char* key, int& number);

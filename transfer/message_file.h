@@ -10,8 +10,8 @@ namespace transfer {
 /// The "date" of a day object, numbers truncated toward zero; 0 for what is missing.
 CalendarDay readDate(const JSON_Object* day);
 
-/// A record of defaults (status 4, extraValue2 -1, all else 0 or empty) with the scalar keys of the message object and the
-/// day it stands under.
+/// A record of defaults (status 4, extraValue2 -1, all else 0 or empty) with the scalar keys of the message object and
+/// the day it stands under.
 imsdk::st_dbMessageBean readMessage(const JSON_Object* message, const CalendarDay& day);
 
 /// Calls visit(object) for each object in the array; elements of other types are no records and are passed over.

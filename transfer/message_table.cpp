@@ -26,7 +26,7 @@ std::string buildInsertFormat() {
 
 bool isIdentifierByte(unsigned char byte) {
     return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') || byte == '_' ||
-           byte >= 0x80;
+           byte == '$' || byte >= 0x80;
 }
 
 }  // namespace
@@ -49,7 +49,7 @@ void bindMessage(imsdk::dbCommand& command, const imsdk::st_dbMessageBean& recor
 }
 
 bool isPlainTableName(const std::string& name) {
-    const bool leads = !name.empty() && (name.front() < '0' || name.front() > '9');
+    const bool leads = !name.empty() && name.front() != '$' && (name.front() < '0' || name.front() > '9');
     return leads && std::all_of(name.begin(), name.end(),
                                 [](char c) { return isIdentifierByte(static_cast<unsigned char>(c)); });
 }

@@ -1,5 +1,5 @@
-// The message table of a conversation: its name, its schema and its columns. What selects, binds and inserts messages uses
-// this one list. docs/databases.md describes it for readers.
+// The message table of a conversation: its name, its schema and its columns. What selects, binds and inserts messages
+// uses this one list. docs/databases.md describes it for readers.
 #pragma once
 
 #include <string>
@@ -16,14 +16,19 @@ inline constexpr const char* kMessageTablePrefix = "im_msg_";
 using MessageTableName = tools::FixedText<60>;
 
 /// "im_msg_<targetID>".
-inline MessageTableName messageTableName(long long targetID) { return MessageTableName("im_msg_%lld", targetID); }
+inline MessageTableName messageTableName(long long targetID) {
+    return MessageTableName("im_msg_%lld", targetID);
+}
 
 /// The blanks inside are part of the schema text that clients compare.
 inline constexpr const char* kCreateMessageTable =
-    "create table %s(toUserID BIGINT, fromeUserID BIGINT,body VARCHAR(8000), msgType INTEGER, msgID BIGINT PRIMARY KEY, "
+    "create table %s(toUserID BIGINT, fromeUserID BIGINT,body VARCHAR(8000), msgType INTEGER, msgID BIGINT PRIMARY "
+    "KEY, "
     "lastMsgID BIGINT,                     time_ BIGINT, burnAfterReading INTEGER, status INTEGER,targetID BIGINT, "
-    "msgProperties VARCHAR(1024), year_ INTEGER, mon INTEGER, day_ INTEGER,                     limitRange VARCHAR(256), "
-    "formate VARCHAR(256), activeType INTEGER, relatedMsgID BIGINT, localID BIGINT, relatedUsers VARCHAR(4096), sourceID "
+    "msgProperties VARCHAR(1024), year_ INTEGER, mon INTEGER, day_ INTEGER,                     limitRange "
+    "VARCHAR(256), "
+    "formate VARCHAR(256), activeType INTEGER, relatedMsgID BIGINT, localID BIGINT, relatedUsers VARCHAR(4096), "
+    "sourceID "
     "VARCHAR(32), unReadState VARCHAR(128),securityLevel INTEGER);";
 
 /// What a column of the message table takes part in.
@@ -32,9 +37,9 @@ enum class ColumnUse {
     readOnly,  ///< read by an export, left NULL by an import
 };
 
-/// Calls visit(index, name, use, field) for each column that the transfer touches, in column order; `index` counts from 0
-/// as in "select *". Column 21, unReadState, is neither read nor written: whether a message was read on the old device says
-/// nothing about the new one.
+/// Calls visit(index, name, use, field) for each column that the transfer touches, in column order; `index` counts from
+/// 0 as in "select *". Column 21, unReadState, is neither read nor written: whether a message was read on the old
+/// device says nothing about the new one.
 template <class Record, class Visit>
 void forEachMessageColumn(Record& record, Visit&& visit) {
     visit(0, "toUserID", ColumnUse::always, record.toUserID);
@@ -70,8 +75,8 @@ const std::string& insertMessageFormat();
 /// Binds the placeholders of insertMessageFormat() to the fields of `record`, which must outlive the execution.
 void bindMessage(imsdk::dbCommand& command, const imsdk::st_dbMessageBean& record);
 
-/// True when `name` is a plain SQL identifier (letters, digits, "_", bytes of UTF-8). Table names are put into statements
-/// unquoted: any other name would not name the table there, but change what the statement does.
+/// True when `name` is a plain SQL identifier (letters, digits, "_", "$", bytes of UTF-8). Table names are put into
+/// statements unquoted: any other name would not name the table there, but change what the statement does.
 bool isPlainTableName(const std::string& name);
 
 }  // namespace transfer

@@ -68,8 +68,8 @@ struct CalendarDay {
 /// The first three numbers of a day key; 0 for what is missing.
 CalendarDay dayOfKey(const std::string& dayKey, const char* separator);
 
-/// The path of message file `number` in `folder` (which ends in "/"). Empty when it passes 259 bytes: such a file counts as
-/// missing.
+/// The path of message file `number` in `folder` (which ends in "/"). Empty when it passes 259 bytes: such a file
+/// counts as missing.
 std::string messageFilePath(const std::string& folder, int number);
 
 }  // namespace transfer

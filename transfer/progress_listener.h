@@ -12,8 +12,9 @@ public:
 
     /// Called synchronously, on the thread that called the operation.
     ///
-    /// `context` is the transfer object's progressContext, unchanged. `stage` names the phase: 1 message files or tables, 2
-    /// attachments on export and message files on package import; a whole tree import counts 0 to 3. `percent` is truncated
-    /// toward zero. `text` is "<done>/<total>", NUL-terminated, valid during the call. Must not throw.
+    /// `context` is the transfer object's progressContext, unchanged. `stage` names the phase: 1 message files or
+    /// tables, 2 attachments on export and message files on package import; a whole tree import counts 0 to 3.
+    /// `percent` is truncated toward zero. `text` is "<done>/<total>", NUL-terminated, valid during the call. Must not
+    /// throw.
     virtual void onProgress(long long context, int stage, int percent, const char* text) = 0;
 };

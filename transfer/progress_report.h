@@ -12,8 +12,8 @@ void notify(const dbTrans& transfer, int stage, int percent, int done, int total
 /// notify() with the percentage of `done` in `total`.
 void notifyShare(const dbTrans& transfer, int stage, long long done, long long total);
 
-/// Lets a report pass when 500 milliseconds have gone by since the last one: a listener draws on a screen, and long loops
-/// take thousands of steps per second.
+/// Lets a report pass when 500 milliseconds have gone by since the last one: a listener draws on a screen, and long
+/// loops take thousands of steps per second.
 class ProgressThrottle {
 public:
     ProgressThrottle();

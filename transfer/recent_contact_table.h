@@ -1,5 +1,5 @@
-// The recent contacts: the table "im_reContact", and the objects of "recontact.mg". Columns and keys have the same names
-// and the same order; what selects, binds, writes and reads uses this one list. docs/databases.md and
+// The recent contacts: the table "im_reContact", and the objects of "recontact.mg". Columns and keys have the same
+// names and the same order; what selects, binds, writes and reads uses this one list. docs/databases.md and
 // docs/formats/package.md describe them for readers.
 #pragma once
 
@@ -9,7 +9,8 @@ inline constexpr const char* kRecentContactTable = "im_reContact";
 
 /// The blanks inside are part of the schema text that clients compare.
 inline constexpr const char* kCreateRecentContactTable =
-    "create table im_reContact(targetID BIGINT PRIMARY KEY,lastMsgid BIGINT,time BIGINT,type TINYINT,                    "
+    "create table im_reContact(targetID BIGINT PRIMARY KEY,lastMsgid BIGINT,time BIGINT,type TINYINT,                  "
+    "  "
     "top TINYINT,wherefrom VARCHAR(256),msgType TINYINT,activeType INTEGER,lastMsg VARCHAR(8000),msgProp "
     "VARCHAR(1024),name VARCHAR(128),sendUserID BIGINT,securityLevel INTEGER);";
 
@@ -20,9 +21,11 @@ inline constexpr const char* kInsertRecentContact =
     "insert into %s(targetID,lastMsgid,time,type,top,whereFrom,msgType,activeType,lastMsg,msgProp,name,securityLevel) "
     "values(?,?,?,?,?,?,?,?,?,?,?,?)";
 
-/// The database rejects this text, and that is relied on: a stored contact is never overwritten, whatever a package says.
+/// The database rejects this text, and that is relied on: a stored contact is never overwritten, whatever a package
+/// says.
 inline constexpr const char* kUpdateRecentContact =
-    "update %s set lastMsgid = ?,time = ?,type = ?,top = ?,whereFrom = ?,msgType = ?,activeType = ?,lastMsg = ?,msgProp = "
+    "update %s set lastMsgid = ?,time = ?,type = ?,top = ?,whereFrom = ?,msgType = ?,activeType = ?,lastMsg = "
+    "?,msgProp = "
     "?,name = ? securityLevel =?,where targetID = ? ";
 
 inline constexpr const char* kPinRecentContact = "update %s set top = ? where targetID = ? ";

@@ -1,5 +1,5 @@
-// Finds message tables among the names of a database in constant time: 20,000 conversations looked up one after another in
-// a plain list would cost more than writing them.
+// Finds message tables among the names of a database in constant time: 20,000 conversations looked up one after another
+// in a plain list would cost more than writing them.
 #pragma once
 
 #include <string>

@@ -3,8 +3,9 @@
 
 #include "host/dbUtils.h"
 
-/// Begins a transaction on `db` and ends it when the scope ends, normally or by an exception. A null connection makes no
-/// call at all. An exception out of endTransaction() ends the process: a commit of unknown outcome must not be passed over.
+/// Begins a transaction on `db` and ends it when the scope ends, normally or by an exception. A null connection makes
+/// no call at all. An exception out of endTransaction() ends the process: a commit of unknown outcome must not be
+/// passed over.
 class DbTranHelper {
 public:
     /// `db` is not owned and must outlive the guard.

@@ -1,5 +1,5 @@
-// What the operations of one transfer object did, in numbers, and what they left out with the reason. The result codes say
-// only whether an operation failed; many rules skip a record or a file and go on. Hosts show this to the user.
+// What the operations of one transfer object did, in numbers, and what they left out with the reason. The result codes
+// say only whether an operation failed; many rules skip a record or a file and go on. Hosts show this to the user.
 #pragma once
 
 #include <cstddef>

@@ -739,7 +739,7 @@ cipher::Header headerOf(const Vector& vector) {
 
 cipher::TreeKey treeKeyOf(const Vector& vector) {
     const cipher::Header header = headerOf(vector);
-    return cipher::deriveTreeKey(vector.at("key-text"), header.treeSalt, header.iterations);
+    return cipher::KeyCache::ofProcess().forReading(vector.at("key-text"), header.treeSalt, header.iterations);
 }
 
 std::string textOf(const Vector& vector) {

@@ -47,13 +47,17 @@ std::string readFile(const std::string& path) {
     return bytes.str();
 }
 
-bool exists(const std::string& path) { return fs::exists(fs::symlink_status(path)); }
+bool exists(const std::string& path) {
+    return fs::exists(fs::symlink_status(path));
+}
 
 std::string listing(const std::string& path) {
     std::set<std::string> names;
-    for (const fs::directory_entry& entry : fs::directory_iterator(path)) names.insert(entry.path().filename().string());
+    for (const fs::directory_entry& entry : fs::directory_iterator(path))
+        names.insert(entry.path().filename().string());
     std::string text;
-    for (const std::string& name : names) text += (text.empty() ? "" : " ") + name;
+    for (const std::string& name : names)
+        text += (text.empty() ? "" : " ") + name;
     return text;
 }
 

@@ -1,0 +1,36 @@
+# Two commands for a newcomer: `make demo` and `make test`. Both install what is missing first (see scripts/setup).
+PRESET ?= release
+BUILD := build/$(PRESET)
+
+.PHONY: demo test asan build setup format tidy clean
+
+## Make a sample account, export it, import it elsewhere (twice), verify, and say what moved.
+demo: build
+	scripts/demo $(BUILD)/app/chat-transfer
+
+## Build and run all tests.
+test: build
+	ctest --preset $(PRESET)
+
+## The same tests under AddressSanitizer, LeakSanitizer and UBSan.
+asan:
+	$(MAKE) --no-print-directory test PRESET=asan
+
+build: setup
+	cmake --preset $(PRESET)
+	cmake --build --preset $(PRESET)
+
+setup:
+	@scripts/setup
+
+## Reformat all of our sources.
+format:
+	scripts/format --fix
+
+## Warnings of clang-tidy and formatting differences are errors.
+tidy: build
+	scripts/format
+	scripts/tidy $(BUILD)
+
+clean:
+	rm -rf build demo
