@@ -1,7 +1,6 @@
 // The least that a host does: export an account into a package, and import the package into another account.
 //
 // Usage: minimal_host <account> <backup folder> <other account> <user id>
-#include <cstdio>
 #include <iostream>
 #include <string>
 
@@ -26,7 +25,7 @@ void prepare(dbTrans& transfer, ProgressListener& listener, const std::string& a
 }
 
 int fail(const char* step, unsigned int code) {
-    std::fprintf(stderr, "%s failed: 0x%08x\n", step, code);
+    std::cerr << step << " failed: 0x" << std::hex << code << "\n";
     return 1;
 }
 

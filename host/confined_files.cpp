@@ -107,7 +107,7 @@ FileOutcome transferConfined(Transfer transfer, const std::string& fromFolder, c
     const Kind kind = kindOf(source);
     if (kind != Kind::regular) return kind == Kind::none ? FileOutcome::missing : FileOutcome::refused;
     const Place target = resolve(toFolder, to, MissingFolders::stay);
-    if (!target.valid()) return FileOutcome::failed;
+    if (!target.valid()) return target.missing() ? FileOutcome::failed : FileOutcome::refused;
     return transfer(source, target);
 }
 
@@ -143,7 +143,8 @@ FileOutcome moveConfined(const std::string& fromFolder, const std::string& from,
 
 int createConfinedDir(const std::string& folder, const std::string& name) {
     if (componentsOf(name).empty()) return createDir(folder.c_str());
-    const Place place = resolve(folder, name, MissingFolders::create);
+    Place place = resolve(folder, name, MissingFolders::create);
+    if (place.missing() && createDir(folder.c_str()) == 0) place = resolve(folder, name, MissingFolders::create);
     if (!place.valid()) return -1;
     mkdirat(place.folder.get(), place.name.c_str(), kOwnerOnly);
     return openFolder(place.folder.get(), place.name.c_str(), false).valid() ? 0 : -1;

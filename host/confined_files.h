@@ -26,7 +26,7 @@ bool confinedNameTaken(const std::string& folder, const std::string& name);
 enum class FileOutcome {
     done,     ///< the target holds the file
     missing,  ///< there is no such source
-    refused,  ///< a name leads outside its folder, or over a symbolic link
+    refused,  ///< a name leads outside its folder or over a symbolic link, or the source is no regular file
     failed,   ///< the source is there but could not be transferred
 };
 
@@ -39,7 +39,7 @@ FileOutcome copyConfined(const std::string& fromFolder, const std::string& from,
 FileOutcome moveConfined(const std::string& fromFolder, const std::string& from, const std::string& toFolder,
                          const std::string& to);
 
-/// Creates the folder `folder` + `name` with its missing parents; 0 when it is there afterwards, -1 when the name is
+/// Creates the folder `folder` + `name` with its missing parents, `folder` itself included; 0 when it is there afterwards, -1 when the name is
 /// not confined, crosses a symbolic link or cannot be created.
 int createConfinedDir(const std::string& folder, const std::string& name);
 

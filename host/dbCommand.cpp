@@ -32,7 +32,10 @@ bool dbCommand::prepare() {
 template <class Bind>
 void dbCommand::bindWith(Bind bind) {
     if (!prepare()) return;
-    if (bind(statement_->get()) != SQLITE_OK) bindFailed_ = true;
+    const int code = bind(statement_->get());
+    if (code == SQLITE_OK) return;
+    bindFailed_ = true;
+    statement_->connection().noteFailure(code);
 }
 
 void dbCommand::bindParam(int index, const char* value) {

@@ -18,7 +18,7 @@ int dbUtils::open(const char* path, const char* key) {
 dbDataReader dbUtils::excuteQuery(const char* sql) {
     if (!connection_ || sql == nullptr) return {};
     detail::StatementHandle handle = connection_->prepare(sql);
-    if (!handle) return {};
+    if (!handle || (connection_->refusesWrites() && sqlite3_stmt_readonly(handle.get()) == 0)) return {};
     return dbDataReader(std::make_unique<detail::Statement>(connection_, std::move(handle)));
 }
 

@@ -68,8 +68,8 @@ public:
     /// Opens the database file at `path`, for reading and writing where the file permits it, else for reading.
     ///
     /// `key` is the text that the key of an encrypted database is derived from (SQLCipher 4 scheme: PBKDF2-HMAC-SHA512,
-    /// 256,000 rounds, AES-256-CBC with HMAC-SHA512 per page); null opens an unencrypted file. A file is never created:
-    /// a missing database does not open. An empty file is an empty database, with or without a key.
+    /// 256,000 rounds, AES-256-CBC with HMAC-SHA512 per page); null or an empty text opens an unencrypted file. A file
+    /// is never created: a missing database does not open. An empty file is an empty database, with or without a key.
     ///
     /// Returns non-zero when the database is open and its schema could be read; 0 for a missing or unreadable file, a
     /// wrong or missing key, a file that is no database, and one that stays locked for longer than the busy timeout.

@@ -77,7 +77,7 @@ FileHandle openRegularFile(int folder, const char* name, bool followLinks) {
     const int links = followLinks ? 0 : O_NOFOLLOW;
     FileHandle handle(openat(folder, name, O_RDONLY | O_CLOEXEC | O_NONBLOCK | links));
     struct stat status {};
-    if (!handle.valid() || fstat(handle.get(), &status) != 0 || !S_ISREG(status.st_mode)) return FileHandle();
+    if (!handle.valid() || fstat(handle.get(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
     return handle;
 }
 

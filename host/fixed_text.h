@@ -16,6 +16,8 @@ template <std::size_t Size>
 class FixedText {
 public:
     /// Formats as printf does. When the text does not fit, the buffer is empty and fits() is false.
+    /// The compiler checks the arguments against the format, which it cannot do for a parameter pack.
+    // NOLINTNEXTLINE(cert-dcl50-cpp)
     [[gnu::format(printf, 2, 3)]] explicit FixedText(const char* format, ...) {
         va_list arguments;
         va_start(arguments, format);

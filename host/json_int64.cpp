@@ -47,7 +47,7 @@ JSON_Value* json_value_deep_copy(const JSON_Value* value) {
     return copy;
 }
 
-void json_set_allocation_functions(JSON_Malloc_Function allocate, JSON_Free_Function release) {
-    chatTransferJsonSetSource(allocate, release);
+void json_set_allocation_functions(JSON_Malloc_Function malloc_fun, JSON_Free_Function free_fun) {
+    chatTransferJsonSetSource(malloc_fun, free_fun);
 }
 }

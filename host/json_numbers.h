@@ -7,7 +7,7 @@
 // with the JSON value itself: no table beside the documents, no order of freeing to respect.
 #pragma once
 
-#include <stddef.h>
+#include <stddef.h>  // NOLINT(modernize-deprecated-headers): also included from C
 
 #ifdef __cplusplus
 extern "C" {

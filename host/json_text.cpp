@@ -3,9 +3,15 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
+
+#include "host/utf8.h"
 
 namespace tools {
 namespace {
+
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
 
 // The letter behind the backslash; 'u' for the four-digit form; 0 for characters that stand for themselves.
 char escapeOf(char c, bool escapeSlashes) {
@@ -41,20 +47,79 @@ void appendEscaped(std::string& out, char c, char escape) {
     out += kHex[code & 0xFU];
 }
 
+constexpr std::uint64_t eachByte(unsigned char byte) {
+    return 0x0101010101010101U * byte;
+}
+
+// Non-zero when one of the eight bytes is zero.
+constexpr std::uint64_t anyZero(std::uint64_t bytes) {
+    return (bytes - eachByte(1)) & ~bytes & eachByte(0x80);
+}
+
+// True when all eight bytes are ASCII characters that stand for themselves; false also for some that do.
+bool allPlain(const char* eight) {
+    std::uint64_t bytes = 0;
+    std::memcpy(&bytes, eight, sizeof(bytes));
+    const std::uint64_t special =
+        anyZero(bytes ^ eachByte('"')) | anyZero(bytes ^ eachByte('\\')) | anyZero(bytes ^ eachByte('/'));
+    const std::uint64_t controlOrHigh = ((bytes - eachByte(0x20)) | bytes) & eachByte(0x80);
+    return (special | controlOrHigh) == 0;
+}
+
+// Where the run of characters ends, from `position` on, that can be skipped eight at a time. Most text is such runs.
+std::size_t skipPlain(std::string_view text, std::size_t position) {
+    while (text.size() - position >= 8 && allPlain(text.data() + position))
+        position += 8;
+    return position;
+}
+
+enum class Utf8 { asIs, repaired };
+
+// What to do at one position: keep `length` bytes, or put something in their place.
+struct Step {
+    std::size_t length;
+    char escape;     // not 0: the one byte is escaped
+    bool illFormed;  // the bytes are replaced
+};
+
+template <Utf8 utf8>
+Step stepAt(std::string_view text, std::size_t position, bool escapeSlashes) {
+    if (utf8 == Utf8::repaired && static_cast<unsigned char>(text[position]) >= 0x80) {
+        const Utf8Sequence sequence = utf8SequenceAt(text, position);
+        return {sequence.length, '\0', !sequence.wellFormed};
+    }
+    return {1, escapeOf(text[position], escapeSlashes), false};
+}
+
+template <Utf8 utf8>
+void appendQuoted(std::string& out, std::string_view text, bool escapeSlashes) {
+    out += '"';
+    std::size_t kept = 0;  // where the run of bytes begins that are copied as they are
+    for (std::size_t i = skipPlain(text, 0); i < text.size(); i = skipPlain(text, i)) {
+        const Step step = stepAt<utf8>(text, i, escapeSlashes);
+        if (step.escape != '\0' || step.illFormed) {
+            out.append(text, kept, i - kept);
+            if (step.illFormed) {
+                out += kReplacement;
+            } else {
+                appendEscaped(out, text[i], step.escape);
+            }
+            kept = i + step.length;
+        }
+        i += step.length;
+    }
+    out.append(text, kept, text.size() - kept);
+    out += '"';
+}
+
 }  // namespace
 
 void appendJsonString(std::string& out, std::string_view text, bool escapeSlashes) {
-    out += '"';
-    std::size_t plain = 0;  // where the run of characters that need no escape begins
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char escape = escapeOf(text[i], escapeSlashes);
-        if (escape == '\0') continue;
-        out.append(text, plain, i - plain);
-        appendEscaped(out, text[i], escape);
-        plain = i + 1;
-    }
-    out.append(text, plain, text.size() - plain);
-    out += '"';
+    appendQuoted<Utf8::asIs>(out, text, escapeSlashes);
+}
+
+void appendJsonText(std::string& out, std::string_view text) {
+    appendQuoted<Utf8::repaired>(out, text, true);
 }
 
 void appendJsonNumber(std::string& out, double number) {
@@ -64,6 +129,17 @@ void appendJsonNumber(std::string& out, double number) {
     const std::to_chars_result result =
         integral ? std::to_chars(digits.data(), digits.data() + digits.size(), number, std::chars_format::fixed, 0)
                  : std::to_chars(digits.data(), digits.data() + digits.size(), number, std::chars_format::general, 17);
+    out.append(digits.data(), result.ptr);
+}
+
+void appendJsonNumber(std::string& out, long long number) {
+    constexpr long long kExactInDouble = 1LL << 53;
+    if (number > kExactInDouble || number < -kExactInDouble) {
+        appendJsonNumber(out, static_cast<double>(number));
+        return;
+    }
+    std::array<char, 20> digits;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by to_chars
+    const std::to_chars_result result = std::to_chars(digits.data(), digits.data() + digits.size(), number);
     out.append(digits.data(), result.ptr);
 }
 

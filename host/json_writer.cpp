@@ -1,17 +1,15 @@
 // Serialisation in one pass over the tree. The stock serializer walks it three times (size, size again, write), prints
 // every number on each walk and looks every member up by name again.
-#include <fcntl.h>
-
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <new>
 #include <string>
 
-#include "host/file_handle.h"
 #include "host/json.h"
 #include "host/json_numbers.h"
 #include "host/json_text.h"
+#include "host/whole_file.h"
 
 namespace {
 
@@ -129,9 +127,7 @@ char* toString(const JSON_Value* value, bool pretty) {
 JSON_Status toFile(const JSON_Value* value, bool pretty, const char* filename) try {
     std::string text;
     if (filename == nullptr || !textOf(value, pretty, text)) return JSONFailure;
-    tools::detail::NewFile file(AT_FDCWD, filename);
-    const bool written = file.valid() && tools::detail::writeAll(file.get(), text.data(), text.size()) && file.commit();
-    return written ? JSONSuccess : JSONFailure;
+    return tools::writeWholeFile(filename, text) ? JSONSuccess : JSONFailure;
 } catch (const std::bad_alloc&) {
     return JSONFailure;
 }
@@ -151,11 +147,11 @@ size_t json_serialization_size_pretty(const JSON_Value* value) {
     return sizeOf(value, true);
 }
 
-JSON_Status json_serialize_to_buffer(const JSON_Value* value, char* buffer, size_t size) {
-    return toBuffer(value, false, buffer, size);
+JSON_Status json_serialize_to_buffer(const JSON_Value* value, char* buf, size_t buf_size_in_bytes) {
+    return toBuffer(value, false, buf, buf_size_in_bytes);
 }
-JSON_Status json_serialize_to_buffer_pretty(const JSON_Value* value, char* buffer, size_t size) {
-    return toBuffer(value, true, buffer, size);
+JSON_Status json_serialize_to_buffer_pretty(const JSON_Value* value, char* buf, size_t buf_size_in_bytes) {
+    return toBuffer(value, true, buf, buf_size_in_bytes);
 }
 
 JSON_Status json_serialize_to_file(const JSON_Value* value, const char* filename) {

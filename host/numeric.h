@@ -12,7 +12,7 @@ namespace tools {
 template <class Integer>
 Integer truncateTo(double value) {
     // 2^(bits-1) is exact as a double where the largest integer itself may not be.
-    constexpr double lowest = static_cast<double>(std::numeric_limits<Integer>::min());
+    constexpr auto lowest = static_cast<double>(std::numeric_limits<Integer>::min());
     constexpr double beyond = -lowest;
     static_assert(std::numeric_limits<Integer>::is_signed, "the limits above hold for signed integers");
     if (value != value) return 0;

@@ -72,6 +72,12 @@ Connection::~Connection() {
     OPENSSL_cleanse(key_.data(), key_.size());
 }
 
+#ifdef CHAT_TRANSFER_WITHOUT_ENCRYPTION
+bool Connection::unlock(const char* /*key*/) {
+    lastError_ = "this SQLite cannot open encrypted databases";
+    return false;
+}
+#else
 bool Connection::unlock(const char* key) {
     // The scheme has to be chosen before the key is given. Version 4 with its own defaults is what existing tools open.
     const bool chosen = execute("PRAGMA cipher = 'sqlcipher'") && execute("PRAGMA legacy = 4");
@@ -79,6 +85,7 @@ bool Connection::unlock(const char* key) {
     if (lastError_.empty()) lastError_ = sqlite3_errmsg(handle_.get());
     return false;
 }
+#endif
 
 void Connection::configure() {
     // A database file may come from a stranger: its schema must not be able to call functions with side effects, and a

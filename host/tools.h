@@ -38,10 +38,14 @@ void getNameFromPath(char* path, char* name);
 /// The same into a string.
 void getNameFromPath(const std::string& path, std::string& name);
 
-/// A file name made from a URL or path: equal URLs give equal names, different URLs different ones. The name is
-/// "<stem>_<hash>.<extension>": a readable stem from the last path component, 40 hexadecimal digits of the SHA-256 of
-/// the whole URL, and the component's own extension where it is plain. With `unique` false the hash is left out and
-/// different URLs may share a name. See the source for the exact rules.
+/// A file name made from a URL or path: equal URLs give equal names, different URLs different ones, also on a file
+/// system that ignores case. The name is "<stem>_<hash>.<extension>": up to 40 letters, digits, "_" and "-" of the last
+/// path component (without query and fragment; "file" when there is nothing readable), 40 hexadecimal digits of the
+/// SHA-256 of the whole URL, and the component's own extension, lower-cased, if it is 1 to 10 letters and digits. The
+/// endings of a transfer's own files (mg, ct, nt, rm, decrypt) are dropped. ASCII, at most 92 bytes, valid on every
+/// file system. Any bytes are allowed in `url`. With `unique` false the hash is left out: different URLs may then share
+/// a name, and names of devices (CON, NUL, COM1) get "file-" in front. Throws std::runtime_error when the crypto
+/// library cannot hash.
 std::string getUniqueNameByUrl(const std::string& url, bool unique);
 
 /// The numbers in decimal, joined by `separator` (null counts as empty); an empty text for no numbers.

@@ -50,9 +50,11 @@ int createDir(const char* path) {
 
 int del_dir(const char* path) {
     struct stat status {};
-    if (path == nullptr || lstat(path, &status) != 0 || !S_ISDIR(status.st_mode)) return -1;
+    std::string name = path != nullptr ? path : "";
+    name.erase(name.find_last_not_of('/') + 1);  // "link/" would name the directory that the link leads to
+    if (lstat(name.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return -1;
     std::error_code error;
-    std::filesystem::remove_all(path, error);
+    std::filesystem::remove_all(name, error);
     return error ? -1 : 0;
 }
 

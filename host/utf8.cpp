@@ -1,7 +1,5 @@
 #include "host/utf8.h"
 
-#include <cstddef>
-
 namespace tools {
 namespace {
 
@@ -26,12 +24,9 @@ SequenceRule ruleOf(unsigned char first) {
     return {0, 0, 0};
 }
 
-struct Sequence {
-    std::size_t length;  // of the sequence, or of the ill-formed part: at least 1
-    bool wellFormed;
-};
+}  // namespace
 
-Sequence sequenceAt(std::string_view text, std::size_t position) {
+Utf8Sequence utf8SequenceAt(std::string_view text, std::size_t position) {
     const auto byteAt = [text](std::size_t index) { return static_cast<unsigned char>(text[index]); };
     const SequenceRule rule = ruleOf(byteAt(position));
     if (rule.length == 0) return {1, false};
@@ -45,11 +40,9 @@ Sequence sequenceAt(std::string_view text, std::size_t position) {
     return {rule.length, true};
 }
 
-}  // namespace
-
 bool isWellFormedUtf8(std::string_view text) {
     for (std::size_t position = 0; position < text.size();) {
-        const Sequence sequence = sequenceAt(text, position);
+        const Utf8Sequence sequence = utf8SequenceAt(text, position);
         if (!sequence.wellFormed) return false;
         position += sequence.length;
     }
@@ -60,7 +53,7 @@ std::string toWellFormedUtf8(std::string_view text) {
     std::string result;
     result.reserve(text.size());
     for (std::size_t position = 0; position < text.size();) {
-        const Sequence sequence = sequenceAt(text, position);
+        const Utf8Sequence sequence = utf8SequenceAt(text, position);
         if (sequence.wellFormed) {
             result.append(text.substr(position, sequence.length));
         } else {

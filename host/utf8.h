@@ -2,10 +2,20 @@
 // U+10FFFF).
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace tools {
+
+/// What stands at one position of a text.
+struct Utf8Sequence {
+    std::size_t length;  ///< of the sequence, or of the maximal ill-formed part: at least 1
+    bool wellFormed;
+};
+
+/// The sequence that begins at `position`, which must lie within the text.
+Utf8Sequence utf8SequenceAt(std::string_view text, std::size_t position);
 
 /// True when every byte of `text` belongs to a well-formed sequence.
 bool isWellFormedUtf8(std::string_view text);

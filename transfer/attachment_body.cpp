@@ -1,34 +1,51 @@
 #include "transfer/attachment_body.h"
 
-#include "host/json_owner.h"
+#include <array>
+#include <string_view>
+
+#include "host/json_reader.h"
 
 namespace transfer {
 namespace {
 
-bool readText(const JSON_Object* object, const char* key, std::string& text) {
-    const char* value = json_object_get_string(object, key);
-    if (value != nullptr) text = value;
-    return value != nullptr;
+// Stores the text that stands next, up to its first NUL, as the JSON library gives it; passes over anything else. True
+// for a text.
+bool readText(tools::JsonReader& reader, std::string& field) {
+    if (!reader.atString()) {
+        reader.skip();
+        return false;
+    }
+    const std::string_view text = reader.readString();
+    field.assign(text.substr(0, text.find('\0')));
+    return true;
 }
 
 }  // namespace
 
-std::string AttachmentBody::packagePath() const { return folderOf(mediaUrl) + "/" + fileName; }
+std::string AttachmentBody::packagePath() const {
+    return folderOf(mediaUrl) + "/" + fileName;
+}
 
 AttachmentBody readAttachmentBody(const std::string& body, int msgType) {
     AttachmentBody result;
     if (!carriesAttachments(msgType)) return result;
-    const tools::JsonDocument document(json_parse_string(body.c_str()));
-    const JSON_Object* object = json_value_get_object(document.get());
-    if (object == nullptr) return result;
+    const std::array<std::string_view, 2> keys = {"mediaUrl", msgType == kImageMessage ? "thumbUrl" : "fileName"};
+    const std::array<std::string*, 2> fields = {&result.mediaUrl,
+                                                msgType == kImageMessage ? &result.thumbUrl : &result.fileName};
+    std::array<bool, 2> present{};
+    std::string text = body;
+    tools::JsonReader reader(text);
+    if (!reader.atObject()) return {};
+    tools::readJsonObject(reader, keys,
+                          [&](std::size_t index) { present.at(index) = readText(reader, *fields.at(index)); });
+    if (!reader.ok()) return {};
     result.recognised = true;
-    const bool hasMedia = readText(object, "mediaUrl", result.mediaUrl);
-    const bool hasOther = msgType == kImageMessage ? readText(object, "thumbUrl", result.thumbUrl)
-                                                   : readText(object, "fileName", result.fileName);
-    result.complete = hasMedia && hasOther;
+    result.complete = present[0] && present[1];
     return result;
 }
 
-std::string folderOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
+std::string folderOf(const std::string& path) {
+    return path.substr(0, path.rfind('/'));
+}
 
 }  // namespace transfer

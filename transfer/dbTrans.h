@@ -33,9 +33,9 @@ public:
     dbTrans(dbTrans&&) = delete;
     dbTrans& operator=(dbTrans&&) = delete;
 
-    // --- Virtual operations: theirs is the host
-    // ------------------------------------------------------------------------ Compiled hosts find countRows as the
-    // sixth virtual operation. The five in front are theirs to override; nothing here calls them.
+    // --- Virtual operations: they are the host's ---
+    // Compiled hosts find countRows as the sixth virtual operation. The five in front are theirs to override; nothing
+    // here calls them.
     virtual void hostOperation1() {}
     virtual void hostOperation2() {}
     virtual void hostOperation3() {}
@@ -49,8 +49,7 @@ public:
 
     virtual ~dbTrans() = default;
 
-    // --- Members that the host sets or reads
-    // ---------------------------------------------------------------------------
+    // --- Members that the host sets or reads ---
     /// Message table that checkMsgCount() trims; empty trims nothing. Set by the host.
     std::string trimTable;
     /// Messages selected for export, by day key: "2019:3:7" (rdMsgFromDB; further 250s as "2019:3:7_1", ...) or
@@ -103,8 +102,7 @@ public:
     /// What the operations did and left out. Only the host empties it.
     TransferReport report;
 
-    // --- Opening, reset, progress
-    // --------------------------------------------------------------------------------------
+    // --- Opening, reset, progress ---
     /// Open rootPath + "/db/imsg.db", "/db/backimsg.db" and "/db/plugin/kab.db" with dbKey (none when it is empty).
     /// Non-zero when open, 0 on failure: the result of imsdk::dbUtils::open. Every operation opens what it needs by
     /// itself.
@@ -122,8 +120,7 @@ public:
     /// limit of int), text "<done>/<total>".
     void progress(int stage, int total, int done);
 
-    // --- Tables and existence
-    // ------------------------------------------------------------------------------------------
+    // --- Tables and existence ---
     /// List all tables of mainDb (or of `db`) into tableNames (or `names`), replacing what it held. The database must
     /// be open; a failed query leaves the list empty.
     void getTables();
@@ -146,8 +143,7 @@ public:
     int isNoteExsit(st_noteTrans& note);
     int isRoomExsit(std::string& roomName, std::string& roomMember);
 
-    // --- Export
-    // --------------------------------------------------------------------------------------------------------
+    // --- Export ---
     /// Select the messages of the main database dated on or after the day into dayMsgMap, and append their attachment
     /// paths to audioPaths, filePaths and imagePaths. The first form also appends the recent contacts to reContacts,
     /// needs the back database and splits a day into entries of 250; the second does neither. 0, kDatabaseFailed or
@@ -188,8 +184,7 @@ public:
     /// Writes msgFileDir + "recontact.mg". Always 1; the report names a failure.
     int wtRecontactToFile();
 
-    // --- Package import
-    // ------------------------------------------------------------------------------------------------
+    // --- Package import ---
     /// Reads the package below backupPath into msgMap and reContacts and copies attachments back into the account. 0,
     /// kMissing or kWrongVersion.
     unsigned int rdMsgFromFile();
@@ -213,8 +208,7 @@ public:
     /// the statement that it ran, or 1 when none was needed.
     int isRecontactExsit(imsdk::st_dbReContactBean& record);
 
-    // --- Tree import
-    // ---------------------------------------------------------------------------------------------------
+    // --- Tree import ---
     /// Appends the decrypted files below `dir` whose names end in `ext` + ".decrypt", after decrypting those that end
     /// in `ext` (a dot and two letters). Always 1.
     int getfiles(std::string dir, std::vector<std::string>& files, std::string ext);

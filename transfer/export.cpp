@@ -10,8 +10,10 @@
 #include "host/tools.h"
 #include "transfer/attachment_body.h"
 #include "transfer/attachment_count.h"
+#include "transfer/day_entries.h"
 #include "transfer/dbTrans.h"
 #include "transfer/json_fields.h"
+#include "transfer/message_files.h"
 #include "transfer/message_table.h"
 #include "transfer/package_format.h"
 #include "transfer/progress_report.h"
@@ -23,16 +25,9 @@ using tools::JsonDocument;
 
 namespace {
 
-using MessagesOfDay = std::vector<st_dbMessageBean>;
-using DayMessages = std::map<std::string, MessagesOfDay>;
+// --- Selection ---
 
-// --- Selection
-// ---------------------------------------------------------------------------------------------------------
-
-// What one entry of the day map holds before the next one is begun, so that one message file stays small.
-constexpr std::size_t kMessagesPerEntry = 250;
-
-struct Day {
+struct FirstDay {
     int year;
     int mon;
     int day;
@@ -42,15 +37,10 @@ bool isMessageTable(const std::string& name) {
     return name.compare(0, std::strlen(transfer::kMessageTablePrefix), transfer::kMessageTablePrefix) == 0;
 }
 
-std::string dayKeyOf(const st_dbMessageBean& message, char separator) {
-    return std::to_string(message.year_) + separator + std::to_string(message.mon) + separator +
-           std::to_string(message.day_);
-}
-
 // Calls take(message) for each message of `table` dated on or after `since`. False when the table could not be read
 // whole.
 template <class Take>
-bool selectMessages(imsdk::dbUtils& db, const std::string& table, const Day& since, Take take) {
+bool selectMessages(imsdk::dbUtils& db, const std::string& table, const FirstDay& since, Take take) {
     if (!transfer::isPlainTableName(table)) return false;
     const tools::FixedText<256> query(
         "select * from %s where (year_ > %d) or (year_ = %d and mon > %d) or (year_ = %d and mon = %d and day_ >= %d)",
@@ -67,7 +57,7 @@ bool selectMessages(imsdk::dbUtils& db, const std::string& table, const Day& sin
 // Selects from every message table and reports the tables that could not be read: they contribute what was read of
 // them.
 template <class Take>
-void selectFromAllTables(dbTrans& transfer, const Day& since, Take take) {
+void selectFromAllTables(dbTrans& transfer, const FirstDay& since, Take take) {
     for (const std::string& table : transfer.tableNames) {
         if (!isMessageTable(table)) continue;
         const bool whole = selectMessages(transfer.mainDb, table, since, [&](st_dbMessageBean& message) {
@@ -79,37 +69,11 @@ void selectFromAllTables(dbTrans& transfer, const Day& since, Take take) {
     }
 }
 
-// Remembers, per day key, the overflow entry that is being filled. Looking for it from the first one each time would
-// make a day of many messages quadratic.
-class OverflowEntries {
-public:
-    explicit OverflowEntries(DayMessages& days) : days_(days) {}
-
-    // False when the entry's key does not fit its buffer.
-    bool place(const std::string& dayKey, const st_dbMessageBean& message) {
-        int& number = open_[dayKey];
-        if (number == 0) number = 1;
-        for (;; ++number) {
-            const tools::FixedText<100> key("%s_%d", dayKey.c_str(), number);
-            if (!key.fits()) return false;
-            MessagesOfDay& entry = days_[key.text()];
-            if (entry.size() >= kMessagesPerEntry) continue;
-            entry.push_back(message);
-            return true;
-        }
-    }
-
-private:
-    DayMessages& days_;
-    std::map<std::string, int> open_;
-};
-
 void noteUnplaced(TransferReport& report, const std::string& dayKey) {
     report.skip(dayKey, "the day key is too long: a message was left out");
 }
 
-// --- Package writing
-// ---------------------------------------------------------------------------------------------------
+// --- Package writing ---
 
 constexpr std::size_t kMessagesPerFile = 1000;
 
@@ -129,24 +93,6 @@ JsonDocument makeMessageList() {
     return list;
 }
 
-JsonDocument makeDate(const transfer::CalendarDay& day) {
-    JsonDocument date(json_value_init_object());
-    JSON_Object* object = json_value_get_object(date.get());
-    transfer::setField(object, transfer::kYearKey, day.year);
-    transfer::setField(object, transfer::kMonthKey, day.month);
-    transfer::setField(object, transfer::kDayKey, day.day);
-    return date;
-}
-
-// {"msgs": [], "date": {...}}; null when it cannot be built.
-JsonDocument makeDay(const transfer::CalendarDay& day) {
-    JsonDocument object = makeMessageList();
-    JsonDocument date = makeDate(day);
-    if (!object || !date) return nullptr;
-    transfer::setValue(json_value_get_object(object.get()), transfer::kDateKey, std::move(date));
-    return object;
-}
-
 JsonDocument makeMessage(const st_dbMessageBean& record) {
     JsonDocument message(json_value_init_object());
     JSON_Object* object = json_value_get_object(message.get());
@@ -158,56 +104,7 @@ JsonDocument makeMessage(const st_dbMessageBean& record) {
     return message;
 }
 
-JSON_Array* messagesOf(const JsonDocument& document) {
-    return json_object_get_array(json_value_get_object(document.get()), transfer::kMessagesKey);
-}
-
-// Writes numbered message files and keeps the account of them.
-class MessageFiles {
-public:
-    explicit MessageFiles(dbTrans& transfer) : transfer_(transfer) {}
-
-    bool begin() {
-        file_ = makeFileHead(transfer_.packageVersion);
-        messages_ = 0;
-        return messagesOf(file_) != nullptr;
-    }
-
-    // Appends a day object with the records of [first, last). False when it cannot be built.
-    bool addDay(const transfer::CalendarDay& day, const st_dbMessageBean* first, const st_dbMessageBean* last) {
-        JsonDocument object = makeDay(day);
-        JSON_Array* messages = messagesOf(object);
-        if (messages == nullptr) return false;
-        for (; first != last; ++first) {
-            if (transfer::appendValue(messages, makeMessage(*first))) ++messages_;
-        }
-        return transfer::appendValue(messagesOf(file_), std::move(object));
-    }
-
-    // Writes the file under the next number. A failure is reported and passed over: the other files are worth having.
-    void finish() {
-        const std::string path =
-            transfer_.msgFileDir + tools::FixedText<50>(transfer::kMessageFileName, number_++).text();
-        if (json_serialize_to_file(file_.get(), path.c_str()) == JSONSuccess) {
-            ++transfer_.report.messageFilesWritten;
-            transfer_.report.messagesWritten += messages_;
-        } else {
-            transfer_.report.skip(path, "the message file could not be written");
-        }
-        file_.reset();
-    }
-
-    int number() const { return number_; }
-
-private:
-    dbTrans& transfer_;
-    JsonDocument file_;
-    long long messages_ = 0;
-    int number_ = 0;
-};
-
-// --- Attachments
-// -------------------------------------------------------------------------------------------------------
+// --- Attachments ---
 
 // `path` is relative to the package; the file itself lies flat in the account's folder for its kind.
 tools::FileOutcome exportAttachment(const dbTrans& transfer, const char* kindFolder, const std::string& path) {
@@ -230,14 +127,12 @@ unsigned int dbTrans::rdMsgFromDB(int year, int mon, int day) {
     if (backdbOpen() == 0) return transfer::kDatabaseFailed;
     getTables();
     if (tableNames.empty()) return transfer::kNoTables;
-    OverflowEntries overflow(dayMsgMap);
+    transfer::DayEntries days(dayMsgMap, ':');
     selectFromAllTables(*this, {year, mon, day}, [&](const st_dbMessageBean& message) {
-        const std::string key = dayKeyOf(message, ':');
-        MessagesOfDay& entry = dayMsgMap[key];
-        if (entry.size() < kMessagesPerEntry) {
-            entry.push_back(message);
-        } else if (!overflow.place(key, message)) {
-            noteUnplaced(report, key);
+        if (transfer::MessagesOfDay* entry = days.withRoom(message)) {
+            entry->push_back(message);
+        } else {
+            noteUnplaced(report, transfer::dayKeyOf(message, ':'));
         }
     });
     return transfer::kSuccess;
@@ -248,13 +143,19 @@ unsigned int dbTrans::rdMsgFromDB2(int year, int mon, int day) {
     if (dbOpen() == 0) return transfer::kDatabaseFailed;
     getTables();
     if (tableNames.empty()) return transfer::kNoTables;
+    transfer::DayEntries days(dayMsgMap, '_');
     selectFromAllTables(*this, {year, mon, day},
-                        [&](const st_dbMessageBean& message) { dayMsgMap[dayKeyOf(message, '_')].push_back(message); });
+                        [&](const st_dbMessageBean& message) { days.of(message).push_back(message); });
     return transfer::kSuccess;
 }
 
 void dbTrans::searchItem(std::string dayKey, st_dbMessageBean& msg) {
-    if (!OverflowEntries(dayMsgMap).place(dayKey, msg)) noteUnplaced(report, dayKey);
+    int overflow = 0;
+    if (transfer::MessagesOfDay* entry = transfer::DayEntries::nextOverflow(dayMsgMap, dayKey, overflow)) {
+        entry->push_back(msg);
+    } else {
+        noteUnplaced(report, dayKey);
+    }
 }
 
 int dbTrans::parseUrl(std::string body, int msgType) {
@@ -290,7 +191,7 @@ int dbTrans::createRootDir() {
 unsigned int dbTrans::wtMsgToFile() {
     if (createRootDir() == 0) return transfer::kPackageExists;
     transfer::ProgressThrottle throttle;
-    MessageFiles files(*this);
+    transfer::MessageFiles files(*this);
     const auto entries = static_cast<long long>(dayMsgMap.size());
     for (const auto& [key, messages] : dayMsgMap) {
         const transfer::CalendarDay day = transfer::dayOfKey(key, ":");
@@ -308,7 +209,7 @@ unsigned int dbTrans::wtMsgToFile() {
 unsigned int dbTrans::wtMsgToFile2() {
     if (createRootDir() == 0) return transfer::kPackageExists;
     transfer::ProgressThrottle throttle;
-    MessageFiles files(*this);
+    transfer::MessageFiles files(*this);
     const auto entries = static_cast<long long>(dayMsgMap.size());
     std::size_t room = 0;    // messages that still fit into the current file; 0: no file is begun
     std::size_t resume = 0;  // first message of the entry that is not written yet
@@ -318,7 +219,7 @@ unsigned int dbTrans::wtMsgToFile2() {
             if (!files.begin()) return transfer::kJsonFailed;
             room = kMessagesPerFile;
         }
-        const MessagesOfDay& messages = entry->second;
+        const transfer::MessagesOfDay& messages = entry->second;
         const std::size_t taken = std::min(room, messages.size() - resume);
         const st_dbMessageBean* first = messages.data() + resume;
         if (!files.addDay(transfer::dayOfKey(entry->first, "_"), first, first + taken)) return transfer::kJsonFailed;
@@ -370,7 +271,8 @@ int dbTrans::exportFile() {
     const std::array<Pass, 3> passes = {{{audioPaths, transfer::kAudioFolder},
                                          {filePaths, transfer::kFileFolder},
                                          {imagePaths, transfer::kImageFolder}}};
-    attachmentTotal = static_cast<long long>(audioPaths.size() + filePaths.size() + imagePaths.size());
+    const std::size_t attachments = audioPaths.size() + filePaths.size() + imagePaths.size();
+    attachmentTotal = static_cast<long long>(attachments);
     transfer::ProgressThrottle throttle;
     long long position = 0;
     for (const Pass& pass : passes) {

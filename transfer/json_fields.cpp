@@ -19,9 +19,13 @@ void setField(JSON_Object* object, const char* key, long long number) {
     json_object_set_number(object, key, static_cast<double>(number));
 }
 
-void setField(JSON_Object* object, const char* key, int number) { json_object_set_number(object, key, number); }
+void setField(JSON_Object* object, const char* key, int number) {
+    json_object_set_number(object, key, number);
+}
 
-void setField(JSON_Object* object, const char* key, signed char number) { json_object_set_number(object, key, number); }
+void setField(JSON_Object* object, const char* key, signed char number) {
+    json_object_set_number(object, key, number);
+}
 
 void setValue(JSON_Object* object, const char* key, tools::JsonDocument value) {
     if (json_object_set_value(object, key, value.get()) == JSONSuccess) static_cast<void>(value.release());
@@ -53,7 +57,7 @@ void getField(const JSON_Object* object, const char* key, signed char& number) {
 void setList(JSON_Object* object, const char* key, const std::string& joined) {
     tools::JsonDocument list(json_value_init_array());
     JSON_Array* array = json_value_get_array(list.get());
-    for (const long long number : tools::string_To_Vec_Int64(joined.c_str(), kListSeparator)) {
+    for (const long long number : tools::string_To_Vec_Int64(joined, kListSeparator)) {
         json_array_append_number(array, static_cast<double>(number));
     }
     setValue(object, key, std::move(list));
@@ -62,7 +66,8 @@ void setList(JSON_Object* object, const char* key, const std::string& joined) {
 void getList(const JSON_Object* object, const char* key, std::string& joined) {
     const JSON_Array* array = json_object_get_array(object, key);
     std::vector<long long> numbers(json_array_get_count(array));
-    for (size_t i = 0; i < numbers.size(); ++i) numbers[i] = json_array_get_int64(array, i);
+    for (size_t i = 0; i < numbers.size(); ++i)
+        numbers[i] = json_array_get_int64(array, i);
     if (!numbers.empty()) joined = tools::int64_To_String(numbers, kListSeparator);
 }
 

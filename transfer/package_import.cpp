@@ -6,6 +6,7 @@
 #include "host/fixed_text.h"
 #include "host/json_owner.h"
 #include "host/tools.h"
+#include "host/whole_file.h"
 #include "transfer/attachment_body.h"
 #include "transfer/attachment_count.h"
 #include "transfer/conversation_writer.h"
@@ -13,6 +14,8 @@
 #include "transfer/json_fields.h"
 #include "transfer/message_file.h"
 #include "transfer/message_table.h"
+#include "transfer/message_text.h"
+#include "transfer/message_trimming.h"
 #include "transfer/package_format.h"
 #include "transfer/progress_report.h"
 #include "transfer/recent_contact_table.h"
@@ -23,50 +26,43 @@ using tools::JsonDocument;
 
 namespace {
 
-// --- Reading -----------------------------------------------------------------------------------------------------------
+// --- Reading ---
 
 int countMessageFiles(const std::string& folder) {
     int number = 0;
-    while (tools::isFileExsit(transfer::messageFilePath(folder, number)) != 0) ++number;
+    while (tools::isFileExsit(transfer::messageFilePath(folder, number)) != 0)
+        ++number;
     return number;
 }
 
-// Reads the messages of one day object into the map, attachments restored on the way.
-void readDay(dbTrans& transfer, const JSON_Object* dayObject) {
-    const transfer::CalendarDay day = transfer::readDate(dayObject);
-    // The lists are looked for in the day object: all its messages get the same ones.
-    st_dbMessageBean lists;
-    transfer::forEachMessageList(lists, [dayObject](const char* key, std::string& joined) {
-        transfer::getList(dayObject, key, joined);
-    });
-    const JSON_Array* messages = json_object_get_array(dayObject, transfer::kMessagesKey);
-    transfer::forEachObject(messages, [&](const JSON_Object* message) {
-        st_dbMessageBean record = transfer::readMessage(message, day);
-        if (transfer::carriesAttachments(record.msgType)) transfer.importFile(record.body, record.msgType);
-        record.limitRange = lists.limitRange;
-        record.relatedUsers = lists.relatedUsers;
-        ++transfer.report.messagesRead;
-        std::vector<st_dbMessageBean>& conversation = transfer.msgMap[record.targetID];
-        conversation.push_back(std::move(record));
-    });
+// Takes over the messages of one day, attachments restored on the way.
+void takeDay(dbTrans& transfer, transfer::MessageDay& day) {
+    for (st_dbMessageBean& message : day.messages) {
+        if (transfer::carriesAttachments(message.msgType)) transfer.importFile(message.body, message.msgType);
+        // The lists of the day object count, for all its messages; those that stand in the messages do not.
+        message.limitRange = day.limitRange;
+        message.relatedUsers = day.relatedUsers;
+        transfer.msgMap[message.targetID].push_back(std::move(message));
+    }
+    transfer.report.messagesRead += static_cast<long long>(day.messages.size());
 }
 
 enum class FileResult { read, skipped, wrongVersion };
 
+FileResult skipFile(dbTrans& transfer, const std::string& path, const char* reason) {
+    transfer.report.skip(path, reason);
+    return FileResult::skipped;
+}
+
 FileResult readMessageFile(dbTrans& transfer, const std::string& path) {
-    const JsonDocument document(json_parse_file_no_link(path.c_str()));
-    const JSON_Object* file = json_value_get_object(document.get());
-    if (file == nullptr) {
-        transfer.report.skip(path, "the message file cannot be read as a JSON object");
-        return FileResult::skipped;
-    }
-    if (!transfer::hasVersion(file, transfer.packageVersion)) return FileResult::wrongVersion;
-    const JSON_Array* days = json_object_get_array(file, transfer::kMessagesKey);
-    if (days == nullptr) {
-        transfer.report.skip(path, "the message file has no list of days");
-        return FileResult::skipped;
-    }
-    transfer::forEachObject(days, [&transfer](const JSON_Object* day) { readDay(transfer, day); });
+    std::string text;
+    if (!tools::readWholeFile(path, text)) return skipFile(transfer, path, "the message file cannot be read");
+    transfer::MessageFileContent file = transfer::readMessageFileText(text, transfer.packageVersion);
+    if (!file.isObject) return skipFile(transfer, path, "the message file is not a JSON object");
+    if (!file.hasVersion) return FileResult::wrongVersion;
+    if (!file.hasDays) return skipFile(transfer, path, "the message file has no list of days");
+    for (transfer::MessageDay& day : file.days)
+        takeDay(transfer, day);
     return FileResult::read;
 }
 
@@ -74,14 +70,13 @@ st_dbReContactBean readContact(const JSON_Object* object) {
     // Older clients wrote 1 for a pinned conversation.
     constexpr signed char kPinnedInPackage = 1;
     st_dbReContactBean contact;
-    transfer::forEachRecentContactField(contact, [object](int /*column*/, const char* name, auto& field) {
-        transfer::getField(object, name, field);
-    });
+    transfer::forEachRecentContactField(
+        contact, [object](int /*column*/, const char* name, auto& field) { transfer::getField(object, name, field); });
     if (contact.top == kPinnedInPackage) contact.top = transfer::kPinnedBit;
     return contact;
 }
 
-// --- Attachments -------------------------------------------------------------------------------------------------------
+// --- Attachments ---
 
 void restore(dbTrans& transfer, const std::string& packagePath, const char* kindFolder, const std::string& name) {
     const tools::FileOutcome outcome =
@@ -89,7 +84,8 @@ void restore(dbTrans& transfer, const std::string& packagePath, const char* kind
     transfer::countAttachment(transfer.report, packagePath, outcome);
 }
 
-void restoreIfAbsent(dbTrans& transfer, const std::string& packagePath, const char* kindFolder, const std::string& name) {
+void restoreIfAbsent(dbTrans& transfer, const std::string& packagePath, const char* kindFolder,
+                     const std::string& name) {
     if (tools::isConfinedName(name) && tools::confinedNameTaken(transfer.rootPath + kindFolder, name)) {
         ++transfer.report.attachmentsPresent;
     } else {
@@ -103,7 +99,7 @@ void restoreImage(dbTrans& transfer, const std::string& packagePath) {
     restoreIfAbsent(transfer, packagePath, transfer::kImageFolder, name);
 }
 
-// --- Writing -----------------------------------------------------------------------------------------------------------
+// --- Writing ---
 
 // Writes one conversation in one transaction, its table included. False when that is not durable.
 template <class BeforeCommit>
@@ -114,7 +110,8 @@ bool writeConversation(dbTrans& transfer, imsdk::dbUtils& db, transfer::TableInd
         const std::string table = transfer::openMessageTable(transfer, db, index, targetID);
         if (table.empty()) return false;
         imsdk::dbCommand insert(&db, transfer::insertMessageStatement(table).c_str());
-        for (const st_dbMessageBean& message : messages) transfer::insertMessage(transfer.report, db, insert, message);
+        for (const st_dbMessageBean& message : messages)
+            transfer::insertMessage(transfer.report, db, insert, message);
         beforeCommit();
     }
     if (!db.transactionFailed()) return true;
@@ -131,13 +128,17 @@ bool writeConversations(dbTrans& transfer, imsdk::dbUtils& db, BeforeCommit befo
     return true;
 }
 
-// --- Recent contacts ---------------------------------------------------------------------------------------------------
+// --- Recent contacts ---
 
 void bindField(imsdk::dbCommand& command, int index, const std::string& text) {
     command.bindParam(index, text.c_str());
 }
-void bindField(imsdk::dbCommand& command, int index, long long number) { command.bindParam(index, number); }
-void bindField(imsdk::dbCommand& command, int index, int number) { command.bindParam(index, number); }
+void bindField(imsdk::dbCommand& command, int index, long long number) {
+    command.bindParam(index, number);
+}
+void bindField(imsdk::dbCommand& command, int index, int number) {
+    command.bindParam(index, number);
+}
 void bindField(imsdk::dbCommand& command, int index, signed char number) {
     command.bindParam(index, static_cast<int>(number));
 }
@@ -149,9 +150,8 @@ std::string contactStatement(const char* format) {
 int insertContact(dbTrans& transfer, const st_dbReContactBean& contact) {
     imsdk::dbCommand command(&transfer.mainDb, contactStatement(transfer::kInsertRecentContact).c_str());
     int index = 0;
-    transfer::forEachRecentContactField(contact, [&](int /*column*/, const char* /*name*/, const auto& field) {
-        bindField(command, ++index, field);
-    });
+    transfer::forEachRecentContactField(
+        contact, [&](int /*column*/, const char* /*name*/, const auto& field) { bindField(command, ++index, field); });
     const int stored = transfer.mainDb.excuteNonQuery(&command);
     if (stored != 0) ++transfer.report.contactsInserted;
     return stored;
@@ -216,7 +216,9 @@ unsigned int dbTrans::rdMsgFromFile() {
     }
 }
 
-int dbTrans::getMsgFileNum(std::string dir) { return countMessageFiles(dir); }
+int dbTrans::getMsgFileNum(std::string dir) {
+    return countMessageFiles(dir);
+}
 
 unsigned int dbTrans::rdRecontactFromFile(std::string& path) {
     if (tools::isFileExsit(path) == 0) return transfer::kMissing;
@@ -275,17 +277,8 @@ unsigned int dbTrans::wtMsgToBackDB() {
 }
 
 int dbTrans::checkMsgCount() {
-    constexpr int kTrimAbove = 5000;
-    constexpr int kKeptRows = 3000;
     const int count = countRows(16, nullptr, 0);
-    if (count <= kTrimAbove) return count;
-    if (!transfer::isPlainTableName(trimTable)) return 0;
-    const tools::FixedText<256> trim(
-        "delete from %s where time_ in(select time_ from %s order by time_ ASC limit 0,%d)", trimTable.c_str(),
-        trimTable.c_str(), count - kKeptRows);
-    const int trimmed = mainDb.excuteNonQuery(trim.text());
-    if (trimmed != 0) report.messagesTrimmed += mainDb.changedRows();
-    return trimmed;
+    return transfer::isOverfull(count) ? transfer::trimMessages(mainDb, trimTable, count, report) : count;
 }
 
 unsigned int dbTrans::wtRecontactToDb() {
@@ -297,9 +290,14 @@ unsigned int dbTrans::wtRecontactToDb() {
         }
         tableNames.emplace_back(transfer::kRecentContactTable);
     }
-    const DbTranHelper transaction(&mainDb);
-    for (st_dbReContactBean& contact : reContacts) isRecontactExsit(contact);
-    return transfer::kSuccess;
+    {
+        const DbTranHelper transaction(&mainDb);
+        for (st_dbReContactBean& contact : reContacts)
+            isRecontactExsit(contact);
+    }
+    if (!mainDb.transactionFailed()) return transfer::kSuccess;
+    report.skip(transfer::kRecentContactTable, "its transaction failed: " + mainDb.lastError());
+    return transfer::kDatabaseFailed;
 }
 
 int dbTrans::isRecontactExsit(st_dbReContactBean& record) {

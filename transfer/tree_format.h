@@ -1,6 +1,6 @@
-// The encrypted per-conversation tree on disk: its folders, the endings of its files and the keys of its notes and rooms.
-// Message files and recent-contact files have the keys of package_format.h. docs/formats/tree.md describes the format for
-// readers; a test imports the examples from there.
+// The encrypted per-conversation tree on disk: its folders, the endings of its files and the keys of its notes and
+// rooms. Message files and recent-contact files have the keys of package_format.h. docs/formats/tree.md describes the
+// format for readers; a test imports the examples from there.
 #pragma once
 
 #include <string>
@@ -29,7 +29,8 @@ inline std::string treeRoot(const dbTrans& transfer) {
     return transfer.backupPath + kTreeFolder + transfer.packageSubDir + "/";
 }
 
-/// Calls visit(key, field) for each key of a note object. That "isActive" lands in the archive flag is the format's rule.
+/// Calls visit(key, field) for each key of a note object. That "isActive" lands in the archive flag is the format's
+/// rule.
 template <class Record, class Visit>
 void forEachNoteKey(Record& record, Visit&& visit) {
     visit("sendUserID", record.sendUserId);

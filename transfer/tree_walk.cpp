@@ -30,15 +30,10 @@ bool endsWith(const std::string& name, const std::string& ending) {
     return name.size() >= ending.size() && name.compare(name.size() - ending.size(), ending.size(), ending) == 0;
 }
 
-bool isFolder(const std::string& path) {
-    struct stat status {};
-    return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-}
-
 /// One folder on the way down: its names, read at once, and how far the walk has come.
 ///
-/// Reading them at once keeps files that the walk itself creates and removes out of its sight, and needs one open folder
-/// however deep the tree is.
+/// Reading them at once keeps files that the walk itself creates and removes out of its sight, and needs one open
+/// folder however deep the tree is.
 struct Level {
     std::string folder;
     std::vector<std::string> names;
@@ -80,7 +75,10 @@ private:
     }
 
     void visit(const std::string& path, const std::string& name) {
-        if (isFolder(path)) {
+        struct stat status {};
+        if (lstat(path.c_str(), &status) != 0) {
+            noteUnreadable(path, errno);
+        } else if (S_ISDIR(status.st_mode)) {
             enter(path);
         } else if (endsWith(name, decryptedEnding_)) {
             paths_.push_back(path);
@@ -101,11 +99,11 @@ private:
         paths_.push_back(target);
     }
 
-    // A folder that is not there holds nothing; one that cannot be read may hold something.
-    void noteUnreadable(const std::string& folder, int error) {
+    // What is not there holds nothing; what cannot be read may hold something.
+    void noteUnreadable(const std::string& path, int error) {
         if (error == ENOENT) return;
-        report_.skip(folder, "the folder cannot be searched for " + search_.extension +
-                                 " files: " + std::generic_category().message(error));
+        const std::string reason = std::generic_category().message(error);
+        report_.skip(path, "cannot be searched for " + search_.extension + " files: " + reason);
     }
 
     const TreeSearch& search_;

@@ -1,0 +1,19 @@
+#include "host/whole_file.h"
+
+#include <fcntl.h>
+
+#include "host/file_handle.h"
+
+namespace tools {
+
+bool writeWholeFile(const std::string& path, std::string_view bytes) {
+    detail::NewFile file(AT_FDCWD, path);
+    return file.valid() && detail::writeAll(file.get(), bytes.data(), bytes.size()) && file.commit();
+}
+
+bool readWholeFile(const std::string& path, std::string& bytes) {
+    const detail::FileHandle file = detail::openRegularFile(AT_FDCWD, path.c_str(), false);
+    return file.valid() && detail::readAll(file.get(), bytes);
+}
+
+}  // namespace tools

@@ -1,0 +1,90 @@
+// The entries of the day map, while a selection fills them.
+#pragma once
+
+#include <array>
+#include <map>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "host/fixed_text.h"
+#include "transfer/records.h"
+
+namespace transfer {
+
+using MessagesOfDay = std::vector<imsdk::st_dbMessageBean>;
+using DayMessages = std::map<std::string, MessagesOfDay>;
+
+/// What one entry holds before the next one is begun, so that one message file stays small.
+inline constexpr std::size_t kMessagesPerEntry = 250;
+
+/// The day of a message as the key of its entry: year, month and day in decimal, without leading zeros.
+inline std::string dayKeyOf(const imsdk::st_dbMessageBean& message, char separator) {
+    return std::to_string(message.year_) + separator + std::to_string(message.mon) + separator +
+           std::to_string(message.day_);
+}
+
+/// Remembers where the messages of a day go. Tables are visited one after another, so every day comes up once per
+/// conversation: building its key text each time would cost more than the rest of the selection. And looking for the
+/// overflow entry that has room from the first one each time would make a day of many messages quadratic.
+class DayEntries {
+public:
+    DayEntries(DayMessages& days, char separator) : days_(days), separator_(separator) {}
+
+    /// The entry of the message's day, without a limit.
+    MessagesOfDay& of(const imsdk::st_dbMessageBean& message) { return *dayOf(message).first; }
+
+    /// The entry of the message's day that has room for it: the first of 250, or an overflow entry. Null when the key
+    /// of an overflow entry does not fit its buffer.
+    MessagesOfDay* withRoom(const imsdk::st_dbMessageBean& message) {
+        Day& day = dayOf(message);
+        if (day.open->size() < kMessagesPerEntry) return day.open;
+        MessagesOfDay* next = nextOverflow(days_, day.key, day.overflow);
+        if (next != nullptr) day.open = next;
+        return next;
+    }
+
+    /// The first of the overflow entries of `dayKey` after number `overflow` that has room, made when it is missing.
+    static MessagesOfDay* nextOverflow(DayMessages& days, const std::string& dayKey, int& overflow) {
+        for (;;) {
+            const tools::FixedText<100> key("%s_%d", dayKey.c_str(), ++overflow);
+            if (!key.fits()) return nullptr;
+            MessagesOfDay& entry = days[key.text()];
+            if (entry.size() < kMessagesPerEntry) return &entry;
+        }
+    }
+
+private:
+    using Date = std::array<int, 3>;
+
+    struct HashDate {
+        std::size_t operator()(const Date& date) const {
+            constexpr std::size_t kMonths = 16;
+            constexpr std::size_t kDays = 32;
+            const auto number = [&date](std::size_t i) { return static_cast<std::size_t>(date[i]); };
+            return (number(0) * kMonths + number(1)) * kDays + number(2);
+        }
+    };
+
+    struct Day {
+        std::string key;
+        MessagesOfDay* first = nullptr;
+        MessagesOfDay* open = nullptr;  // the entry that is being filled
+        int overflow = 0;               // its number; 0 for the first
+    };
+
+    Day& dayOf(const imsdk::st_dbMessageBean& message) {
+        Day& day = known_[{message.year_, message.mon, message.day_}];
+        if (day.first == nullptr) {
+            day.key = dayKeyOf(message, separator_);
+            day.first = day.open = &days_[day.key];
+        }
+        return day;
+    }
+
+    DayMessages& days_;
+    char separator_;
+    std::unordered_map<Date, Day, HashDate> known_;
+};
+
+}  // namespace transfer

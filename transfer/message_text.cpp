@@ -1,0 +1,186 @@
+#include "transfer/message_text.h"
+
+#include <array>
+#include <string_view>
+
+#include "host/json_reader.h"
+#include "host/numeric.h"
+#include "host/tools.h"
+
+namespace transfer {
+namespace {
+
+using imsdk::st_dbMessageBean;
+using tools::JsonReader;
+
+// --- Values: one of another type than the field's is passed over, and the field keeps its default ---
+
+// Texts end at their first NUL, as they do for the JSON library.
+void readValue(JsonReader& reader, std::string& field) {
+    if (!reader.atString()) return reader.skip();
+    const std::string_view text = reader.readString();
+    field.assign(text.substr(0, text.find('\0')));
+}
+
+void readValue(JsonReader& reader, long long& field) {
+    if (!reader.atNumber()) return reader.skip();
+    field = reader.readNumber().exact;
+}
+
+void readValue(JsonReader& reader, int& field) {
+    if (!reader.atNumber()) return reader.skip();
+    field = tools::truncateTo<int>(reader.readNumber().value);
+}
+
+void readTruncated(JsonReader& reader, long long& field) {
+    if (!reader.atNumber()) return reader.skip();
+    field = tools::truncateTo<long long>(reader.readNumber().value);
+}
+
+// An array of ids as a text joined by ";"; elements of other types count as 0.
+void readList(JsonReader& reader, std::string& joined) {
+    if (!reader.atArray()) return reader.skip();
+    std::vector<long long> numbers;
+    reader.enter();
+    while (reader.nextElement()) {
+        numbers.push_back(0);
+        readValue(reader, numbers.back());
+    }
+    joined = tools::int64_To_String(numbers, kListSeparator);
+}
+
+// Calls readElement() for each object of the array that stands next.
+template <class ReadElement>
+void readObjects(JsonReader& reader, ReadElement readElement) {
+    reader.enter();
+    while (reader.nextElement()) {
+        if (reader.atObject()) {
+            readElement();
+        } else {
+            reader.skip();
+        }
+    }
+}
+
+// --- Objects, by the key lists of package_format.h ---
+
+constexpr std::size_t kScalarKeys = 14;
+constexpr std::size_t kListKeys = 2;
+using MessageKeys = std::array<std::string_view, kScalarKeys + kListKeys>;
+
+MessageKeys messageKeys() {
+    MessageKeys keys;
+    std::size_t count = 0;
+    const st_dbMessageBean any;
+    forEachMessageKey(any, [&](const char* key, KeyUse /*use*/, const auto& /*field*/) { keys.at(count++) = key; });
+    forEachMessageList(any, [&](const char* key, const std::string& /*joined*/) { keys.at(count++) = key; });
+    return keys;
+}
+
+void readMember(JsonReader& reader, std::size_t index, st_dbMessageBean& message) {
+    std::size_t current = 0;
+    forEachMessageKey(message, [&](const char* /*key*/, KeyUse use, auto& field) {
+        if (current++ != index) return;
+        if (use == KeyUse::always) {
+            readValue(reader, field);
+        } else {
+            reader.skip();
+        }
+    });
+    forEachMessageList(message, [&](const char* /*key*/, std::string& joined) {
+        if (current++ == index) readList(reader, joined);
+    });
+}
+
+void readMessage(JsonReader& reader, st_dbMessageBean& message) {
+    // Imported messages are history: they count as delivered and read.
+    constexpr int kImportedStatus = 4;
+    static const MessageKeys keys = messageKeys();
+    message.status = kImportedStatus;
+    message.extraValue2 = -1;
+    tools::readJsonObject(reader, keys, [&](std::size_t index) { readMember(reader, index, message); });
+}
+
+CalendarDay readDate(JsonReader& reader) {
+    static constexpr std::array<std::string_view, 3> keys = {kYearKey, kMonthKey, kDayKey};
+    CalendarDay date;
+    const std::array<long long*, 3> fields = {&date.year, &date.month, &date.day};
+    if (!reader.atObject()) {
+        reader.skip();
+        return date;
+    }
+    tools::readJsonObject(reader, keys, [&](std::size_t index) { readTruncated(reader, *fields.at(index)); });
+    return date;
+}
+
+void readMessages(JsonReader& reader, std::vector<st_dbMessageBean>& messages) {
+    if (!reader.atArray()) return reader.skip();
+    readObjects(reader, [&] { readMessage(reader, messages.emplace_back()); });
+}
+
+MessageDay readDay(JsonReader& reader) {
+    MessageDay day;
+    st_dbMessageBean lists;
+    std::array<std::string_view, 2 + kListKeys> keys = {kMessagesKey, kDateKey};
+    std::array<std::string*, kListKeys> fields{};
+    std::size_t count = 0;
+    forEachMessageList(lists, [&](const char* key, std::string& joined) {
+        keys.at(2 + count) = key;
+        fields.at(count++) = &joined;
+    });
+    tools::readJsonObject(reader, keys, [&](std::size_t index) {
+        if (index == 0) {
+            readMessages(reader, day.messages);
+        } else if (index == 1) {
+            day.date = readDate(reader);
+        } else {
+            readList(reader, *fields.at(index - 2));
+        }
+    });
+    day.limitRange = std::move(lists.limitRange);
+    day.relatedUsers = std::move(lists.relatedUsers);
+    return day;
+}
+
+void putUnderItsDate(MessageDay& day) {
+    for (st_dbMessageBean& message : day.messages) {
+        message.year_ = static_cast<int>(day.date.year);
+        message.mon = static_cast<int>(day.date.month);
+        message.day_ = static_cast<int>(day.date.day);
+    }
+}
+
+void readDays(JsonReader& reader, MessageFileContent& content) {
+    content.hasDays = reader.atArray();
+    if (!content.hasDays) return reader.skip();
+    readObjects(reader, [&] {
+        content.days.push_back(readDay(reader));
+        putUnderItsDate(content.days.back());
+    });
+}
+
+void readVersion(JsonReader& reader, const std::string& expected, MessageFileContent& content) {
+    if (!reader.atString()) return reader.skip();
+    content.hasVersion = reader.readString() == expected;
+}
+
+}  // namespace
+
+MessageFileContent readMessageFileText(std::string& text, const std::string& expectedVersion) {
+    static constexpr std::array<std::string_view, 2> keys = {kVersionKey, kMessagesKey};
+    JsonReader reader(text);
+    MessageFileContent content;
+    content.isObject = reader.atObject();
+    if (!content.isObject) return {};
+    tools::readJsonObject(reader, keys, [&](std::size_t index) {
+        if (index == 0) {
+            readVersion(reader, expectedVersion, content);
+        } else {
+            readDays(reader, content);
+        }
+    });
+    if (!reader.ok()) return {};
+    return content;
+}
+
+}  // namespace transfer

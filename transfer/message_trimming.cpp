@@ -1,0 +1,49 @@
+#include "transfer/message_trimming.h"
+
+#include <cstring>
+
+#include "host/fixed_text.h"
+#include "transfer/message_table.h"
+
+namespace transfer {
+namespace {
+
+constexpr int kTrimAbove = 5000;
+constexpr int kKeptRows = 3000;
+
+bool isMessageTable(const std::string& name) {
+    return name.compare(0, std::strlen(kMessageTablePrefix), kMessageTablePrefix) == 0 && isPlainTableName(name);
+}
+
+int countMessages(imsdk::dbUtils& db, const std::string& table) {
+    imsdk::dbDataReader reader = db.excuteQuery(tools::FixedText<256>("select count(*) from %s", table.c_str()).text());
+    int count = 0;
+    if (reader.read() != 0) reader.getColumnValue(0, count);
+    return count;
+}
+
+}  // namespace
+
+bool isOverfull(int messageCount) {
+    return messageCount > kTrimAbove;
+}
+
+int trimMessages(imsdk::dbUtils& db, const std::string& table, int messageCount, TransferReport& report) {
+    if (!isPlainTableName(table)) return 0;
+    const tools::FixedText<256> trim(
+        "delete from %s where time_ in(select time_ from %s order by time_ ASC limit 0,%d)", table.c_str(),
+        table.c_str(), messageCount - kKeptRows);
+    const int trimmed = db.excuteNonQuery(trim.text());
+    if (trimmed != 0) report.messagesTrimmed += db.changedRows();
+    return trimmed;
+}
+
+void trimMessageTables(imsdk::dbUtils& db, const std::vector<std::string>& tables, TransferReport& report) {
+    for (const std::string& table : tables) {
+        if (!isMessageTable(table)) continue;
+        const int count = countMessages(db, table);
+        if (isOverfull(count)) trimMessages(db, table, count, report);
+    }
+}
+
+}  // namespace transfer
