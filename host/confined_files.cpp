@@ -81,11 +81,11 @@ Kind kindOf(const Place& place) {
     return S_ISREG(status.st_mode) ? Kind::regular : Kind::other;
 }
 
-FileOutcome copyBetween(const Place& source, const Place& target) {
+FileOutcome copyBetween(const Place& source, const Place& target, Flush flush) {
     const FileHandle from = detail::openRegularFile(source.folder.get(), source.name.c_str(), false);
     if (!from.valid()) return FileOutcome::failed;
     detail::NewFile to(target.folder.get(), target.name);
-    const bool copied = to.valid() && detail::copyBytes(from.get(), to.get()) && to.commit();
+    const bool copied = to.valid() && detail::copyBytes(from.get(), to.get()) && to.commit(flush);
     return copied ? FileOutcome::done : FileOutcome::failed;
 }
 
@@ -93,14 +93,14 @@ FileOutcome moveBetween(const Place& source, const Place& target) {
     if (renameat(source.folder.get(), source.name.c_str(), target.folder.get(), target.name.c_str()) == 0) {
         return FileOutcome::done;
     }
-    if (errno != EXDEV || copyBetween(source, target) != FileOutcome::done) return FileOutcome::failed;
+    if (errno != EXDEV || copyBetween(source, target, Flush::now) != FileOutcome::done) return FileOutcome::failed;
     return unlinkat(source.folder.get(), source.name.c_str(), 0) == 0 ? FileOutcome::done : FileOutcome::failed;
 }
 
-using Transfer = FileOutcome (*)(const Place& source, const Place& target);
-
-FileOutcome transferConfined(Transfer transfer, const std::string& fromFolder, const std::string& from,
-                             const std::string& toFolder, const std::string& to) {
+// transfer(source, target) with both names resolved.
+template <class Transfer>
+FileOutcome transferConfined(const std::string& fromFolder, const std::string& from, const std::string& toFolder,
+                             const std::string& to, Transfer transfer) {
     if (!isConfinedName(from) || !isConfinedName(to)) return FileOutcome::refused;
     const Place source = resolve(fromFolder, from, MissingFolders::stay);
     if (!source.valid()) return source.missing() ? FileOutcome::missing : FileOutcome::refused;
@@ -126,19 +126,26 @@ bool confinedFileExists(const std::string& folder, const std::string& name) {
     return kindOf(resolve(folder, name, MissingFolders::stay)) == Kind::regular;
 }
 
+bool confinedFolderExists(const std::string& folder, const std::string& name) {
+    const Place place = resolve(folder, name, MissingFolders::stay);
+    return place.valid() && openFolder(place.folder.get(), place.name.c_str(), false).valid();
+}
+
 bool confinedNameTaken(const std::string& folder, const std::string& name) {
     const Place place = resolve(folder, name, MissingFolders::stay);
     return place.valid() ? kindOf(place) != Kind::none : !place.missing();
 }
 
 FileOutcome copyConfined(const std::string& fromFolder, const std::string& from, const std::string& toFolder,
-                         const std::string& to) {
-    return transferConfined(copyBetween, fromFolder, from, toFolder, to);
+                         const std::string& to, Flush flush) {
+    return transferConfined(fromFolder, from, toFolder, to, [flush](const Place& source, const Place& target) {
+        return copyBetween(source, target, flush);
+    });
 }
 
 FileOutcome moveConfined(const std::string& fromFolder, const std::string& from, const std::string& toFolder,
                          const std::string& to) {
-    return transferConfined(moveBetween, fromFolder, from, toFolder, to);
+    return transferConfined(fromFolder, from, toFolder, to, moveBetween);
 }
 
 int createConfinedDir(const std::string& folder, const std::string& name) {

@@ -7,6 +7,8 @@
 
 #include <string>
 
+#include "host/flush.h"
+
 namespace tools {
 
 /// True when `name`, appended to a folder, cannot name anything outside it: it is not empty, has no ".." component, no
@@ -17,6 +19,9 @@ bool isConfinedName(const std::string& name);
 /// True when `folder` + `name` is a regular file that can be reached without following a symbolic link beneath
 /// `folder`.
 bool confinedFileExists(const std::string& folder, const std::string& name);
+
+/// True when `folder` + `name` is a directory that can be reached without following a symbolic link beneath `folder`.
+bool confinedFolderExists(const std::string& folder, const std::string& name);
 
 /// True when anything at all stands at `folder` + `name`, a symbolic link included, or when the name is not confined:
 /// in both cases nothing may be put there.
@@ -33,14 +38,14 @@ enum class FileOutcome {
 /// Copies the regular file `fromFolder` + `from` to `toFolder` + `to`, replacing an existing file, by the rules of
 /// copyFile(). Folders of `to` that are missing are not created.
 FileOutcome copyConfined(const std::string& fromFolder, const std::string& from, const std::string& toFolder,
-                         const std::string& to);
+                         const std::string& to, Flush flush = Flush::now);
 
 /// Moves it instead, by the rules of moveFile().
 FileOutcome moveConfined(const std::string& fromFolder, const std::string& from, const std::string& toFolder,
                          const std::string& to);
 
-/// Creates the folder `folder` + `name` with its missing parents, `folder` itself included; 0 when it is there afterwards, -1 when the name is
-/// not confined, crosses a symbolic link or cannot be created.
+/// Creates the folder `folder` + `name` with its missing parents, `folder` itself included; 0 when it is there
+/// afterwards, -1 when the name is not confined, crosses a symbolic link or cannot be created.
 int createConfinedDir(const std::string& folder, const std::string& name);
 
 }  // namespace tools

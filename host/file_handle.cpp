@@ -129,8 +129,8 @@ NewFile::~NewFile() {
     if (!temporaryName_.empty()) unlinkat(folder_, temporaryName_.c_str(), 0);
 }
 
-bool NewFile::commit() {
-    if (!handle_.valid() || fsync(handle_.get()) != 0 || !handle_.close()) return false;
+bool NewFile::commit(Flush flush) {
+    if (!handle_.valid() || (flush == Flush::now && fsync(handle_.get()) != 0) || !handle_.close()) return false;
     if (renameat(folder_, temporaryName_.c_str(), folder_, name_.c_str()) != 0) return false;
     temporaryName_.clear();
     return true;

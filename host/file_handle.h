@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "host/flush.h"
+
 namespace tools::detail {
 
 /// Owns a descriptor; negative means none.
@@ -52,7 +54,7 @@ public:
     int get() const { return handle_.get(); }
 
     /// True when the file stands whole under its final name.
-    bool commit();
+    bool commit(Flush flush = Flush::now);
 
 private:
     int folder_;

@@ -107,10 +107,11 @@ StatementHandle Connection::prepare(std::string_view sql) {
     const char* rest = nullptr;
     const int code = sqlite3_prepare_v2(handle_.get(), sql.data(), static_cast<int>(sql.size()), &first, &rest);
     StatementHandle statement(first);
-    if (code != SQLITE_OK || first == nullptr) {
-        noteFailure(code != SQLITE_OK ? code : SQLITE_ERROR);
+    if (code != SQLITE_OK) {
+        noteFailure(code);
         return nullptr;
     }
+    if (first == nullptr) return refuse("the text holds no statement");
     // What follows must be blank or comment. Anything else, valid or not, makes the text as a whole invalid: a table
     // name that carries a statement of its own must not run its first half.
     const std::string_view tail = sql.substr(static_cast<std::size_t>(rest - sql.data()));
@@ -120,8 +121,12 @@ StatementHandle Connection::prepare(std::string_view sql) {
         sqlite3_prepare_v2(handle_.get(), tail.data(), static_cast<int>(tail.size()), &second, nullptr);
     const StatementHandle another(second);
     if (tailCode == SQLITE_OK && second == nullptr) return statement;
+    return refuse("the text holds more than one statement");
+}
+
+StatementHandle Connection::refuse(const char* reason) {
     lastFailure_ = SQLITE_ERROR;
-    lastError_ = "the text holds more than one statement";
+    lastError_ = reason;
     return nullptr;
 }
 

@@ -65,6 +65,7 @@ public:
 private:
     Connection() = default;
     bool unlock(const char* key);
+    StatementHandle refuse(const char* reason);
     void configure();
     bool execute(const char* sql);
     bool readsSchema();

@@ -6,9 +6,9 @@
 
 namespace tools {
 
-bool writeWholeFile(const std::string& path, std::string_view bytes) {
+bool writeWholeFile(const std::string& path, std::string_view bytes, Flush flush) {
     detail::NewFile file(AT_FDCWD, path);
-    return file.valid() && detail::writeAll(file.get(), bytes.data(), bytes.size()) && file.commit();
+    return file.valid() && detail::writeAll(file.get(), bytes.data(), bytes.size()) && file.commit(flush);
 }
 
 bool readWholeFile(const std::string& path, std::string& bytes) {

@@ -37,15 +37,19 @@ bool isMessageTable(const std::string& name) {
     return name.compare(0, std::strlen(transfer::kMessageTablePrefix), transfer::kMessageTablePrefix) == 0;
 }
 
-// Calls take(message) for each message of `table` dated on or after `since`. False when the table could not be read
-// whole.
-template <class Take>
-bool selectMessages(imsdk::dbUtils& db, const std::string& table, const FirstDay& since, Take take) {
-    if (!transfer::isPlainTableName(table)) return false;
-    const tools::FixedText<256> query(
+using SelectStatement = tools::FixedText<256>;
+
+// The messages of `table` dated on or after `since`.
+SelectStatement selectStatement(const std::string& table, const FirstDay& since) {
+    return SelectStatement(
         "select * from %s where (year_ > %d) or (year_ = %d and mon > %d) or (year_ = %d and mon = %d and day_ >= %d)",
         table.c_str(), since.year, since.year, since.mon, since.year, since.mon, since.day);
-    imsdk::dbDataReader reader = db.excuteQuery(query.text());
+}
+
+// Calls take(message) for each row. False when they could not all be read.
+template <class Take>
+bool selectMessages(imsdk::dbUtils& db, const SelectStatement& statement, Take take) {
+    imsdk::dbDataReader reader = db.excuteQuery(statement.text());
     st_dbMessageBean message;
     while (reader.read() != 0) {
         transfer::readMessageRow(reader, message);
@@ -60,7 +64,12 @@ template <class Take>
 void selectFromAllTables(dbTrans& transfer, const FirstDay& since, Take take) {
     for (const std::string& table : transfer.tableNames) {
         if (!isMessageTable(table)) continue;
-        const bool whole = selectMessages(transfer.mainDb, table, since, [&](st_dbMessageBean& message) {
+        const SelectStatement statement = selectStatement(table, since);
+        if (!transfer::isPlainTableName(table) || !statement.fits()) {
+            transfer.report.skip(table, "the table's name cannot stand in a statement");
+            continue;
+        }
+        const bool whole = selectMessages(transfer.mainDb, statement, [&](st_dbMessageBean& message) {
             ++transfer.report.messagesSelected;
             if (transfer::carriesAttachments(message.msgType)) transfer.parseUrl(message.body, message.msgType);
             take(message);
@@ -115,7 +124,7 @@ tools::FileOutcome exportAttachment(const dbTrans& transfer, const char* kindFol
     if (!tools::confinedFileExists(sourceFolder, name)) return tools::FileOutcome::missing;
     // For a path without "/" this makes a folder of the attachment's own name, onto which the copy then fails.
     tools::createConfinedDir(transfer.imFileDir, transfer::folderOf(path));
-    return tools::copyConfined(sourceFolder, name, transfer.imFileDir, path);
+    return tools::copyConfined(sourceFolder, name, transfer.imFileDir, path, tools::Flush::later);
 }
 
 }  // namespace
@@ -282,6 +291,8 @@ int dbTrans::exportFile() {
             ++position;
         }
     }
+    // Message files and attachments become durable together: a flush for each would cost more than the export.
+    tools::flushFileSystem(imFileDir);
     transfer::notifyShare(*this, 2, attachmentTotal, attachmentTotal);
     return 1;
 }

@@ -33,7 +33,7 @@ public:
     void finish() {
         const tools::FixedText<50> name(kMessageFileName, number_++);
         const std::string path = transfer_.msgFileDir + name.text();
-        if (tools::writeWholeFile(path, file_.finish())) {
+        if (tools::writeWholeFile(path, file_.finish(), tools::Flush::later)) {
             ++transfer_.report.messageFilesWritten;
             transfer_.report.messagesWritten += messages_;
         } else {

@@ -19,6 +19,7 @@
 #include "transfer/package_format.h"
 #include "transfer/progress_report.h"
 #include "transfer/recent_contact_table.h"
+#include "transfer/tree_transaction.h"
 
 using imsdk::st_dbMessageBean;
 using imsdk::st_dbReContactBean;
@@ -47,6 +48,13 @@ void takeDay(dbTrans& transfer, transfer::MessageDay& day) {
     transfer.report.messagesRead += static_cast<long long>(day.messages.size());
 }
 
+// Whether the user's folder of that kind is there, and is one: a package whose folder is a symbolic link would make the
+// import read files from wherever the link leads.
+bool isFolderOfPackage(const dbTrans& transfer, const char* kind) {
+    const std::string name = std::string(transfer::kPackageRoot) + kind + transfer.packageSubDir;
+    return tools::confinedFolderExists(transfer.backupPath + "/", name);
+}
+
 enum class FileResult { read, skipped, wrongVersion };
 
 FileResult skipFile(dbTrans& transfer, const std::string& path, const char* reason) {
@@ -59,7 +67,10 @@ FileResult readMessageFile(dbTrans& transfer, const std::string& path) {
     if (!tools::readWholeFile(path, text)) return skipFile(transfer, path, "the message file cannot be read");
     transfer::MessageFileContent file = transfer::readMessageFileText(text, transfer.packageVersion);
     if (!file.isObject) return skipFile(transfer, path, "the message file is not a JSON object");
-    if (!file.hasVersion) return FileResult::wrongVersion;
+    if (!file.hasVersion) {
+        transfer.report.skip(path, "the message file has another version than " + transfer.packageVersion);
+        return FileResult::wrongVersion;
+    }
     if (!file.hasDays) return skipFile(transfer, path, "the message file has no list of days");
     for (transfer::MessageDay& day : file.days)
         takeDay(transfer, day);
@@ -101,31 +112,32 @@ void restoreImage(dbTrans& transfer, const std::string& packagePath) {
 
 // --- Writing ---
 
-// Writes one conversation in one transaction, its table included. False when that is not durable.
-template <class BeforeCommit>
-bool writeConversation(dbTrans& transfer, imsdk::dbUtils& db, transfer::TableIndex& index, long long targetID,
-                       const std::vector<st_dbMessageBean>& messages, BeforeCommit beforeCommit) {
-    {
-        const DbTranHelper transaction(&db);
-        const std::string table = transfer::openMessageTable(transfer, db, index, targetID);
-        if (table.empty()) return false;
-        imsdk::dbCommand insert(&db, transfer::insertMessageStatement(table).c_str());
-        for (const st_dbMessageBean& message : messages)
-            transfer::insertMessage(transfer.report, db, insert, message);
-        beforeCommit();
-    }
-    if (!db.transactionFailed()) return true;
-    transfer.report.skip("conversation " + std::to_string(targetID), "its transaction failed: " + db.lastError());
-    return false;
+// Writes one conversation, its table included.
+transfer::ErrorCode writeConversation(dbTrans& transfer, imsdk::dbUtils& db, transfer::TableIndex& index,
+                                      long long targetID, const std::vector<st_dbMessageBean>& messages) {
+    const std::string table = transfer::openMessageTable(transfer, db, index, targetID);
+    if (table.empty()) return transfer::kDatabaseFailed;
+    imsdk::dbCommand insert(&db, transfer::insertMessageStatement(table).c_str());
+    for (const st_dbMessageBean& message : messages)
+        transfer::insertMessage(transfer.report, db, insert, message);
+    return transfer::kSuccess;
 }
 
+// Writes all conversations, one transaction each.
 template <class BeforeCommit>
-bool writeConversations(dbTrans& transfer, imsdk::dbUtils& db, BeforeCommit beforeCommit) {
+transfer::ErrorCode writeConversations(dbTrans& transfer, imsdk::dbUtils& db, BeforeCommit beforeCommit) {
     transfer::TableIndex index(transfer.tableNames);
-    for (const auto& [targetID, messages] : transfer.msgMap) {
-        if (!writeConversation(transfer, db, index, targetID, messages, beforeCommit)) return false;
+    for (const auto& conversation : transfer.msgMap) {
+        const long long targetID = conversation.first;
+        const std::string what = "conversation " + std::to_string(targetID);
+        const transfer::ErrorCode result = transfer::inOneTransaction(transfer, db, what, [&] {
+            const transfer::ErrorCode written = writeConversation(transfer, db, index, targetID, conversation.second);
+            if (written == transfer::kSuccess) beforeCommit();
+            return written;
+        });
+        if (result != transfer::kSuccess) return result;
     }
-    return true;
+    return transfer::kSuccess;
 }
 
 // --- Recent contacts ---
@@ -200,7 +212,10 @@ unsigned int dbTrans::rdMsgFromFile() {
     if (!tools::fileExist(root.c_str())) return transfer::kMissing;
     msgFileDir = root + transfer::kMessagesFolder + packageSubDir + "/";
     imFileDir = root + transfer::kAttachmentsFolder + packageSubDir + "/";
-    if (!tools::fileExist(msgFileDir.c_str()) || !tools::fileExist(imFileDir.c_str())) return transfer::kMissing;
+    if (!isFolderOfPackage(*this, transfer::kMessagesFolder) ||
+        !isFolderOfPackage(*this, transfer::kAttachmentsFolder)) {
+        return transfer::kMissing;
+    }
     dataClear();
     transfer::ProgressThrottle throttle;
     const int fileCount = countMessageFiles(msgFileDir);
@@ -260,11 +275,11 @@ unsigned int dbTrans::wtMsgToDB() {
     const auto conversations = static_cast<long long>(msgMap.size());
     getTables();
     long long done = 0;
-    const bool written = writeConversations(*this, mainDb, [&] {
+    const transfer::ErrorCode written = writeConversations(*this, mainDb, [&] {
         ++done;
         if (throttle.due(done == conversations)) transfer::notifyShare(*this, 1, done, conversations);
     });
-    if (!written) return transfer::kDatabaseFailed;
+    if (written != transfer::kSuccess) return written;
     checkMsgCount();
     wtRecontactToDb();
     return transfer::kSuccess;
@@ -273,7 +288,7 @@ unsigned int dbTrans::wtMsgToDB() {
 unsigned int dbTrans::wtMsgToBackDB() {
     if (backdbOpen() == 0) return transfer::kDatabaseFailed;
     getTables2(backDb);
-    return writeConversations(*this, backDb, [] {}) ? transfer::kSuccess : transfer::kDatabaseFailed;
+    return writeConversations(*this, backDb, [] {});
 }
 
 int dbTrans::checkMsgCount() {
@@ -290,14 +305,11 @@ unsigned int dbTrans::wtRecontactToDb() {
         }
         tableNames.emplace_back(transfer::kRecentContactTable);
     }
-    {
-        const DbTranHelper transaction(&mainDb);
+    return transfer::inOneTransaction(*this, mainDb, transfer::kRecentContactTable, [this] {
         for (st_dbReContactBean& contact : reContacts)
             isRecontactExsit(contact);
-    }
-    if (!mainDb.transactionFailed()) return transfer::kSuccess;
-    report.skip(transfer::kRecentContactTable, "its transaction failed: " + mainDb.lastError());
-    return transfer::kDatabaseFailed;
+        return transfer::kSuccess;
+    });
 }
 
 int dbTrans::isRecontactExsit(st_dbReContactBean& record) {

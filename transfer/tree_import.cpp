@@ -123,7 +123,7 @@ int dbTrans::readMsgFromFileNJBack(bool removeDecrypted) {
     const bool durable = !backDb.transactionFailed();
     if (removeDecrypted && durable) {
         for (const std::string& path : stored)
-            std::remove(path.c_str());
+            static_cast<void>(std::remove(path.c_str()));
     }
     return asInt(result);
 }

@@ -17,7 +17,7 @@ st_roomTrans readRoom(const JSON_Object* object) {
     getField(object, "name", room.roomName);
     signed char top = 0;
     getField(object, "top", top);
-    room.top = top;
+    room.top = int{top};
     const JSON_Array* members = json_object_get_array(object, kRoomMembersKey);
     std::vector<long long> ids;
     for (size_t i = json_array_get_count(members); i-- > 0;)

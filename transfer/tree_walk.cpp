@@ -22,6 +22,12 @@ struct CloseFolder {
 };
 using FolderHandle = std::unique_ptr<DIR, CloseFolder>;
 
+std::string join(const std::string& folder, const std::string& name) {
+    std::string path = folder;
+    path += '/';
+    return path += name;
+}
+
 bool isDotEntry(const std::string& name) {
     return name == "." || name == "..";
 }
@@ -54,7 +60,7 @@ public:
                 levels_.pop_back();
             } else {
                 const std::string name = std::move(level.names[level.next++]);
-                visit(level.folder + "/" + name, name);
+                visit(join(level.folder, name), name);
             }
         }
     }
@@ -95,7 +101,7 @@ private:
             report_.skip(source, std::string("cannot be decrypted: ") + error.data());
             return;
         }
-        std::remove(source.c_str());
+        static_cast<void>(std::remove(source.c_str()));
         paths_.push_back(target);
     }
 
@@ -128,7 +134,7 @@ void listSubfolders(const std::string& folder, std::vector<std::string>& paths) 
     if (!handle) return;
     while (const dirent* entry = readdir(handle.get())) {
         const std::string name = entry->d_name;
-        if (entry->d_type == DT_DIR && !isDotEntry(name)) paths.push_back(folder + "/" + name);
+        if (entry->d_type == DT_DIR && !isDotEntry(name)) paths.push_back(join(folder, name));
     }
 }
 

@@ -2,7 +2,7 @@
 
 #include <unistd.h>
 
-#include <filesystem>
+#include <algorithm>
 #include <sstream>
 #include <stdexcept>
 
@@ -92,7 +92,8 @@ OrdinaryUser::OrdinaryUser() : wasRoot_(geteuid() == 0) {
 }
 
 OrdinaryUser::~OrdinaryUser() {
-    if (wasRoot_) EXPECT_EQ(0, seteuid(0));
+    if (!wasRoot_) return;
+    EXPECT_EQ(0, seteuid(0));
 }
 
 ImportFixture::ImportFixture() {
@@ -104,7 +105,8 @@ ImportFixture::ImportFixture() {
     transfer_.progressContext = 7;
     dir_.makeDir(messagesFolder_);
     transfer_.imFileDir = dir_.makeDir(attachmentsFolder_);
-    for (const char* folder : {"account/audio", "account/file", "account/image"}) dir_.makeDir(folder);
+    for (const char* folder : {"account/audio", "account/file", "account/image"})
+        dir_.makeDir(folder);
     runSql(mainPath(), {});
     runSql(backPath(), {});
 }
@@ -131,7 +133,8 @@ std::string ImportFixture::idsIn(const std::string& table) const {
 }
 
 void ImportFixture::collect(long long conversation, const std::vector<long long>& ids) {
-    for (const long long id : ids) transfer_.msgMap[conversation].push_back(messageOf(conversation, id));
+    for (const long long id : ids)
+        transfer_.msgMap[conversation].push_back(messageOf(conversation, id));
 }
 
 imsdk::st_dbMessageBean ImportFixture::readOnly(const std::string& file) {
@@ -151,10 +154,10 @@ std::string ImportFixture::collectedIds(long long conversation) {
 }
 
 bool ImportFixture::reported(const std::string& what) const {
-    for (const TransferReport::Skipped& skipped : transfer_.report.skipped) {
-        if (skipped.what.find(what) != std::string::npos) return true;
-    }
-    return false;
+    const std::vector<TransferReport::Skipped>& skipped = transfer_.report.skipped;
+    return std::any_of(skipped.begin(), skipped.end(), [&what](const TransferReport::Skipped& one) {
+        return one.what.find(what) != std::string::npos;
+    });
 }
 
 }  // namespace test

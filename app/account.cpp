@@ -1,0 +1,109 @@
+#include "app/account.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+
+#include "app/failure.h"
+#include "app/paths.h"
+#include "host/file_handle.h"
+#include "host/tools.h"
+#include "transfer/attachment_body.h"
+
+namespace app {
+namespace {
+
+constexpr mode_t kOwnerOnly = 0600;
+
+void makeFolder(const std::string& path) {
+    if (tools::createDir(path.c_str()) == 0) return;
+    throw Failure({0, "A folder of the account cannot be made", path, systemWords(errno),
+                   "choose a place that you may write to"});
+}
+
+// Writing the schema version that every new database has gives an empty file its header, and with a key its encryption:
+// from then on a wrong key is noticed.
+constexpr const char* kFirstWrite = "PRAGMA user_version = 0";
+
+void makeDatabase(const std::string& path, const std::string& key) {
+    const tools::detail::FileHandle file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnly));
+    if (!file.valid()) throw Failure({0, "A database file cannot be made", path, systemWords(errno), ""});
+    imsdk::dbUtils db;
+    const bool made =
+        db.open(path.c_str(), key.empty() ? nullptr : key.c_str()) != 0 && db.excuteNonQuery(kFirstWrite) != 0;
+    if (!made) throw Failure({transfer::kDatabaseFailed, "A database cannot be made", path, db.lastError(), ""});
+}
+
+FailureWords wordsForClosed(const std::string& path, const std::string& error, bool withKey) {
+    FailureWords words{transfer::kDatabaseFailed, "The database does not open", path, error, ""};
+    switch (lookAt(path)) {
+        case FileLook::missing:
+            words.reason = "there is no such file";
+            words.remedy = "give with --account the folder that holds db/imsg.db and db/backimsg.db";
+            break;
+        case FileLook::unreadable:
+            words.remedy = "check that it is a file that you may read";
+            break;
+        case FileLook::plain:
+            if (withKey) words.reason = "it is not encrypted, but a key was given";
+            words.remedy = withKey ? "leave out --key-file and --ask-key, and unset CHAT_TRANSFER_KEY"
+                                   : "when the client is running, close it; otherwise the file may be damaged";
+            break;
+        case FileLook::encrypted:
+            words.reason = withKey ? "the key does not fit, or the file is damaged or no database"
+                                   : "it is encrypted, or no database, and no key was given";
+            words.remedy = withKey ? "check the key; when the client is running, close it"
+                                   : "give the key with --key-file FILE, in CHAT_TRANSFER_KEY or with --ask-key";
+            break;
+        case FileLook::empty:
+            break;
+    }
+    return words;
+}
+
+}  // namespace
+
+Account::Account(const std::string& folder) : root_(resolvedPath(folder).string()) {}
+
+std::string Account::database(Database which) const {
+    return root_ + (which == Database::main ? "/db/imsg.db" : "/db/backimsg.db");
+}
+
+FileLook lookAt(const std::string& databasePath) {
+    if (!tools::fileExist(databasePath.c_str())) return FileLook::missing;
+    const tools::detail::FileHandle file = tools::detail::openRegularFile(AT_FDCWD, databasePath.c_str(), true);
+    if (!file.valid()) return FileLook::unreadable;
+    constexpr std::array<char, 16> kPlainHeader = {'S', 'Q', 'L', 'i', 't', 'e', ' ', 'f',
+                                                   'o', 'r', 'm', 'a', 't', ' ', '3', '\0'};
+    std::array<char, 16> header{};
+    const ssize_t size = read(file.get(), header.data(), header.size());
+    if (size <= 0) return size == 0 ? FileLook::empty : FileLook::unreadable;
+    return header == kPlainHeader ? FileLook::plain : FileLook::encrypted;
+}
+
+std::vector<std::string> makeMissingParts(const Account& account, const std::string& key) {
+    for (const char* folder : {"/db/plugin", transfer::kAudioFolder, transfer::kImageFolder, transfer::kFileFolder}) {
+        makeFolder(account.root() + folder);
+    }
+    std::vector<std::string> made;
+    for (const std::string& path :
+         {account.database(Database::main), account.database(Database::back), account.pluginDatabase()}) {
+        if (tools::fileExist(path.c_str())) continue;
+        makeDatabase(path, key);
+        made.push_back(path);
+    }
+    return made;
+}
+
+void openDatabase(dbTrans& transfer, const Account& account, Database which) {
+    transfer.rootPath = account.root();
+    const bool main = which == Database::main;
+    if ((main ? transfer.dbOpen() : transfer.backdbOpen()) != 0) return;
+    const imsdk::dbUtils& db = main ? transfer.mainDb : transfer.backDb;
+    throw Failure(wordsForClosed(account.database(which), db.lastError(), !transfer.dbKey.empty()));
+}
+
+}  // namespace app

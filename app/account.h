@@ -1,0 +1,38 @@
+// An account on disk: its databases and its attachment folders.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "transfer/dbTrans.h"
+
+namespace app {
+
+/// The databases that hold messages.
+enum class Database { main, back };
+
+/// The places of one account. Paths are absolute: commands change their working directory.
+class Account {
+public:
+    explicit Account(const std::string& folder);
+
+    const std::string& root() const { return root_; }
+    std::string database(Database which) const;
+    std::string pluginDatabase() const { return root_ + "/db/plugin/kab.db"; }
+
+private:
+    std::string root_;
+};
+
+/// What a database file is before anybody opens it with a key.
+enum class FileLook { missing, unreadable, empty, plain, encrypted };
+FileLook lookAt(const std::string& databasePath);
+
+/// Makes what the account lacks: its folders, for their owner only, and its databases, encrypted when there is a key.
+/// What is there stays as it is. Returns the paths of the databases made. Throws Failure.
+std::vector<std::string> makeMissingParts(const Account& account, const std::string& key);
+
+/// Opens the database in `transfer`, whose rootPath and dbKey are set. Throws a Failure that says why it does not open.
+void openDatabase(dbTrans& transfer, const Account& account, Database which);
+
+}  // namespace app

@@ -1,0 +1,48 @@
+// What the subcommands have in common: how they are wired, and the options that several of them take.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <string>
+
+#include "app/key_source.h"
+
+namespace app {
+
+// Exit codes of the program.
+inline constexpr int kDone = 0;
+inline constexpr int kFailed = 1;
+inline constexpr int kWrongUsage = 2;
+
+/// What the chosen subcommand does; set while the command line is parsed, run afterwards. Returns an exit code, or
+/// throws Failure.
+using Job = std::function<int()>;
+
+/// Gives the subcommand its options and its job. `run` gets the filled options.
+template <class Options>
+void setJob(CLI::App& command, Job& job, std::shared_ptr<Options> options, int (*run)(const Options&)) {
+    command.callback([&job, run, options = std::move(options)] { job = [run, options] { return run(*options); }; });
+}
+
+/// A required option that names a folder, such as "--to".
+void addFolderOption(CLI::App& command, const std::string& name, std::string& folder, const std::string& help);
+
+void addAccountOption(CLI::App& command, std::string& account);
+void addPackageOption(CLI::App& command, std::string& from);
+void addUserOption(CLI::App& command, std::string& user);
+void addPackageVersionOption(CLI::App& command, std::string& version);
+
+/// --key-file and --ask-key. An attempt to give the key itself as an argument is refused without repeating it.
+void addKeyOptions(CLI::App& command, KeyOptions& key);
+
+/// A day as --since takes it. The default is before every message, those of the year 0 included.
+struct SinceDay {
+    std::string text;
+
+    int year() const;
+    int month() const;
+    int day() const;
+};
+void addSinceOption(CLI::App& command, SinceDay& since, const std::string& help);
+
+}  // namespace app

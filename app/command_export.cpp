@@ -1,0 +1,173 @@
+#include "app/command_export.h"
+
+#include <algorithm>
+#include <iostream>
+#include <memory>
+#include <set>
+#include <tuple>
+
+#include "app/account.h"
+#include "app/export_check.h"
+#include "app/failure.h"
+#include "app/host_transfer.h"
+#include "app/left_out.h"
+#include "app/paths.h"
+#include "app/printable.h"
+#include "app/progress_bar.h"
+#include "app/staging_folder.h"
+#include "app/text_table.h"
+#include "app/units.h"
+
+namespace app {
+namespace {
+
+struct ExportOptions {
+    std::string account;
+    std::string user;
+    std::string to;
+    SinceDay since;
+    std::string layout = "days";
+    std::string packageVersion;
+    KeyOptions key;
+};
+
+Layout layoutOf(const ExportOptions& options) {
+    return options.layout == "packed" ? Layout::packed : Layout::days;
+}
+
+void select(dbTrans& transfer, const ExportOptions& options, const Account& account) {
+    const SinceDay& since = options.since;
+    const unsigned int code = layoutOf(options) == Layout::days
+                                  ? transfer.rdMsgFromDB(since.year(), since.month(), since.day())
+                                  : transfer.rdMsgFromDB2(since.year(), since.month(), since.day());
+    if (code == transfer::kSuccess) return;
+    FailureWords words{code, "The messages cannot be read", account.database(Database::main), "", ""};
+    if (code == transfer::kNoTables) {
+        words.reason = "there is no table of recent contacts (im_reContact), or no table at all";
+        words.remedy = "check --account; --layout packed exports messages without recent contacts";
+    }
+    throw Failure(words);
+}
+
+void write(dbTrans& transfer, Layout layout, const std::string& package) {
+    const unsigned int code = layout == Layout::days ? transfer.wtMsgToFile() : transfer.wtMsgToFile2();
+    if (code != transfer::kSuccess) throw Failure({code, "The package could not be written", package, "", ""});
+    if (holdsAll(transfer, layout)) return;
+    throw Failure({0, "The package could not be written whole, and none was left", package,
+                   firstReasonBesideAttachments(transfer.report),
+                   "check that the disk is not full, then run the export again"});
+}
+
+struct Extent {
+    std::set<long long> conversations;
+    std::set<std::tuple<int, int, int>> days;
+};
+
+Extent extentOf(const dbTrans& transfer) {
+    Extent extent;
+    for (const auto& [key, messages] : transfer.dayMsgMap) {
+        for (const imsdk::st_dbMessageBean& message : messages) {
+            extent.conversations.insert(message.targetID);
+            extent.days.emplace(message.year_, message.mon, message.day_);
+        }
+    }
+    return extent;
+}
+
+void printSummary(const dbTrans& transfer, Layout layout, const std::string& package, const Stopwatch& watch) {
+    const TransferReport& report = transfer.report;
+    const Extent extent = extentOf(transfer);
+    std::cout << "Exported to " << printable(package) << '\n';
+    Summary summary;
+    summary.add("Messages", report.messagesWritten);
+    if (layout == Layout::packed) summary.add("Messages left out", report.messagesSelected - report.messagesWritten);
+    summary.add("Conversations", static_cast<long long>(extent.conversations.size()));
+    summary.add("Days", static_cast<long long>(extent.days.size()));
+    summary.add("Message files", report.messageFilesWritten);
+    if (layout == Layout::days) summary.add("Recent contacts", report.contactsWritten);
+    summary.add("Attachments copied", report.attachmentsDone);
+    summary.add("Attachments missing", report.attachmentsMissing);
+    summary.add("Attachments refused", report.attachmentsRefused);
+    summary.addIfAny("Attachments failed", report.attachmentsFailed);
+    summary.add("Size", humanSize(sizeOfFolder(package)));
+    summary.add("Time", humanDuration(watch.seconds()));
+    summary.print(std::cout);
+}
+
+void warnOfLoss(const dbTrans& transfer, Layout layout, long long undated) {
+    if (undated > 0) warn(counted(undated, "message has", "messages have") + " no date, and no export takes them");
+    const long long leftOut = transfer.report.messagesSelected - transfer.report.messagesWritten;
+    if (layout == Layout::packed && leftOut > 0) {
+        warn("the packed layout left out " + counted(leftOut, "message", "messages") +
+             " of the last day in key order; --layout days leaves out none");
+    }
+    printLeftOut(transfer.report, std::cerr);
+}
+
+int runExport(const ExportOptions& options) {
+    const Stopwatch watch;
+    const Account account(options.account);
+    const Layout layout = layoutOf(options);
+    const SecretText key = findKey(options.key, account);
+    HostTransfer transfer;
+    transfer.dbKey = key.text();
+    openDatabase(transfer, account, Database::main);
+    if (layout == Layout::days) openDatabase(transfer, account, Database::back);
+    StagingFolder staging(options.to);
+    staging.enter();
+
+    ProgressBar progress;
+    transfer.progressListener = &progress;
+    transfer.backupPath = ".";
+    transfer.packageSubDir = options.user;
+    transfer.packageVersion = options.packageVersion;
+    progress.begin("Reading the messages", {});
+    select(transfer, options, account);
+    requireWholeSelection(transfer.report, account.database(Database::main));
+    const long long undated = countUndated(transfer);
+    progress.begin("Writing the package", {{1, "Writing message files"}, {2, "Copying attachments"}});
+    write(transfer, layout, staging.package());
+    progress.begin("Flushing to the disk", {});
+    staging.publish();
+    progress.finish();
+
+    printSummary(transfer, layout, staging.package(), watch);
+    warnOfLoss(transfer, layout, undated);
+    return unexpectedlyFailedAttachments(transfer) == 0 ? kDone : kFailed;
+}
+
+constexpr const char* kFooter =
+    R"(The package appears as DIR/qelmsg_0 when it is complete; an interrupted export leaves none.
+
+The two layouts:
+  days    One message file per 250 messages of a day, and the recent contacts. Leaves out nothing.
+  packed  Fewer files, with up to 1000 messages each, and NO recent contacts. It leaves out messages: days are
+          taken in the order of their names (2024_10_1 comes before 2024_9_30), and where a file becomes full
+          inside the last of them, the rest of that day is not written. How many were left out is printed.
+
+Examples:
+  chat-transfer export --account ~/chat --user 1000000000000001 --to ~/backup --key-file ~/.chat-key
+  chat-transfer export --account ~/chat --user 1000000000000001 --to ~/backup --since 2024-01-01)";
+
+}  // namespace
+
+void addExportCommand(CLI::App& program, Job& job) {
+    auto options = std::make_shared<ExportOptions>();
+    CLI::App* command = program.add_subcommand("export", "Write an account's history into a backup package");
+    addAccountOption(*command, options->account);
+    addUserOption(*command, options->user);
+    addFolderOption(*command, "--to", options->to, "Folder that gets the package qelmsg_0; made when missing");
+    addSinceOption(*command, options->since, "Only messages of this day and later; without it, all messages");
+    command
+        ->add_option("--layout", options->layout,
+                     "How messages are put into files; \"packed\" leaves out some, see below")
+        ->type_name("days|packed")
+        ->check(CLI::IsMember({"days", "packed"}).description(""))
+        ->capture_default_str();
+    addPackageVersionOption(*command, options->packageVersion);
+    addKeyOptions(*command, options->key);
+    command->footer(kFooter);
+    setJob(*command, job, std::move(options), runExport);
+}
+
+}  // namespace app

@@ -1,0 +1,174 @@
+#include "app/command_import.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <iostream>
+#include <memory>
+
+#include "app/account.h"
+#include "app/failure.h"
+#include "app/host_transfer.h"
+#include "app/left_out.h"
+#include "app/package_files.h"
+#include "app/package_place.h"
+#include "app/printable.h"
+#include "app/progress_bar.h"
+#include "app/text_table.h"
+#include "app/units.h"
+
+namespace app {
+namespace {
+
+struct ImportOptions {
+    std::string from;
+    std::string account;
+    std::string user;
+    std::string into = "main";
+    std::string packageVersion;
+    KeyOptions key;
+};
+
+Database databaseOf(const ImportOptions& options) {
+    return options.into == "back" ? Database::back : Database::main;
+}
+
+void makeAccountReady(const Account& account, const std::string& key) {
+    for (const std::string& path : makeMissingParts(account, key)) {
+        std::cout << "Made a new "
+                  << (key.empty() ? "database (not encrypted: no key was given): " : "encrypted database: ")
+                  << printable(path) << '\n';
+    }
+}
+
+// Paths of the transfer stay short this way, however long the package's path is.
+void enter(const std::string& folder) {
+    if (chdir(folder.c_str()) == 0) return;
+    throw Failure({0, "The package's folder cannot be entered", folder, systemWords(errno), "check its permissions"});
+}
+
+void read(dbTrans& transfer, const PackagePlace& place) {
+    const unsigned int code = transfer.rdMsgFromFile();
+    if (code == transfer::kSuccess) return;
+    throw Failure({code, "The package cannot be read; nothing was written to the database", place.messages, "",
+                   "look at it with: chat-transfer inspect"});
+}
+
+void write(dbTrans& transfer, Database into, const Account& account) {
+    const unsigned int code = into == Database::main ? transfer.wtMsgToDB() : transfer.wtMsgToBackDB();
+    const imsdk::dbUtils& db = into == Database::main ? transfer.mainDb : transfer.backDb;
+    if (code == transfer::kSuccess && !db.transactionFailed()) return;
+    throw Failure({code != 0 ? code : transfer::kDatabaseFailed,
+                   "The messages could not all be written; conversations written before stay", account.database(into),
+                   db.lastError(),
+                   "close the client, check that the disk is not full, and import again: nothing doubles"});
+}
+
+long long refusedContacts(const dbTrans& transfer) {
+    const TransferReport& report = transfer.report;
+    const long long handled = report.contactsInserted + report.contactsPinned + report.contactsKept;
+    return static_cast<long long>(transfer.reContacts.size()) - handled;
+}
+
+void printSummary(const dbTrans& transfer, const ImportOptions& options, const Account& account,
+                  const Stopwatch& watch) {
+    const TransferReport& report = transfer.report;
+    std::cout << "Imported into " << printable(account.database(databaseOf(options))) << '\n';
+    Summary summary;
+    summary.add("Messages read", report.messagesRead);
+    summary.add("Messages inserted", report.messagesInserted);
+    summary.add("Messages there already", report.messagesDuplicate);
+    summary.add("Messages refused", report.messagesRefused);
+    summary.add("Conversations", static_cast<long long>(transfer.msgMap.size()));
+    summary.add("Conversations new", report.tablesCreated);
+    if (databaseOf(options) == Database::main) {
+        summary.add("Recent contacts read", static_cast<long long>(transfer.reContacts.size()));
+        summary.add("Recent contacts inserted", report.contactsInserted);
+        summary.addIfAny("Recent contacts refused", refusedContacts(transfer));
+    }
+    summary.add("Attachments restored", report.attachmentsDone);
+    summary.add("Attachments there already", report.attachmentsPresent);
+    summary.add("Attachments missing", report.attachmentsMissing);
+    summary.add("Attachments refused", report.attachmentsRefused);
+    summary.addIfAny("Attachments failed", report.attachmentsFailed);
+    summary.add("Time", humanDuration(watch.seconds()));
+    summary.print(std::cout);
+}
+
+// Says what of the package did not arrive though it should have. True when there is nothing to say.
+bool arrivedWhole(const dbTrans& transfer, const ImportOptions& options, const PackagePlace& place) {
+    const TransferReport& report = transfer.report;
+    bool whole = true;
+    const auto complain = [&whole](long long count, const std::string& words) {
+        if (count == 0) return;
+        warn(grouped(count) + " " + words);
+        whole = false;
+    };
+    complain(countUnreadableFiles(place, report, transfer.msgFileDir),
+             "of the package's files could not be read, see below");
+    complain(countFilesBehindGap(place), "message files stand behind a gap in the numbering and are never read");
+    complain(report.messagesRefused, "messages were refused by the database, see below");
+    complain(report.attachmentsFailed, "attachments could not be copied, see below");
+    if (databaseOf(options) == Database::main) {
+        complain(refusedContacts(transfer), "recent contacts were refused by the database");
+    }
+    printLeftOut(report, std::cerr);
+    return whole;
+}
+
+int runImport(const ImportOptions& options) {
+    const Stopwatch watch;
+    const PackagePlace place = findPackage(options.from, options.user);
+    requireVersion(place, options.packageVersion);
+    const Account account(options.account);
+    const SecretText key = findKey(options.key, account);
+    HostTransfer transfer;
+    transfer.dbKey = key.text();
+    makeAccountReady(account, key.text());
+    // Opened before the package is read, which restores attachments: a wrong key must not leave them behind.
+    openDatabase(transfer, account, databaseOf(options));
+    enter(place.parent);
+
+    ProgressBar progress;
+    transfer.progressListener = &progress;
+    transfer.backupPath = ".";
+    transfer.packageSubDir = options.user;
+    transfer.packageVersion = options.packageVersion;
+    progress.begin("Reading the package", {{2, "Reading message files"}});
+    read(transfer, place);
+    progress.begin("Writing the messages", {{1, "Writing conversations"}});
+    write(transfer, databaseOf(options), account);
+    progress.finish();
+
+    printSummary(transfer, options, account, watch);
+    return arrivedWhole(transfer, options, place) ? kDone : kFailed;
+}
+
+constexpr const char* kFooter =
+    R"(Importing a package again adds nothing twice: a message that its conversation holds already stays as it is, and so do
+image and file attachments. (Voice files are always copied again, over what is there.)
+What of the account is missing is made: folders, and databases that are encrypted when a key is given.
+
+Examples:
+  chat-transfer import --from ~/backup --account ~/chat2 --user 1000000000000001 --key-file ~/.chat-key
+  chat-transfer import --from ~/backup/qelmsg_0 --account ~/chat --user 1000000000000001 --into back)";
+
+}  // namespace
+
+void addImportCommand(CLI::App& program, Job& job) {
+    auto options = std::make_shared<ImportOptions>();
+    CLI::App* command = program.add_subcommand("import", "Bring a backup package into an account");
+    addPackageOption(*command, options->from);
+    addAccountOption(*command, options->account);
+    addUserOption(*command, options->user);
+    command->add_option("--into", options->into, "Database that gets the messages; \"back\" gets no recent contacts")
+        ->type_name("main|back")
+        ->check(CLI::IsMember({"main", "back"}).description(""))
+        ->capture_default_str();
+    addPackageVersionOption(*command, options->packageVersion);
+    addKeyOptions(*command, options->key);
+    command->footer(kFooter);
+    setJob(*command, job, std::move(options), runImport);
+}
+
+}  // namespace app

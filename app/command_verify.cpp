@@ -1,0 +1,110 @@
+#include "app/command_verify.h"
+
+#include <iostream>
+#include <memory>
+
+#include "app/host_transfer.h"
+#include "app/printable.h"
+#include "app/text_table.h"
+#include "app/units.h"
+#include "app/verification.h"
+
+namespace app {
+namespace {
+
+struct VerifyOptions {
+    std::string from;
+    std::string account;
+    std::string user;
+    SinceDay since;
+    std::string check = "both";
+    std::string database = "main";
+    long long most = 20;
+    bool strict = false;
+    KeyOptions key;
+};
+
+Direction directionOf(const VerifyOptions& options) {
+    if (options.check == "exported") return Direction::exported;
+    return options.check == "imported" ? Direction::imported : Direction::both;
+}
+
+void printSummary(const VerifyCounts& counts, const PackagePlace& place, const std::string& database,
+                  const Stopwatch& watch) {
+    std::cout << "Held " << printable(place.parent) << "/qelmsg_0 against " << printable(database) << '\n';
+    Summary summary;
+    summary.add("Messages in the package", counts.packageMessages);
+    summary.add("Messages in the account", counts.accountMessages);
+    summary.add("Messages that agree", counts.equalMessages);
+    summary.add("Recent contacts in the package", counts.packageContacts);
+    summary.add("Recent contacts in the account", counts.accountContacts);
+    summary.add("Attachments named", counts.attachments.named);
+    summary.add("Attachments compared", counts.attachments.compared);
+    summary.add("Attachments on neither side", counts.attachments.nowhere);
+    summary.add("Time", humanDuration(watch.seconds()));
+    summary.print(std::cout);
+}
+
+int runVerify(const VerifyOptions& options) {
+    const Stopwatch watch;
+    const PackagePlace place = findPackage(options.from, options.user);
+    const Account account(options.account);
+    const Database database = options.database == "back" ? Database::back : Database::main;
+    const SecretText key = findKey(options.key, account);
+    HostTransfer transfer;
+    transfer.dbKey = key.text();
+    openDatabase(transfer, account, database);
+
+    ProgressBar progress;
+    transfer.progressListener = &progress;
+    Verification verification({options.since, directionOf(options), database}, place, transfer);
+    verification.run(progress);
+    const VerifyReport& report = verification.report();
+    printSummary(verification.counts(), place, account.database(database), watch);
+    report.print(std::cout, options.most);
+    const bool agrees = !report.hasFindings() && !(options.strict && report.hasRules());
+    return agrees ? kDone : kFailed;
+}
+
+constexpr const char* kFooter =
+    R"(Lists every message, recent contact and attachment that is missing on one side or differs, and exits with 1 if there is
+any. What is different because export and import change it by rule is counted apart and does not fail the command unless
+--strict is given. Nothing is written anywhere.
+
+--check says how the package and the account belong together:
+  exported  the package was made from this account: all that the account holds must be in the package
+  imported  the package was imported into this account, which may hold more: all of the package must be in the account
+  both      both must hold
+
+Examples:
+  chat-transfer verify --from ~/backup --account ~/chat --user 1000000000000001 --key-file ~/.chat-key
+  chat-transfer verify --from ~/backup --account ~/chat --user 1000000000000001 --since 2024-01-01 --check exported)";
+
+}  // namespace
+
+void addVerifyCommand(CLI::App& program, Job& job) {
+    auto options = std::make_shared<VerifyOptions>();
+    CLI::App* command = program.add_subcommand("verify", "Hold a package against an account and list what differs");
+    addPackageOption(*command, options->from);
+    addAccountOption(*command, options->account);
+    addUserOption(*command, options->user);
+    addSinceOption(*command, options->since, "Only messages of this day and later; without it, all messages");
+    command->add_option("--check", options->check, "Which way the package went, see below")
+        ->type_name("both|exported|imported")
+        ->check(CLI::IsMember({"both", "exported", "imported"}).description(""))
+        ->capture_default_str();
+    command->add_option("--database", options->database, "Database of the account that is looked at")
+        ->type_name("main|back")
+        ->check(CLI::IsMember({"main", "back"}).description(""))
+        ->capture_default_str();
+    command->add_option("--most", options->most, "How many lines to list of each kind")
+        ->type_name("N")
+        ->check(CLI::Range(0LL, 100000LL).description(""))
+        ->capture_default_str();
+    command->add_flag("--strict", options->strict, "Fail also on what is different by rule");
+    addKeyOptions(*command, options->key);
+    command->footer(kFooter);
+    setJob(*command, job, std::move(options), runVerify);
+}
+
+}  // namespace app

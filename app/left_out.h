@@ -1,0 +1,23 @@
+// What an operation left out, in words.
+#pragma once
+
+#include <iosfwd>
+#include <string>
+
+#include "transfer/transfer_report.h"
+
+namespace app {
+
+/// How many left-out things are named one by one before "... and N more".
+inline constexpr long long kNamedAtMost = 20;
+
+/// Lists them with their reasons; nothing when nothing was left out.
+void printLeftOut(const TransferReport& report, std::ostream& out);
+
+/// True for a left-out attachment; false for files, tables and records of a package or account.
+bool isAttachment(const TransferReport::Skipped& skipped);
+
+/// The first left-out thing other than an attachment, with its reason; empty when there is none.
+std::string firstReasonBesideAttachments(const TransferReport& report);
+
+}  // namespace app

@@ -1,0 +1,157 @@
+#include "app/package_files.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "app/failure.h"
+#include "app/left_out.h"
+#include "host/fixed_text.h"
+#include "host/json_owner.h"
+#include "host/tools.h"
+#include "transfer/error_codes.h"
+#include "transfer/json_fields.h"
+#include "transfer/message_file.h"
+#include "transfer/package_format.h"
+#include "transfer/recent_contact_table.h"
+
+namespace app {
+namespace {
+
+using tools::JsonDocument;
+using Take = std::function<void(PackageMessage)>;
+
+constexpr const char* kNoVersion = "(none)";
+
+std::string messagePath(const PackagePlace& place, int number) {
+    return place.messages + tools::FixedText<50>(transfer::kMessageFileName, number).text();
+}
+
+std::string versionOf(const JSON_Object* file) {
+    const char* version = json_object_get_string(file, transfer::kVersionKey);
+    return version != nullptr ? std::string(version, json_object_get_string_len(file, transfer::kVersionKey))
+                              : kNoVersion;
+}
+
+std::shared_ptr<const DayLists> listsOf(const JSON_Object* day) {
+    DayLists lists;
+    imsdk::st_dbMessageBean record;
+    transfer::forEachMessageList(record,
+                                 [day](const char* key, std::string& joined) { transfer::getList(day, key, joined); });
+    if (record.limitRange.empty() && record.relatedUsers.empty()) return nullptr;
+    lists.limitRange = std::move(record.limitRange);
+    lists.relatedUsers = std::move(record.relatedUsers);
+    return std::make_shared<const DayLists>(std::move(lists));
+}
+
+PackageMessage messageOf(const JSON_Object* object, const transfer::CalendarDay& date) {
+    PackageMessage message{transfer::readMessage(object, date), nullptr};
+    transfer::forEachMessageKey(message.record, [object](const char* key, transfer::KeyUse use, auto& field) {
+        if (use == transfer::KeyUse::writeOnly) transfer::getField(object, key, field);
+    });
+    transfer::forEachMessageList(
+        message.record, [object](const char* key, std::string& joined) { transfer::getList(object, key, joined); });
+    return message;
+}
+
+void readDay(const JSON_Object* day, const Take& take) {
+    const transfer::CalendarDay date = transfer::readDate(day);
+    const std::shared_ptr<const DayLists> lists = listsOf(day);
+    transfer::forEachObject(json_object_get_array(day, transfer::kMessagesKey), [&](const JSON_Object* object) {
+        PackageMessage message = messageOf(object, date);
+        message.dayLists = lists;
+        take(std::move(message));
+    });
+}
+
+void readMessageFile(const std::string& path, PackageFacts& facts, const Take& take) {
+    const JsonDocument document(json_parse_file_no_link(path.c_str()));
+    const JSON_Object* file = json_value_get_object(document.get());
+    const JSON_Array* days = json_object_get_array(file, transfer::kMessagesKey);
+    if (days == nullptr) {
+        facts.unreadable.push_back(path);
+        return;
+    }
+    ++facts.versions[versionOf(file)];
+    transfer::forEachObject(days, [&take](const JSON_Object* day) { readDay(day, take); });
+}
+
+void readContacts(const PackagePlace& place, PackageFacts& facts) {
+    const std::string path = place.messages + transfer::kRecentContactFileName;
+    if (tools::isFileExsit(path) == 0) return;
+    const JsonDocument document(json_parse_file_no_link(path.c_str()));
+    const JSON_Object* file = json_value_get_object(document.get());
+    const JSON_Array* contacts = json_object_get_array(file, transfer::kRecentContactsKey);
+    facts.hasContacts = contacts != nullptr;
+    if (!facts.hasContacts) {
+        facts.unreadable.push_back(path);
+        return;
+    }
+    ++facts.versions[versionOf(file)];
+    transfer::forEachObject(contacts, [&facts](const JSON_Object* object) {
+        imsdk::st_dbReContactBean contact;
+        transfer::forEachRecentContactField(contact, [object](int /*column*/, const char* name, auto& field) {
+            transfer::getField(object, name, field);
+        });
+        facts.contacts.push_back(std::move(contact));
+    });
+}
+
+bool isMessageFileName(const std::string& name) {
+    constexpr std::size_t kPrefix = 4;  // msg_
+    constexpr std::size_t kSuffix = 3;  // .mg
+    if (name.size() <= kPrefix + kSuffix || name.compare(0, kPrefix, "msg_") != 0) return false;
+    if (name.compare(name.size() - kSuffix, kSuffix, ".mg") != 0) return false;
+    return std::all_of(name.begin() + kPrefix, name.end() - kSuffix, [](char c) { return c >= '0' && c <= '9'; });
+}
+
+int countConsecutive(const PackagePlace& place) {
+    int number = 0;
+    while (tools::isFileExsit(messagePath(place, number)) != 0)
+        ++number;
+    return number;
+}
+
+}  // namespace
+
+PackageFacts readPackage(const PackagePlace& place, const Take& take) {
+    PackageFacts facts;
+    facts.messageFiles = countConsecutive(place);
+    facts.filesBehindGap = countFilesBehindGap(place);
+    for (int number = 0; number < facts.messageFiles; ++number)
+        readMessageFile(messagePath(place, number), facts, take);
+    readContacts(place, facts);
+    return facts;
+}
+
+void requireVersion(const PackagePlace& place, const std::string& version) {
+    const std::string path = messagePath(place, 0);
+    const JsonDocument document(json_parse_file_no_link(path.c_str()));
+    const JSON_Object* file = json_value_get_object(document.get());
+    if (file == nullptr || transfer::hasVersion(file, version)) return;
+    throw Failure({transfer::kWrongVersion, "The package has another version", path,
+                   "this import expects \"" + version + "\", the package says \"" + versionOf(file) + "\"",
+                   "if the package is what you want, give its version with --package-version"});
+}
+
+long long countFilesBehindGap(const PackagePlace& place) {
+    long long files = 0;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(place.messages, error), end; !error && entry != end;
+         entry.increment(error)) {
+        if (isMessageFileName(entry->path().filename().string())) ++files;
+    }
+    return std::max(0LL, files - countConsecutive(place));
+}
+
+long long countUnreadableFiles(const PackagePlace& place, const TransferReport& report, const std::string& folder) {
+    // The report names only the first thousand things: beyond that the files are looked at once more.
+    if (report.skippedCount > static_cast<long long>(TransferReport::kMostSkipped)) {
+        return static_cast<long long>(readPackage(place, [](const PackageMessage&) {}).unreadable.size());
+    }
+    return std::count_if(report.skipped.begin(), report.skipped.end(),
+                         [&folder](const TransferReport::Skipped& skipped) {
+                             return !isAttachment(skipped) && skipped.what.compare(0, folder.size(), folder) == 0;
+                         });
+}
+
+}  // namespace app

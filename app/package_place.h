@@ -1,0 +1,20 @@
+// Finds a package from what a person gives as its folder.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace app {
+
+/// Where the files of one user's package lie.
+struct PackagePlace {
+    std::string parent;       ///< absolute; the folder that holds qelmsg_0
+    std::string messages;     ///< the user's message folder, ending in "/"
+    std::string attachments;  ///< the user's attachment folder, ending in "/"
+};
+
+/// `folder` is the folder that holds qelmsg_0, or qelmsg_0 itself. Throws a Failure that lists the users of the package
+/// when this one has no folder in it.
+PackagePlace findPackage(const std::string& folder, const std::string& user);
+
+}  // namespace app

@@ -1,0 +1,160 @@
+#include "app/package_summary.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+#include "app/paths.h"
+#include "app/printable.h"
+#include "host/json_owner.h"
+#include "transfer/attachment_body.h"
+
+namespace app {
+namespace {
+
+using tools::JsonDocument;
+
+void count(PackageSummary& summary, const imsdk::st_dbMessageBean& message) {
+    const PackageSummary::Day day(message.year_, message.mon, message.day_);
+    PackageSummary::Conversation& conversation = summary.conversations[message.targetID];
+    if (conversation.messages == 0) conversation.first = conversation.last = day;
+    conversation.first = std::min(conversation.first, day);
+    conversation.last = std::max(conversation.last, day);
+    ++conversation.messages;
+    ++conversation.byType[message.msgType];
+    ++summary.messages;
+    ++summary.byType[message.msgType];
+}
+
+void set(JSON_Object* object, const char* key, long long number) {
+    json_object_set_number(object, key, static_cast<double>(number));
+}
+
+// Takes the text over as it is shown on a terminal: foreign texts may hold anything.
+void set(JSON_Object* object, const char* key, const std::string& text) {
+    json_object_set_string(object, key, printable(text).c_str());
+}
+
+JSON_Object* addObject(JSON_Object* object, const char* key) {
+    json_object_set_value(object, key, json_value_init_object());
+    return json_object_get_object(object, key);
+}
+
+JSON_Array* addArray(JSON_Object* object, const char* key) {
+    json_object_set_value(object, key, json_value_init_array());
+    return json_object_get_array(object, key);
+}
+
+JSON_Object* appendObject(JSON_Array* array) {
+    json_array_append_value(array, json_value_init_object());
+    return json_array_get_object(array, json_array_get_count(array) - 1);
+}
+
+void setTypes(JSON_Object* object, const std::map<int, long long>& byType) {
+    JSON_Object* types = addObject(object, "byType");
+    for (const auto& [type, messages] : byType)
+        set(types, std::to_string(type).c_str(), messages);
+}
+
+void setFacts(JSON_Object* object, const PackageFacts& facts) {
+    JSON_Array* versions = addArray(object, "versions");
+    for (const auto& [version, files] : facts.versions) {
+        json_array_append_string(versions, printable(version).c_str());
+    }
+    set(object, "messageFiles", facts.messageFiles);
+    set(object, "messageFilesBehindGap", facts.filesBehindGap);
+    JSON_Array* unreadable = addArray(object, "unreadableFiles");
+    for (const std::string& path : facts.unreadable)
+        json_array_append_string(unreadable, printable(path).c_str());
+    json_object_set_boolean(object, "hasRecentContacts", facts.hasContacts ? 1 : 0);
+    set(object, "recentContacts", static_cast<long long>(facts.contacts.size()));
+}
+
+void setAttachments(JSON_Object* object, const AttachmentCheck::Counts& counts) {
+    JSON_Object* attachments = addObject(object, "attachments");
+    set(attachments, "named", counts.named);
+    set(attachments, "present", counts.inPackage);
+    set(attachments, "missing", counts.nowhere);
+    set(attachments, "refused", counts.refused);
+}
+
+void setConversations(JSON_Object* object, const PackageSummary& summary) {
+    JSON_Array* conversations = addArray(object, "conversations");
+    for (const auto& [id, conversation] : summary.conversations) {
+        JSON_Object* element = appendObject(conversations);
+        set(element, "id", std::to_string(id));
+        set(element, "name", conversation.name);
+        set(element, "messages", conversation.messages);
+        set(element, "firstDay", dayText(conversation.first));
+        set(element, "lastDay", dayText(conversation.last));
+        setTypes(element, conversation.byType);
+    }
+}
+
+}  // namespace
+
+std::optional<std::pair<PackageSummary::Day, PackageSummary::Day>> PackageSummary::days() const {
+    std::optional<std::pair<Day, Day>> range;
+    for (const auto& [id, conversation] : conversations) {
+        if (!range) range.emplace(conversation.first, conversation.last);
+        range->first = std::min(range->first, conversation.first);
+        range->second = std::max(range->second, conversation.last);
+    }
+    return range;
+}
+
+PackageSummary summarise(const PackagePlace& place) {
+    PackageSummary summary;
+    AttachmentCheck attachments(place.attachments, "");
+    summary.facts = readPackage(place, [&](const PackageMessage& message) {
+        count(summary, message.record);
+        attachments.collect(message.record.body, message.record.msgType);
+    });
+    for (const imsdk::st_dbReContactBean& contact : summary.facts.contacts) {
+        const auto conversation = summary.conversations.find(contact.targetID);
+        if (conversation != summary.conversations.end()) conversation->second.name = contact.name;
+    }
+    summary.attachments = attachments.countInPackage();
+    summary.bytes = sizeOfFolder(place.messages) + sizeOfFolder(place.attachments);
+    return summary;
+}
+
+std::string dayText(const PackageSummary::Day& day) {
+    std::array<char, 40> buffer{};
+    std::snprintf(buffer.data(), buffer.size(), "%04d-%02d-%02d", std::get<0>(day), std::get<1>(day), std::get<2>(day));
+    return buffer.data();
+}
+
+std::string jsonOf(const PackageSummary& summary) {
+    const JsonDocument document(json_value_init_object());
+    JSON_Object* object = json_value_get_object(document.get());
+    setFacts(object, summary.facts);
+    set(object, "messages", summary.messages);
+    if (const auto days = summary.days()) {
+        set(object, "firstDay", dayText(days->first));
+        set(object, "lastDay", dayText(days->second));
+    }
+    setTypes(object, summary.byType);
+    setAttachments(object, summary.attachments);
+    set(object, "bytes", static_cast<long long>(summary.bytes));
+    setConversations(object, summary);
+    char* text = json_serialize_to_string_pretty(document.get());
+    std::string result = text != nullptr ? text : "{}";
+    json_free_serialized_string(text);
+    return result;
+}
+
+std::string typeName(int msgType) {
+    switch (msgType) {
+        case transfer::kVoiceMessage:
+            return "voice";
+        case transfer::kImageMessage:
+            return "image";
+        case transfer::kFileMessage:
+            return "file";
+        default:
+            return "type " + std::to_string(msgType);
+    }
+}
+
+}  // namespace app

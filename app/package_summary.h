@@ -1,0 +1,47 @@
+// What a package holds, in numbers.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <tuple>
+
+#include "app/attachment_check.h"
+#include "app/package_files.h"
+
+namespace app {
+
+struct PackageSummary {
+    using Day = std::tuple<int, int, int>;
+
+    struct Conversation {
+        std::string name;  ///< from the recent contacts; empty when they do not know it
+        long long messages = 0;
+        std::map<int, long long> byType;
+        Day first;
+        Day last;
+    };
+
+    PackageFacts facts;
+    long long messages = 0;
+    std::map<int, long long> byType;
+    std::map<long long, Conversation> conversations;
+    AttachmentCheck::Counts attachments;
+    unsigned long long bytes = 0;  ///< of all files of the user
+
+    /// The first and the last day; none without messages.
+    std::optional<std::pair<Day, Day>> days() const;
+};
+
+PackageSummary summarise(const PackagePlace& place);
+
+/// "2024-06-30".
+std::string dayText(const PackageSummary::Day& day);
+
+/// The summary as one JSON object, without any raw control character.
+std::string jsonOf(const PackageSummary& summary);
+
+/// "voice" for 3, "image" for 5, "file" for 6, "type 7" for others.
+std::string typeName(int msgType);
+
+}  // namespace app

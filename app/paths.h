@@ -1,0 +1,19 @@
+// Paths as people give them.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace app {
+
+/// The absolute path with links and ".." resolved as far as it exists, without a "/" at its end. Commands change their
+/// working directory, and the name of a folder is looked at.
+inline std::filesystem::path resolvedPath(const std::string& given) {
+    const std::filesystem::path path = std::filesystem::weakly_canonical(std::filesystem::absolute(given));
+    return path.has_filename() || !path.has_relative_path() ? path : path.parent_path();
+}
+
+/// The bytes of all regular files below `folder`; what cannot be read counts for nothing.
+unsigned long long sizeOfFolder(const std::string& folder);
+
+}  // namespace app

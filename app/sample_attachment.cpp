@@ -1,0 +1,82 @@
+#include "app/sample_attachment.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+
+#include "app/failure.h"
+#include "app/sample_media.h"
+#include "app/sample_texts.h"
+#include "host/file_handle.h"
+#include "host/json_owner.h"
+#include "transfer/attachment_body.h"
+
+namespace app {
+namespace {
+
+constexpr mode_t kOwnerOnly = 0600;
+
+void writeNewFile(const std::string& path, const std::string& bytes) {
+    tools::detail::FileHandle file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnly));
+    const bool written =
+        file.valid() && tools::detail::writeAll(file.get(), bytes.data(), bytes.size()) && file.close();
+    if (!written) throw Failure({0, "An attachment of the sample cannot be written", path, systemWords(errno), ""});
+}
+
+std::string textOf(const tools::JsonDocument& document) {
+    char* text = json_serialize_to_string(document.get());
+    std::string result = text != nullptr ? text : "";
+    json_free_serialized_string(text);
+    return result;
+}
+
+// The body of a voice or file message. The server knows the file under another name than the one that people see.
+std::string bodyWithName(const std::string& serverPath, const std::string& fileName, std::size_t size) {
+    const tools::JsonDocument body(json_value_init_object());
+    JSON_Object* object = json_value_get_object(body.get());
+    json_object_set_string(object, "mediaUrl", serverPath.c_str());
+    json_object_set_string(object, "fileName", fileName.c_str());
+    json_object_set_number(object, "fileSize", static_cast<double>(size));
+    return textOf(body);
+}
+
+std::string makeVoiceMessage(const std::string& root, const std::string& id, const std::string& day, Random& random) {
+    const std::string name = "voice_" + id + ".wav";
+    const std::string sound = makeVoice(random);
+    writeNewFile(root + transfer::kAudioFolder + name, sound);
+    return bodyWithName("voice/" + day + "/" + id, name, sound.size());
+}
+
+std::string makeImageMessage(const std::string& root, const std::string& id, const std::string& day, Random& random) {
+    const std::string name = "photo_" + id;
+    writeNewFile(root + transfer::kImageFolder + name + ".png",
+                 makePicture(random, 40 + static_cast<unsigned>(random.below(60))));
+    writeNewFile(root + transfer::kImageFolder + name + "_small.png", makePicture(random, 16));
+    const tools::JsonDocument body(json_value_init_object());
+    JSON_Object* object = json_value_get_object(body.get());
+    json_object_set_string(object, "mediaUrl", ("image/" + day + "/" + name + ".png").c_str());
+    json_object_set_string(object, "thumbUrl", ("image/" + day + "/" + name + "_small.png").c_str());
+    return textOf(body);
+}
+
+std::string makeFileMessage(const std::string& root, const std::string& id, const std::string& day, Random& random) {
+    const bool document = random.oneIn(2);
+    const std::string name = document ? "Übersicht " + id + ".pdf" : "メモ_" + id + ".txt";
+    std::string bytes = document ? makeDocument("Overview " + id) : "";
+    for (int line = 0; !document && line < 20; ++line)
+        bytes += makeText(random) + "\n";
+    writeNewFile(root + transfer::kFileFolder + name, bytes);
+    return bodyWithName("file/" + day + "/" + id, name, bytes.size());
+}
+
+}  // namespace
+
+std::string makeAttachment(const std::string& accountRoot, int msgType, long long messageId, const std::string& day,
+                           Random& random) {
+    const std::string id = std::to_string(messageId);
+    if (msgType == transfer::kVoiceMessage) return makeVoiceMessage(accountRoot, id, day, random);
+    if (msgType == transfer::kImageMessage) return makeImageMessage(accountRoot, id, day, random);
+    return makeFileMessage(accountRoot, id, day, random);
+}
+
+}  // namespace app

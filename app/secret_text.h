@@ -1,0 +1,39 @@
+// A key in memory, overwritten when it is no longer needed.
+#pragma once
+
+#include <string>
+#include <utility>
+
+namespace app {
+
+/// Overwrites all that the string's memory holds, in a way that the compiler may not optimise away, and empties it.
+inline void wipe(std::string& text) {
+    text.resize(text.capacity());
+    volatile char* bytes = text.data();
+    for (std::size_t i = 0; i < text.size(); ++i)
+        bytes[i] = '\0';
+    text.clear();
+}
+
+/// Owns a key text. Movable, not copyable, wiped at its end.
+class SecretText {
+public:
+    SecretText() = default;
+    explicit SecretText(std::string&& text) : text_(std::move(text)) { wipe(text); }
+    ~SecretText() { wipe(text_); }
+    SecretText(const SecretText&) = delete;
+    SecretText& operator=(const SecretText&) = delete;
+    SecretText(SecretText&& other) noexcept : text_(std::move(other.text_)) { wipe(other.text_); }
+    SecretText& operator=(SecretText&& other) noexcept {
+        std::swap(text_, other.text_);
+        return *this;
+    }
+
+    bool empty() const { return text_.empty(); }
+    const std::string& text() const { return text_; }
+
+private:
+    std::string text_;
+};
+
+}  // namespace app

@@ -1,0 +1,42 @@
+// Where an export is built before it gets its name.
+#pragma once
+
+#include <string>
+
+#include "host/file_handle.h"
+
+namespace app {
+
+/// A hidden folder inside the folder that is to hold the package. The package moves to its final name only when it is
+/// whole and on the disk; a crash leaves the hidden folder at most, and the next export into the same place removes it.
+class StagingFolder {
+public:
+    /// Makes `target` where it is missing. Throws Failure when the target holds a package already, cannot be written
+    /// to, or is in use by another export.
+    explicit StagingFolder(const std::string& target);
+    ~StagingFolder();
+    StagingFolder(const StagingFolder&) = delete;
+    StagingFolder& operator=(const StagingFolder&) = delete;
+    StagingFolder(StagingFolder&&) = delete;
+    StagingFolder& operator=(StagingFolder&&) = delete;
+
+    /// Makes this the working directory: paths of the transfer below it stay short, however long the target's path is.
+    void enter() const;
+
+    /// Flushes the package's folders (its files are flushed as they are written) and gives it its final name. Throws
+    /// Failure.
+    void publish();
+
+    /// The final name.
+    const std::string& package() const { return package_; }
+
+private:
+    void refuseExistingPackage() const;
+
+    std::string target_;
+    std::string package_;
+    std::string path_;
+    tools::detail::FileHandle lock_;
+};
+
+}  // namespace app

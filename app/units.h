@@ -1,0 +1,30 @@
+// Numbers as people read them.
+#pragma once
+
+#include <chrono>
+#include <string>
+
+namespace app {
+
+/// 20000 as "20,000".
+std::string grouped(long long number);
+
+/// "512 bytes", "12.3 kB", "1.5 GB" (powers of 1000).
+std::string humanSize(unsigned long long bytes);
+
+/// "0.04 s", "12.3 s", "2 min 05 s", "1 h 02 min".
+std::string humanDuration(double seconds);
+
+/// "1 file", "2,000 files".
+std::string counted(long long number, const std::string& singular, const std::string& plural);
+
+/// Measures from its construction.
+class Stopwatch {
+public:
+    double seconds() const;
+
+private:
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+}  // namespace app

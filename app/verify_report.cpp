@@ -1,0 +1,110 @@
+#include "app/verify_report.h"
+
+#include <algorithm>
+#include <ostream>
+
+#include "app/printable.h"
+#include "app/text_table.h"
+#include "app/units.h"
+
+namespace app {
+namespace {
+
+// More lines than anybody asks for are not kept.
+constexpr std::size_t kMostLinesKept = 100000;
+
+const char* titleOf(Finding finding) {
+    switch (finding) {
+        case Finding::fileUnreadable:
+            return "Package files that cannot be read";
+        case Finding::tableUnreadable:
+            return "Tables of the account that cannot be read";
+        case Finding::messageNotInPackage:
+            return "Messages missing in the package";
+        case Finding::messageNotInAccount:
+            return "Messages missing in the account";
+        case Finding::messageDiffers:
+            return "Messages that differ";
+        case Finding::contactNotInPackage:
+            return "Recent contacts missing in the package";
+        case Finding::contactNotInAccount:
+            return "Recent contacts missing in the account";
+        case Finding::contactDiffers:
+            return "Recent contacts that differ";
+        case Finding::attachmentNotInPackage:
+            return "Attachments missing in the package";
+        case Finding::attachmentNotInAccount:
+            return "Attachments missing in the account";
+        case Finding::attachmentDiffers:
+            return "Attachments that differ";
+    }
+    return "";
+}
+
+const char* wordsOf(Rule rule) {
+    switch (rule) {
+        case Rule::notCarried:
+            return "messages have a status, burnAfterReading or localID that no package carries";
+        case Rule::securityLevelDropped:
+            return "messages lost their securityLevel: an import does not read it";
+        case Rule::listsDropped:
+            return "messages lost limitRange or relatedUsers: an import does not read them";
+        case Rule::listsOfNumbers:
+            return "lists of users hold more than numbers below 2^53: a package keeps only those";
+        case Rule::idRounded:
+            return "ids above 2^53 were rounded: a package holds them as doubles";
+        case Rule::textCutAtNul:
+            return "texts end at their first NUL byte";
+        case Rule::textRepaired:
+            return "texts had ill-formed UTF-8, replaced by U+FFFD";
+        case Rule::idShared:
+            return "messages share their id with another one of the conversation: an import keeps the first";
+        case Rule::contactKept:
+            return "recent contacts are the account's own: an import never overwrites one";
+        case Rule::pinConverted:
+            return "pins were converted from 1 to 4";
+        case Rule::attachmentNameShared:
+            return "attachments share their name with another one, which took its place";
+        case Rule::attachmentWithoutFolder:
+            return "images have no folder in their name: a package has no place for them";
+        case Rule::attachmentNameRefused:
+            return "attachment names lead outside their folder: they are never transferred";
+    }
+    return "";
+}
+
+}  // namespace
+
+void VerifyReport::add(Finding finding, const std::string& line) {
+    Lines& lines = findings_[finding];
+    ++lines.count;
+    if (lines.first.size() < kMostLinesKept) lines.first.push_back(line);
+}
+
+void VerifyReport::print(std::ostream& out, long long most) const {
+    printRules(out);
+    printFindings(out, most);
+}
+
+void VerifyReport::printRules(std::ostream& out) const {
+    if (rules_.empty()) return;
+    out << "Changed by the rules of export and import:\n";
+    TextTable table({Align::right, Align::left});
+    for (const auto& [rule, count] : rules_)
+        table.add({grouped(count), wordsOf(rule)});
+    table.print(out);
+}
+
+void VerifyReport::printFindings(std::ostream& out, long long most) const {
+    if (findings_.empty()) out << "Nothing is missing and nothing differs.\n";
+    for (const auto& [finding, lines] : findings_) {
+        out << titleOf(finding) << ": " << grouped(lines.count) << '\n';
+        const long long shown = std::min(most, static_cast<long long>(lines.first.size()));
+        for (long long i = 0; i < shown; ++i) {
+            out << "  " << printable(lines.first[static_cast<std::size_t>(i)]) << '\n';
+        }
+        if (lines.count > shown) out << "  ... and " << grouped(lines.count - shown) << " more\n";
+    }
+}
+
+}  // namespace app

@@ -1,0 +1,209 @@
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "tests/app/fixture.h"
+
+namespace test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class ImportCommand : public CommandTest {
+protected:
+    std::string rowsOf(const std::string& database) const {
+        std::string names =
+            queryText(database, "select name from sqlite_master where name like 'im%' order by name", 1);
+        std::istringstream tables(names);
+        std::string rows;
+        for (std::string table; std::getline(tables, table);) {
+            rows += table + " " + queryText(database, "select count(*) from " + table, 1) + "\n";
+        }
+        return rows;
+    }
+};
+
+TEST_F(ImportCommand, BringsEverythingIntoAFreshAccount) {
+    makePackage("account", "package");
+    const Outcome run = importInto("copy", "package");
+    EXPECT_EXIT_CODE(0, run);
+    EXPECT_EQ("300", rowOf(run.out, "Messages read"));
+    EXPECT_EQ("300", rowOf(run.out, "Messages inserted"));
+    EXPECT_EQ("4", rowOf(run.out, "Conversations new"));
+    EXPECT_EQ("4", rowOf(run.out, "Recent contacts inserted"));
+    EXPECT_EQ("4", rowOf(run.out, "Attachments restored"));
+    EXPECT_EQ(rowsOf(mainDatabase("account")), rowsOf(mainDatabase("copy")));
+}
+
+TEST_F(ImportCommand, SaysWhatItMakesForAFreshAccount) {
+    makePackage("account", "package");
+    const Outcome run = importInto("copy", "package");
+    for (const char* name : {"db/imsg.db", "db/backimsg.db", "db/plugin/kab.db"}) {
+        EXPECT_SAYS("Made a new database (not encrypted: no key was given): " + at(std::string("copy/") + name),
+                    run.out);
+        EXPECT_EQ(0600U, permissionsOf(at(std::string("copy/") + name)));
+    }
+    EXPECT_EQ(0700U, permissionsOf(at("copy")));
+}
+
+TEST_F(ImportCommand, AgainDoublesNothing) {
+    makePackage("account", "package");
+    ASSERT_EXIT_CODE(0, importInto("copy", "package"));
+    const std::string before = rowsOf(mainDatabase("copy"));
+    const Outcome run = importInto("copy", "package");
+    EXPECT_EXIT_CODE(0, run);
+    EXPECT_EQ("0", rowOf(run.out, "Messages inserted"));
+    EXPECT_EQ("300", rowOf(run.out, "Messages there already"));
+    EXPECT_EQ("0", rowOf(run.out, "Recent contacts inserted"));
+    EXPECT_EQ("3", rowOf(run.out, "Attachments there already"));
+    EXPECT_SAYS_NOT("Made a new", run.out);
+    EXPECT_EQ(before, rowsOf(mainDatabase("copy")));
+}
+
+TEST_F(ImportCommand, IntoTheBackDatabaseBringsMessagesOnly) {
+    makePackage("account", "package");
+    const Outcome run = importInto("copy", "package", {"--into", "back"});
+    EXPECT_EXIT_CODE(0, run);
+    EXPECT_EQ("300", rowOf(run.out, "Messages inserted"));
+    EXPECT_EQ("", rowsOf(mainDatabase("copy")));
+    EXPECT_SAYS_NOT("im_reContact", rowsOf(at("copy/db/backimsg.db")));
+    EXPECT_EXIT_CODE(0, verify("package", "copy", {"--database", "back", "--check", "imported"}));
+}
+
+TEST_F(ImportCommand, TakesThePackageFolderItself) {
+    makePackage("account", "package");
+    EXPECT_EXIT_CODE(0, importInto("one", "package/qelmsg_0"));
+    EXPECT_EXIT_CODE(0, importInto("two", "package/qelmsg_0/"));
+    const Outcome inside = chatTransfer({"import", "--from", ".", "--account", at("three"), "--user", kUser},
+                                        {{}, 0, at("package/qelmsg_0")});
+    EXPECT_EXIT_CODE(0, inside);
+}
+
+TEST_F(ImportCommand, OfNothingFailsBeforeAnAccountIsMade) {
+    const Outcome run = importInto("copy", "nowhere");
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_SAYS("There is no package", run.err);
+    EXPECT_SAYS("0xff000022", run.err);
+    EXPECT_FALSE(exists(at("copy")));
+}
+
+TEST_F(ImportCommand, OfAnotherUserNamesThoseOfThePackage) {
+    makePackage("account", "package");
+    const Outcome run = chatTransfer({"import", "--from", at("package"), "--account", at("copy"), "--user", "42"});
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_SAYS("nothing of user 42", run.err);
+    EXPECT_SAYS(std::string("this package holds: ") + kUser, run.err);
+    EXPECT_FALSE(exists(at("copy")));
+}
+
+TEST_F(ImportCommand, OfAnotherVersionNamesBothBeforeAnAccountIsMade) {
+    makePackage("account", "package");
+    const Outcome run = importInto("copy", "package", {"--package-version", "2.0"});
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_SAYS("0xff000024", run.err);
+    EXPECT_SAYS("expects \"2.0\", the package says \"1.0\"", run.err);
+    EXPECT_SAYS("--package-version", run.err);
+    EXPECT_FALSE(exists(at("copy")));
+}
+
+TEST_F(ImportCommand, OfAnotherVersionInALaterFileWritesNothingIntoTheDatabase) {
+    makePackage("account", "package");
+    dir_.write(std::string("package/qelmsg_0/messages_0/") + kUser + "/msg_3.mg", R"({"version":"9","msgs":[]})");
+    const Outcome run = importInto("copy", "package");
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_SAYS("0xff000024", run.err);
+    EXPECT_SAYS("nothing was written to the database", run.err);
+    EXPECT_EQ("", rowsOf(mainDatabase("copy")));
+}
+
+TEST_F(ImportCommand, WithAWrongKeyLeavesNoAttachmentBehind) {
+    makePackage("account", "package");
+    const std::string key = dir_.write("key", "right");
+    chmod(key.c_str(), 0600);
+    ASSERT_EXIT_CODE(0, sample("target", {"--messages", "1", "--conversations", "1", "--key-file", key}));
+    const std::string images = listing(at("target/image"));
+    dir_.write("key", "wrong");
+    EXPECT_EXIT_CODE(1, importInto("target", "package", {"--key-file", key}));
+    EXPECT_EQ(images, listing(at("target/image")));
+}
+
+TEST_F(ImportCommand, WithADamagedFileBringsTheRestAndFails) {
+    makePackage("account", "package");
+    dir_.write(std::string("package/qelmsg_0/messages_0/") + kUser + "/msg_1.mg", "{\"version\":");
+    const Outcome run = importInto("copy", "package");
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_SAYS("1 of the package's files could not be read", run.err);
+    EXPECT_SAYS("msg_1.mg", run.err);
+    EXPECT_NE("0", rowOf(run.out, "Messages inserted"));
+}
+
+TEST_F(ImportCommand, FindsADamagedFileBehindAThousandMissingAttachments) {
+    makeAccount(
+        "account",
+        {createTable("im_msg_5"),
+         "insert into im_msg_5(msgID, targetID, msgType, body, year_, mon, day_) with recursive n(i) as (select 1 "
+         "union "
+         "all select i + 1 from n where i < 1100) select i, 5, 6, '{\"mediaUrl\":\"a/b\",\"fileName\":\"f' || i || "
+         "'\"}', 2024, 6, 7 from n"});
+    ASSERT_EXIT_CODE(0, exportFrom("account", "package"));
+    fs::remove(messageFolder("package") + "recontact.mg");
+    dir_.write(std::string("package/qelmsg_0/messages_0/") + kUser + "/msg_5.mg", "no JSON");
+    const Outcome run = importInto("copy", "package");
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_EQ("1,100", rowOf(run.out, "Attachments missing"));
+    EXPECT_SAYS("1 of the package's files could not be read", run.err);
+    EXPECT_SAYS("... and 1,081 more", run.err);
+}
+
+TEST_F(ImportCommand, WithAGapInTheNumberingFails) {
+    makePackage("account", "package");
+    fs::remove(messageFolder("package") + "msg_2.mg");
+    const Outcome run = importInto("copy", "package");
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_SAYS("2 message files stand behind a gap", run.err);
+}
+
+TEST_F(ImportCommand, WithoutAnAttachmentCountsItAsMissing) {
+    makePackage("account", "package");
+    fs::remove_all(attachmentFolder("package") + "voice");
+    const Outcome run = importInto("copy", "package");
+    EXPECT_EXIT_CODE(0, run);
+    EXPECT_EQ("1", rowOf(run.out, "Attachments missing"));
+    EXPECT_SAYS("the attachment is missing", run.err);
+}
+
+TEST_F(ImportCommand, FailsWhenAnAttachmentCannotBeWritten) {
+    makePackage("account", "package");
+    ASSERT_EXIT_CODE(0, importInto("copy", "package"));
+    const std::string voice = listing(at("copy/audio"));
+    fs::remove(at("copy/audio/" + voice));
+    fs::create_directory(at("copy/audio/" + voice));
+    const Outcome run = importInto("copy", "package");
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_EQ("1", rowOf(run.out, "Attachments failed"));
+    EXPECT_SAYS("1 attachments could not be copied", run.err);
+}
+
+TEST_F(ImportCommand, OnAFullDiskFailsAndCanBeRepeated) {
+    ASSERT_EXIT_CODE(0, sample("account", {"--messages", "3000", "--conversations", "10"}));
+    ASSERT_EXIT_CODE(0, exportFrom("account", "package"));
+    const Outcome full = importInto("copy", "package", {}, {{}, 300000});
+    EXPECT_EXIT_CODE(1, full);
+    EXPECT_SAYS("0xff00001f", full.err);
+    EXPECT_SAYS("import again: nothing doubles", full.err);
+    EXPECT_EXIT_CODE(0, importInto("copy", "package"));
+    EXPECT_EXIT_CODE(0, verify("package", "copy"));
+}
+
+TEST_F(ImportCommand, NeverChangesThePackage) {
+    makePackage("account", "package");
+    const std::string before = listing(messageFolder("package"));
+    const auto written = fs::last_write_time(messageFolder("package"));
+    ASSERT_EXIT_CODE(0, importInto("copy", "package"));
+    EXPECT_EQ(before, listing(messageFolder("package")));
+    EXPECT_EQ(written, fs::last_write_time(messageFolder("package")));
+    EXPECT_EQ("qelmsg_0", listing(at("package")));
+}
+
+}  // namespace
+}  // namespace test
