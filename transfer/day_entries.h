@@ -4,7 +4,6 @@
 #include <array>
 #include <map>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "host/fixed_text.h"
@@ -57,15 +56,6 @@ public:
 private:
     using Date = std::array<int, 3>;
 
-    struct HashDate {
-        std::size_t operator()(const Date& date) const {
-            constexpr std::size_t kMonths = 16;
-            constexpr std::size_t kDays = 32;
-            const auto number = [&date](std::size_t i) { return static_cast<std::size_t>(date[i]); };
-            return (number(0) * kMonths + number(1)) * kDays + number(2);
-        }
-    };
-
     struct Day {
         std::string key;
         MessagesOfDay* first = nullptr;
@@ -84,7 +74,7 @@ private:
 
     DayMessages& days_;
     char separator_;
-    std::unordered_map<Date, Day, HashDate> known_;
+    std::map<Date, Day> known_;
 };
 
 }  // namespace transfer

@@ -189,7 +189,7 @@ JSON_Value* dbTrans::makeJson(int mode, st_dbMessageBean* msg) {
 
 int dbTrans::createRootDir() {
     const tools::FixedText<100> root("%s/qelmsg_0/", backupPath.c_str());
-    if (!root.fits() || tools::fileExist(root.text())) return 0;
+    if (!root.fits() || tools::confinedNameTaken(backupPath + "/", transfer::kPackageRoot)) return 0;
     msgFileDir = std::string(root.text()) + transfer::kMessagesFolder + packageSubDir + "/";
     imFileDir = std::string(root.text()) + transfer::kAttachmentsFolder + packageSubDir + "/";
     tools::createDir(msgFileDir.c_str());

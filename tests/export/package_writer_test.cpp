@@ -1,5 +1,6 @@
 // The backup package on disk: its folders, its message files, and how many messages stand in each.
 #include <chrono>
+#include <filesystem>
 #include <new>
 #include <thread>
 
@@ -46,10 +47,17 @@ TEST_F(PackageRoot, ThatExistsIsRefusedAndLeftAlone) {
 TEST_F(PackageRoot, UnderWhoseNameAFileStandsIsNotMadeAndTheFileStays) {
     dir.write("backup/qelmsg_0", "a file");
     fillDay("2019:3:7", 1);
-    transfer.wtMsgToFile();
+    EXPECT_EQ(transfer::kPackageExists, transfer.wtMsgToFile());
     EXPECT_EQ("a file", test::readFile(dir.at("backup/qelmsg_0")));
     EXPECT_EQ("qelmsg_0", test::treeOf(dir.at("backup")));
-    EXPECT_EQ(0, transfer.report.messageFilesWritten);
+}
+
+TEST_F(PackageRoot, UnderWhoseNameALinkStandsIsRefused) {
+    dir.makeDir("backup");
+    std::filesystem::create_symlink(dir.at("nowhere"), dir.at("backup/qelmsg_0"));
+    fillDay("2019:3:7", 1);
+    EXPECT_EQ(transfer::kPackageExists, transfer.wtMsgToFile());
+    EXPECT_FALSE(test::exists(dir.at("nowhere")));
 }
 
 TEST_F(PackageRoot, KeepsADoubledSlash) {

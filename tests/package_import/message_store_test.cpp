@@ -332,6 +332,7 @@ TEST_F(MessageStore, WritesNothingOfAConversationWhoseTransactionTheDatabaseEnds
     EXPECT_EQ("1", idsIn("im_msg_5"));
     EXPECT_EQ("", idsIn("im_msg_6"));
     EXPECT_EQ("", table("im_msg_7"));
+    EXPECT_EQ(1, transfer_.report.messagesInserted);
 }
 
 TEST_F(MessageStore, WritesNothingOfAConversationThatDoesNotFitTheDisk) {
@@ -345,6 +346,8 @@ TEST_F(MessageStore, WritesNothingOfAConversationThatDoesNotFitTheDisk) {
     EXPECT_EQ("1", idsIn("im_msg_5"));
     EXPECT_EQ("", table("im_msg_6"));
     EXPECT_TRUE(reported("conversation 6"));
+    EXPECT_EQ(1, transfer_.report.messagesInserted);
+    EXPECT_EQ(1, transfer_.report.tablesCreated);
     EXPECT_NE(0, transfer_.mainDb.excuteNonQuery("PRAGMA max_page_count = 100000"));
     EXPECT_EQ(0U, transfer_.wtMsgToDB());
     EXPECT_EQ("100", mainRows("select count(*) from im_msg_6"));

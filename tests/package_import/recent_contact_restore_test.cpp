@@ -252,6 +252,7 @@ TEST_F(RecentContactRestore, WritesAllContactsInOneTransaction) {
     transfer_.reContacts = {contactOf(5, 1, 0), contactOf(6, 1, 0), contactOf(7, 1, 0)};
     EXPECT_EQ(kDatabaseFailed, transfer_.wtRecontactToDb());
     EXPECT_EQ("0", mainRows("select count(*) from im_reContact"));
+    EXPECT_EQ(0, transfer_.report.contactsInserted);
 }
 
 TEST_F(RecentContactRestore, ChangesNothingTheSecondTime) {
