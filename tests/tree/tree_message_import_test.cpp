@@ -1,6 +1,5 @@
 // readMsgFromFileNJ and readContactFromFileNJ: messages and recent contacts of a tree into the main database.
 #include <filesystem>
-#include <fstream>
 
 #include "tests/tree/tree_fixture.h"
 
