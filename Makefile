@@ -2,7 +2,7 @@
 PRESET ?= release
 BUILD := build/$(PRESET)
 
-.PHONY: demo test asan build setup format tidy clean
+.PHONY: demo test asan bench build setup format tidy clean
 
 ## Make a sample account, export it, import it elsewhere (twice), verify, and say what moved.
 demo: build
@@ -15,6 +15,14 @@ test: build
 ## The same tests under AddressSanitizer, LeakSanitizer and UBSan.
 asan:
 	$(MAKE) --no-print-directory test PRESET=asan
+
+## Measure. QUICK=1: small sizes, under two minutes. ROUNDS, SIZES, WORK: rounds, numbers of messages (1000,10000) and
+## folder to work in. DOCS=1: put the table and the plots into docs/.
+bench:
+	$(MAKE) --no-print-directory build PRESET=bench
+	build/bench/bench/bench-pieces $(if $(QUICK),--benchmark_min_time=0.02)
+	build/bench/bench/bench-compare $(if $(QUICK),--quick) $(if $(ROUNDS),--rounds $(ROUNDS)) \
+	    $(if $(SIZES),--sizes $(SIZES)) $(if $(WORK),--work $(WORK)) --results build/bench/results $(if $(DOCS),--docs docs)
 
 build: setup
 	cmake --preset $(PRESET)

@@ -3,9 +3,11 @@
 
 #include <CLI/CLI.hpp>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "app/key_source.h"
+#include "app/since_day.h"
 
 namespace app {
 
@@ -35,14 +37,6 @@ void addPackageVersionOption(CLI::App& command, std::string& version);
 /// --key-file and --ask-key. An attempt to give the key itself as an argument is refused without repeating it.
 void addKeyOptions(CLI::App& command, KeyOptions& key);
 
-/// A day as --since takes it. The default is before every message, those of the year 0 included.
-struct SinceDay {
-    std::string text;
-
-    int year() const;
-    int month() const;
-    int day() const;
-};
 void addSinceOption(CLI::App& command, SinceDay& since, const std::string& help);
 
 }  // namespace app

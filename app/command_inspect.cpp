@@ -3,6 +3,8 @@
 #include <iostream>
 #include <memory>
 
+#include "app/conversation_table.h"
+#include "app/inspect_tree.h"
 #include "app/package_summary.h"
 #include "app/printable.h"
 #include "app/text_table.h"
@@ -14,30 +16,15 @@ namespace {
 struct InspectOptions {
     std::string from;
     std::string user;
+    bool tree = false;
     bool json = false;
+    KeyOptions key;
 };
-
-std::string typesText(const std::map<int, long long>& byType) {
-    std::string text;
-    for (const auto& [type, messages] : byType) {
-        text += (text.empty() ? "" : ", ") + grouped(messages) + " " + typeName(type);
-    }
-    return text;
-}
-
-std::string versionsText(const PackageFacts& facts) {
-    std::string text;
-    for (const auto& [version, files] : facts.versions) {
-        text += (text.empty() ? "" : ", ") + shortened(version, 40);
-        if (facts.versions.size() > 1) text += " (" + counted(files, "file", "files") + ")";
-    }
-    return text;
-}
 
 void printTotals(const PackageSummary& summary) {
     const PackageFacts& facts = summary.facts;
     Summary table;
-    table.add("Version", versionsText(facts));
+    table.add("Version", versionsText(facts.versions));
     table.add("Message files", facts.messageFiles);
     if (const auto days = summary.days()) table.add("Days", dayText(days->first) + " to " + dayText(days->second));
     table.add("Messages", summary.messages);
@@ -51,18 +38,6 @@ void printTotals(const PackageSummary& summary) {
     table.print(std::cout);
 }
 
-void printConversations(const PackageSummary& summary) {
-    if (summary.conversations.empty()) return;
-    TextTable table({Align::right, Align::right, Align::left, Align::left, Align::left, Align::left});
-    table.add({"Conversation", "Messages", "From", "To", "Types", "Name"});
-    for (const auto& [id, conversation] : summary.conversations) {
-        table.add({std::to_string(id), grouped(conversation.messages), dayText(conversation.first),
-                   dayText(conversation.last), typesText(conversation.byType), shortened(conversation.name, 40)});
-    }
-    std::cout << '\n';
-    table.print(std::cout);
-}
-
 void printDamage(const PackageFacts& facts) {
     if (!facts.unreadable.empty()) std::cout << "\nFiles that cannot be read:\n";
     for (const std::string& path : facts.unreadable)
@@ -73,6 +48,11 @@ void printDamage(const PackageFacts& facts) {
 }
 
 int runInspect(const InspectOptions& options) {
+    const TreeSource tree = findTreeSource(options.from, options.user, options.tree);
+    if (!tree.root.empty()) {
+        const SecretText key = findKey(options.key, Account(tree.root));
+        return inspectTree(tree, key.text(), options.json);
+    }
     const PackagePlace place = findPackage(options.from, options.user);
     const PackageSummary summary = summarise(place);
     if (options.json) {
@@ -81,25 +61,34 @@ int runInspect(const InspectOptions& options) {
     }
     std::cout << "Package " << printable(place.parent) << "/qelmsg_0 of user " << printable(options.user) << '\n';
     printTotals(summary);
-    printConversations(summary);
+    printConversations(summary, std::cout);
     printDamage(summary.facts);
     return kDone;
 }
 
-constexpr const char* kFooter = R"(Nothing is changed, and no account or key is needed: a package is not encrypted.
+constexpr const char* kFooter =
+    R"(Nothing is changed, and no account is needed. A package is not encrypted. Of a tree, plain files and decrypted copies are
+looked into, and with the key the encrypted files too: they are decrypted one by one into a private folder, which is
+removed afterwards.
+
+DIR can hold the package qelmsg_0 or the tree qelbackup/ID, or be the package or a plain tree itself. Where it holds both,
+the package is shown; --tree asks for the tree.
 
 Examples:
   chat-transfer inspect ~/backup --user 1000000000000001
-  chat-transfer inspect ~/backup/qelmsg_0 --user 1000000000000001 --json)";
+  chat-transfer inspect ~/backup/qelmsg_0 --user 1000000000000001 --json
+  chat-transfer inspect ~/backup --user 1000000000000001 --tree --key-file ~/.chat-key)";
 
 }  // namespace
 
 void addInspectCommand(CLI::App& program, Job& job) {
     auto options = std::make_shared<InspectOptions>();
-    CLI::App* command = program.add_subcommand("inspect", "Show what a backup package holds");
-    command->add_option("DIR", options->from, "Folder that holds the package qelmsg_0, or qelmsg_0 itself")->required();
+    CLI::App* command = program.add_subcommand("inspect", "Show what a backup package or a tree holds");
+    command->add_option("DIR", options->from, "Folder that holds the package or the tree, see below")->required();
     addUserOption(*command, options->user);
+    command->add_flag("--tree", options->tree, "Look into a tree, also where there is a package");
     command->add_flag("--json", options->json, "Print JSON instead of tables; ids are texts, since they may pass 2^53");
+    addKeyOptions(*command, options->key);
     command->footer(kFooter);
     setJob(*command, job, std::move(options), runInspect);
 }

@@ -9,6 +9,7 @@
 #include "app/host_transfer.h"
 #include "app/printable.h"
 #include "app/progress_bar.h"
+#include "app/sample_attachment.h"
 #include "app/sample_conversation.h"
 #include "app/sample_plan.h"
 #include "app/text_table.h"
@@ -53,7 +54,7 @@ public:
         : plan_(options.plan),
           account_(account),
           transfer_(transfer),
-          writer_(plan_, account.root()),
+          writer_(plan_, AttachmentTurns(plan_.messages), makerFor(account)),
           ownId_(ownIdOf(options.user)) {}
 
     void run() {
@@ -76,6 +77,12 @@ public:
     }
 
 private:
+    static AttachmentMaker makerFor(const Account& account) {
+        return [root = account.root()](int msgType, long long messageId, const std::string& day, Random& random) {
+            return makeAttachment(root, msgType, messageId, day, random);
+        };
+    }
+
     static long long ownIdOf(const std::string& user) {
         constexpr long long kAnyId = 1000000000000001;
         const long long id = tools::atoint64(user.c_str());

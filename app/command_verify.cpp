@@ -3,11 +3,13 @@
 #include <iostream>
 #include <memory>
 
+#include "app/failure.h"
 #include "app/host_transfer.h"
 #include "app/printable.h"
 #include "app/text_table.h"
 #include "app/units.h"
 #include "app/verification.h"
+#include "app/verify_tree.h"
 
 namespace app {
 namespace {
@@ -21,12 +23,17 @@ struct VerifyOptions {
     std::string database = "main";
     long long most = 20;
     bool strict = false;
+    bool tree = false;
     KeyOptions key;
 };
 
 Direction directionOf(const VerifyOptions& options) {
     if (options.check == "exported") return Direction::exported;
     return options.check == "imported" ? Direction::imported : Direction::both;
+}
+
+Database databaseOf(const VerifyOptions& options) {
+    return options.database == "back" ? Database::back : Database::main;
 }
 
 void printSummary(const VerifyCounts& counts, const PackagePlace& place, const std::string& database,
@@ -45,11 +52,29 @@ void printSummary(const VerifyCounts& counts, const PackagePlace& place, const s
     summary.print(std::cout);
 }
 
+int exitCodeOf(const VerifyReport& report, const VerifyOptions& options) {
+    return report.hasFindings() || (options.strict && report.hasRules()) ? kFailed : kDone;
+}
+
+int runVerifyTree(const VerifyOptions& options, const TreeSource& tree) {
+    if (!options.since.text.empty() || options.check == "exported") {
+        throw Failure({0, "A tree is never exported, and is held against an account whole", tree.root, "",
+                       "leave out --since and --check"});
+    }
+    const Account account(options.account);
+    const SecretText key = findKey(options.key, account);
+    HostTransfer transfer;
+    transfer.dbKey = key.text();
+    return exitCodeOf(verifyTree(tree, account, databaseOf(options), transfer, options.most), options);
+}
+
 int runVerify(const VerifyOptions& options) {
+    const TreeSource tree = findTreeSource(options.from, options.user, options.tree);
+    if (!tree.root.empty()) return runVerifyTree(options, tree);
     const Stopwatch watch;
     const PackagePlace place = findPackage(options.from, options.user);
     const Account account(options.account);
-    const Database database = options.database == "back" ? Database::back : Database::main;
+    const Database database = databaseOf(options);
     const SecretText key = findKey(options.key, account);
     HostTransfer transfer;
     transfer.dbKey = key.text();
@@ -62,8 +87,7 @@ int runVerify(const VerifyOptions& options) {
     const VerifyReport& report = verification.report();
     printSummary(verification.counts(), place, account.database(database), watch);
     report.print(std::cout, options.most);
-    const bool agrees = !report.hasFindings() && !(options.strict && report.hasRules());
-    return agrees ? kDone : kFailed;
+    return exitCodeOf(report, options);
 }
 
 constexpr const char* kFooter =
@@ -76,6 +100,11 @@ any. What is different because export and import change it by rule is counted ap
   imported  the package was imported into this account, which may hold more: all of the package must be in the account
   both      both must hold
 
+--from takes the folder that holds the package qelmsg_0 or the tree qelbackup/ID, or the package or tree itself. Where it
+holds both, the package is meant; --tree asks for the tree. A tree is always held against an account into which it was imported:
+all its messages, recent contacts, notes and rooms must be in the account, and its attachments there or still in the tree.
+Encrypted files are read with the key of the account.
+
 Examples:
   chat-transfer verify --from ~/backup --account ~/chat --user 1000000000000001 --key-file ~/.chat-key
   chat-transfer verify --from ~/backup --account ~/chat --user 1000000000000001 --since 2024-01-01 --check exported)";
@@ -84,8 +113,9 @@ Examples:
 
 void addVerifyCommand(CLI::App& program, Job& job) {
     auto options = std::make_shared<VerifyOptions>();
-    CLI::App* command = program.add_subcommand("verify", "Hold a package against an account and list what differs");
-    addPackageOption(*command, options->from);
+    CLI::App* command =
+        program.add_subcommand("verify", "Hold a package or a tree against an account and list what differs");
+    addFolderOption(*command, "--from", options->from, "Folder that holds the package or the tree, see below");
     addAccountOption(*command, options->account);
     addUserOption(*command, options->user);
     addSinceOption(*command, options->since, "Only messages of this day and later; without it, all messages");
@@ -102,6 +132,7 @@ void addVerifyCommand(CLI::App& program, Job& job) {
         ->check(CLI::Range(0LL, 100000LL).description(""))
         ->capture_default_str();
     command->add_flag("--strict", options->strict, "Fail also on what is different by rule");
+    command->add_flag("--tree", options->tree, "Hold a tree against the account, also where there is a package");
     addKeyOptions(*command, options->key);
     command->footer(kFooter);
     setJob(*command, job, std::move(options), runVerify);

@@ -7,10 +7,14 @@
 #include <sstream>
 
 #include "app/command.h"
+#include "app/command_decrypt_tree.h"
+#include "app/command_encrypt_tree.h"
 #include "app/command_export.h"
 #include "app/command_import.h"
+#include "app/command_import_tree.h"
 #include "app/command_inspect.h"
 #include "app/command_sample.h"
+#include "app/command_sample_tree.h"
 #include "app/command_verify.h"
 #include "app/failure.h"
 #include "app/printable.h"
@@ -39,6 +43,10 @@ void addCommands(CLI::App& program, app::Job& job) {
     app::addImportCommand(program, job);
     app::addInspectCommand(program, job);
     app::addVerifyCommand(program, job);
+    app::addImportTreeCommand(program, job);
+    app::addEncryptTreeCommand(program, job);
+    app::addDecryptTreeCommand(program, job);
+    app::addSampleTreeCommand(program, job);
 }
 
 // What the parser has to say goes to the terminal with the user's own words in it.

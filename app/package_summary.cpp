@@ -4,27 +4,17 @@
 #include <array>
 #include <cstdio>
 
+#include "app/json_texts.h"
 #include "app/paths.h"
 #include "app/printable.h"
 #include "host/json_owner.h"
 #include "transfer/attachment_body.h"
+#include "transfer/tree_attachments.h"
 
 namespace app {
 namespace {
 
 using tools::JsonDocument;
-
-void count(PackageSummary& summary, const imsdk::st_dbMessageBean& message) {
-    const PackageSummary::Day day(message.year_, message.mon, message.day_);
-    PackageSummary::Conversation& conversation = summary.conversations[message.targetID];
-    if (conversation.messages == 0) conversation.first = conversation.last = day;
-    conversation.first = std::min(conversation.first, day);
-    conversation.last = std::max(conversation.last, day);
-    ++conversation.messages;
-    ++conversation.byType[message.msgType];
-    ++summary.messages;
-    ++summary.byType[message.msgType];
-}
 
 void set(JSON_Object* object, const char* key, long long number) {
     json_object_set_number(object, key, static_cast<double>(number));
@@ -50,12 +40,6 @@ JSON_Object* appendObject(JSON_Array* array) {
     return json_array_get_object(array, json_array_get_count(array) - 1);
 }
 
-void setTypes(JSON_Object* object, const std::map<int, long long>& byType) {
-    JSON_Object* types = addObject(object, "byType");
-    for (const auto& [type, messages] : byType)
-        set(types, std::to_string(type).c_str(), messages);
-}
-
 void setFacts(JSON_Object* object, const PackageFacts& facts) {
     JSON_Array* versions = addArray(object, "versions");
     for (const auto& [version, files] : facts.versions) {
@@ -78,20 +62,26 @@ void setAttachments(JSON_Object* object, const AttachmentCheck::Counts& counts) 
     set(attachments, "refused", counts.refused);
 }
 
-void setConversations(JSON_Object* object, const PackageSummary& summary) {
-    JSON_Array* conversations = addArray(object, "conversations");
-    for (const auto& [id, conversation] : summary.conversations) {
-        JSON_Object* element = appendObject(conversations);
-        set(element, "id", std::to_string(id));
-        set(element, "name", conversation.name);
-        set(element, "messages", conversation.messages);
-        set(element, "firstDay", dayText(conversation.first));
-        set(element, "lastDay", dayText(conversation.last));
-        setTypes(element, conversation.byType);
-    }
+}  // namespace
+
+void PackageSummary::add(const imsdk::st_dbMessageBean& message) {
+    const Day day(message.year_, message.mon, message.day_);
+    Conversation& conversation = conversations[message.targetID];
+    if (conversation.messages == 0) conversation.first = conversation.last = day;
+    conversation.first = std::min(conversation.first, day);
+    conversation.last = std::max(conversation.last, day);
+    ++conversation.messages;
+    ++conversation.byType[message.msgType];
+    ++messages;
+    ++byType[message.msgType];
 }
 
-}  // namespace
+void PackageSummary::addNames(const std::vector<imsdk::st_dbReContactBean>& contacts) {
+    for (const imsdk::st_dbReContactBean& contact : contacts) {
+        const auto conversation = conversations.find(contact.targetID);
+        if (conversation != conversations.end()) conversation->second.name = contact.name;
+    }
+}
 
 std::optional<std::pair<PackageSummary::Day, PackageSummary::Day>> PackageSummary::days() const {
     std::optional<std::pair<Day, Day>> range;
@@ -107,13 +97,10 @@ PackageSummary summarise(const PackagePlace& place) {
     PackageSummary summary;
     AttachmentCheck attachments(place.attachments, "");
     summary.facts = readPackage(place, [&](const PackageMessage& message) {
-        count(summary, message.record);
+        summary.add(message.record);
         attachments.collect(message.record.body, message.record.msgType);
     });
-    for (const imsdk::st_dbReContactBean& contact : summary.facts.contacts) {
-        const auto conversation = summary.conversations.find(contact.targetID);
-        if (conversation != summary.conversations.end()) conversation->second.name = contact.name;
-    }
+    summary.addNames(summary.facts.contacts);
     summary.attachments = attachments.countInPackage();
     summary.bytes = sizeOfFolder(place.messages) + sizeOfFolder(place.attachments);
     return summary;
@@ -125,6 +112,25 @@ std::string dayText(const PackageSummary::Day& day) {
     return buffer.data();
 }
 
+void addTypes(JSON_Object* object, const std::map<int, long long>& byType) {
+    JSON_Object* types = addObject(object, "byType");
+    for (const auto& [type, messages] : byType)
+        set(types, std::to_string(type).c_str(), messages);
+}
+
+void addConversations(JSON_Object* object, const PackageSummary& summary) {
+    JSON_Array* conversations = addArray(object, "conversations");
+    for (const auto& [id, conversation] : summary.conversations) {
+        JSON_Object* element = appendObject(conversations);
+        set(element, "id", std::to_string(id));
+        set(element, "name", conversation.name);
+        set(element, "messages", conversation.messages);
+        set(element, "firstDay", dayText(conversation.first));
+        set(element, "lastDay", dayText(conversation.last));
+        addTypes(element, conversation.byType);
+    }
+}
+
 std::string jsonOf(const PackageSummary& summary) {
     const JsonDocument document(json_value_init_object());
     JSON_Object* object = json_value_get_object(document.get());
@@ -134,14 +140,11 @@ std::string jsonOf(const PackageSummary& summary) {
         set(object, "firstDay", dayText(days->first));
         set(object, "lastDay", dayText(days->second));
     }
-    setTypes(object, summary.byType);
+    addTypes(object, summary.byType);
     setAttachments(object, summary.attachments);
     set(object, "bytes", static_cast<long long>(summary.bytes));
-    setConversations(object, summary);
-    char* text = json_serialize_to_string_pretty(document.get());
-    std::string result = text != nullptr ? text : "{}";
-    json_free_serialized_string(text);
-    return result;
+    addConversations(object, summary);
+    return prettyTextOf(document);
 }
 
 std::string typeName(int msgType) {
@@ -152,6 +155,10 @@ std::string typeName(int msgType) {
             return "image";
         case transfer::kFileMessage:
             return "file";
+        case transfer::kPicturesMessage:
+            return "pictures";
+        case transfer::kVideoMessage:
+            return "video";
         default:
             return "type " + std::to_string(msgType);
     }

@@ -8,6 +8,7 @@
 
 #include "app/attachment_check.h"
 #include "app/package_files.h"
+#include "host/json.h"
 
 namespace app {
 
@@ -29,6 +30,11 @@ struct PackageSummary {
     AttachmentCheck::Counts attachments;
     unsigned long long bytes = 0;  ///< of all files of the user
 
+    /// Counts a message.
+    void add(const imsdk::st_dbMessageBean& message);
+    /// Takes the names of conversations over.
+    void addNames(const std::vector<imsdk::st_dbReContactBean>& contacts);
+
     /// The first and the last day; none without messages.
     std::optional<std::pair<Day, Day>> days() const;
 };
@@ -41,7 +47,12 @@ std::string dayText(const PackageSummary::Day& day);
 /// The summary as one JSON object, without any raw control character.
 std::string jsonOf(const PackageSummary& summary);
 
-/// "voice" for 3, "image" for 5, "file" for 6, "type 7" for others.
+/// The part of it that is about conversations.
+void addConversations(JSON_Object* object, const PackageSummary& summary);
+/// Messages by type, as "byType".
+void addTypes(JSON_Object* object, const std::map<int, long long>& byType);
+
+/// "voice" for 3, "image" for 5, "file" for 6, "pictures" for 28, "video" for 89, "type 7" for others.
 std::string typeName(int msgType);
 
 }  // namespace app

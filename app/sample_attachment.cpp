@@ -1,34 +1,13 @@
 #include "app/sample_attachment.h"
 
-#include <fcntl.h>
-
-#include <cerrno>
-
-#include "app/failure.h"
+#include "app/json_texts.h"
+#include "app/new_file.h"
 #include "app/sample_media.h"
 #include "app/sample_texts.h"
-#include "host/file_handle.h"
-#include "host/json_owner.h"
 #include "transfer/attachment_body.h"
 
 namespace app {
 namespace {
-
-constexpr mode_t kOwnerOnly = 0600;
-
-void writeNewFile(const std::string& path, const std::string& bytes) {
-    tools::detail::FileHandle file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnly));
-    const bool written =
-        file.valid() && tools::detail::writeAll(file.get(), bytes.data(), bytes.size()) && file.close();
-    if (!written) throw Failure({0, "An attachment of the sample cannot be written", path, systemWords(errno), ""});
-}
-
-std::string textOf(const tools::JsonDocument& document) {
-    char* text = json_serialize_to_string(document.get());
-    std::string result = text != nullptr ? text : "";
-    json_free_serialized_string(text);
-    return result;
-}
 
 // The body of a voice or file message. The server knows the file under another name than the one that people see.
 std::string bodyWithName(const std::string& serverPath, const std::string& fileName, std::size_t size) {

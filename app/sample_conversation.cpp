@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "app/calendar.h"
-#include "app/sample_attachment.h"
 #include "app/sample_texts.h"
 #include "transfer/recent_contact_table.h"
 
@@ -55,8 +54,8 @@ void answer(imsdk::st_dbMessageBean& message, const std::vector<imsdk::st_dbMess
 
 }  // namespace
 
-SampleWriter::SampleWriter(SamplePlan plan, std::string accountRoot)
-    : plan_(plan), accountRoot_(std::move(accountRoot)), turns_(plan.messages) {}
+SampleWriter::SampleWriter(SamplePlan plan, AttachmentTurns turns, AttachmentMaker makeAttachment)
+    : plan_(plan), turns_(std::move(turns)), makeAttachment_(std::move(makeAttachment)) {}
 
 Random SampleWriter::randomOf(long long conversation, unsigned long long stream) const {
     Random seed(plan_.seed + stream * 0x100000001B3U);
@@ -113,7 +112,7 @@ void SampleWriter::fill(imsdk::st_dbMessageBean& message, const SampleConversati
 
 void SampleWriter::attach(imsdk::st_dbMessageBean& message, int msgType, Random& random) {
     message.msgType = msgType;
-    message.body = makeAttachment(accountRoot_, msgType, message.msgID, dayText(message), random);
+    message.body = makeAttachment_(msgType, message.msgID, dayText(message), random);
 }
 
 imsdk::st_dbReContactBean SampleWriter::contact(const SampleConversation& conversation,

@@ -1,6 +1,7 @@
 // The messages of one conversation of a sample account.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -19,14 +20,18 @@ struct SampleConversation {
     bool group() const { return others.size() > 1; }
 };
 
+/// Writes the files of an attachment message and gives its body; `day` is "2024-06-15". Throws Failure.
+using AttachmentMaker =
+    std::function<std::string(int msgType, long long messageId, const std::string& day, Random& random)>;
+
 /// Everything that the messages of one sample are made from.
 class SampleWriter {
 public:
-    SampleWriter(SamplePlan plan, std::string accountRoot);
+    SampleWriter(SamplePlan plan, AttachmentTurns turns, AttachmentMaker makeAttachment);
 
     SampleConversation conversation(long long number, long long id, long long ownId) const;
 
-    /// The messages in the order of time; their attachments are written into the account. Throws Failure.
+    /// The messages in the order of time; their attachments are written. Throws Failure.
     std::vector<imsdk::st_dbMessageBean> messages(const SampleConversation& conversation, long long count);
 
     /// The conversation's line in the list of recent contacts. `last` is null for a conversation without messages.
@@ -39,8 +44,8 @@ private:
     Random randomOf(long long conversation, unsigned long long stream) const;
 
     SamplePlan plan_;
-    std::string accountRoot_;
     AttachmentTurns turns_;
+    AttachmentMaker makeAttachment_;
 };
 
 }  // namespace app

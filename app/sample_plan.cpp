@@ -1,8 +1,8 @@
 #include "app/sample_plan.h"
 
 #include <algorithm>
-#include <array>
 #include <unordered_set>
+#include <utility>
 
 #include "app/random.h"
 #include "transfer/attachment_body.h"
@@ -19,7 +19,6 @@ constexpr long long kWakingHours = 16;
 constexpr long long kMillisecondsPerHour = 3600000;
 
 constexpr long long kMostFiles = 2000;
-// Three attachment messages have four files: an image comes with its thumbnail.
 constexpr long long kUsualStride = 134;
 
 // Independent streams of random numbers from one seed.
@@ -90,16 +89,20 @@ std::vector<long long> messageTimes(const SamplePlan& plan, long long conversati
     return times;
 }
 
-AttachmentTurns::AttachmentTurns(long long messages) {
-    const long long forLimit = (messages * 4 + kMostFiles * 3 - 1) / (kMostFiles * 3);
-    const long long forSmallSample = std::max(1LL, messages / 3);
+AttachmentKinds packageAttachments() {
+    return {{transfer::kVoiceMessage, transfer::kImageMessage, transfer::kFileMessage}, 4};
+}
+
+AttachmentTurns::AttachmentTurns(long long messages, AttachmentKinds kinds) : kinds_(std::move(kinds)) {
+    const auto types = static_cast<long long>(kinds_.types.size());
+    const long long forLimit = (messages * kinds_.files + kMostFiles * types - 1) / (kMostFiles * types);
+    const long long forSmallSample = std::max(1LL, messages / types);
     stride_ = std::max(std::min(kUsualStride, forSmallSample), forLimit);
 }
 
 int AttachmentTurns::next() {
-    constexpr std::array<int, 3> kTypes = {transfer::kVoiceMessage, transfer::kImageMessage, transfer::kFileMessage};
     if (++position_ % stride_ != 0) return 0;
-    return kTypes.at(turn_++ % kTypes.size());
+    return kinds_.types[turn_++ % kinds_.types.size()];
 }
 
 }  // namespace app

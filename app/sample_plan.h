@@ -22,16 +22,25 @@ std::vector<long long> conversationIds(const SamplePlan& plan);
 /// `count` different times in milliseconds since 1970, ascending, in waking hours of the plan's days.
 std::vector<long long> messageTimes(const SamplePlan& plan, long long conversation, long long count);
 
-/// Says which messages carry attachments: about one in a hundred, and never more than 2,000 files in all. Voice, image
-/// and file messages take turns.
+/// What kinds of attachment messages a sample has: they take turns.
+struct AttachmentKinds {
+    std::vector<int> types;
+    long long files;  ///< of one message of each type, all together
+};
+
+/// Voice, image and file messages; an image comes with its thumbnail.
+AttachmentKinds packageAttachments();
+
+/// Says which messages carry attachments: about one in a hundred, and never more than 2,000 files in all.
 class AttachmentTurns {
 public:
-    explicit AttachmentTurns(long long messages);
+    explicit AttachmentTurns(long long messages, AttachmentKinds kinds = packageAttachments());
 
     /// The type of the next message: a type that carries attachments, or 0.
     int next();
 
 private:
+    AttachmentKinds kinds_;
     long long stride_;
     long long position_ = 0;
     std::size_t turn_ = 0;

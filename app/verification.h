@@ -7,11 +7,11 @@
 
 #include "app/account.h"
 #include "app/attachment_check.h"
-#include "app/command.h"
 #include "app/compare_records.h"
 #include "app/package_index.h"
 #include "app/package_place.h"
 #include "app/progress_bar.h"
+#include "app/since_day.h"
 #include "app/verify_report.h"
 
 namespace app {

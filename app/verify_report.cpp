@@ -16,7 +16,7 @@ constexpr std::size_t kMostLinesKept = 100000;
 const char* titleOf(Finding finding) {
     switch (finding) {
         case Finding::fileUnreadable:
-            return "Package files that cannot be read";
+            return "Files that cannot be read";
         case Finding::tableUnreadable:
             return "Tables of the account that cannot be read";
         case Finding::messageNotInPackage:
@@ -31,6 +31,12 @@ const char* titleOf(Finding finding) {
             return "Recent contacts missing in the account";
         case Finding::contactDiffers:
             return "Recent contacts that differ";
+        case Finding::noteNotInAccount:
+            return "Notes missing in the account";
+        case Finding::noteDiffers:
+            return "Notes that differ";
+        case Finding::roomNotInAccount:
+            return "Rooms missing in the account";
         case Finding::attachmentNotInPackage:
             return "Attachments missing in the package";
         case Finding::attachmentNotInAccount:
@@ -59,6 +65,8 @@ const char* wordsOf(Rule rule) {
             return "texts had ill-formed UTF-8, replaced by U+FFFD";
         case Rule::idShared:
             return "messages share their id with another one of the conversation: an import keeps the first";
+        case Rule::tableTrimmed:
+            return "messages are older than the newest 3,000 that an import keeps of a conversation beyond 5,000";
         case Rule::contactKept:
             return "recent contacts are the account's own: an import never overwrites one";
         case Rule::pinConverted:

@@ -20,6 +20,8 @@ TEST_F(Demo, MovesAnAccountAndShowsThatNothingDoublesOrGetsLost) {
     ASSERT_EXIT_CODE(0, run);
     EXPECT_SAYS("0 messages inserted, 20,000 messages there already", run.out);
     EXPECT_SAYS("20,000 messages that agree, 199 attachments compared", run.out);
+    EXPECT_SAYS("20,000 messages inserted, 12 notes inserted, 7 rooms inserted, 382 attachments moved", run.out);
+    EXPECT_SAYS("20,000 messages that agree, 382 attachments in the account", run.out);
     EXPECT_SAYS_NOT("missing in the", run.out);
     EXPECT_EQ(".made-by-demo backup first key second", listing(at("demo")));
     EXPECT_EQ(0600U, permissionsOf(at("demo/key")));

@@ -187,7 +187,7 @@ TEST_F(VerifyCommand, ListsADamagedFileOfThePackage) {
     dir_.write(std::string("package/qelmsg_0/messages_0/") + kUser + "/msg_1.mg", "{");
     const Outcome run = verify("package", "copy");
     EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Package files that cannot be read: 1\n", run.out);
+    EXPECT_SAYS("Files that cannot be read: 1\n", run.out);
     EXPECT_SAYS("Messages missing in the package: ", run.out);
 }
 

@@ -1,0 +1,93 @@
+#include "app/command_decrypt_tree.h"
+
+#include <iostream>
+#include <memory>
+
+#include "app/failure.h"
+#include "app/left_out.h"
+#include "app/paths.h"
+#include "app/printable.h"
+#include "app/text_table.h"
+#include "app/tree_conversion.h"
+#include "app/tree_place.h"
+#include "app/tree_staging.h"
+
+namespace app {
+namespace {
+
+struct DecryptTreeOptions {
+    std::string from;
+    std::string to;
+    std::string user;
+    KeyOptions key;
+};
+
+// A tree of which nothing decrypts was given another key. Its name must stay free for the next try.
+void requireFittingKey(const ConversionCounts& counts, const std::string& root) {
+    if (counts.failed == 0 || counts.converted > 0 || counts.takenDecrypted > 0) return;
+    const TransferReport::Skipped& first = counts.report.skipped.front();
+    printLeftOut(counts.report, std::cerr);
+    throw Failure({0, "None of the tree's files can be decrypted, and nothing was written", root,
+                   first.what + ": " + first.reason, "check the key"});
+}
+
+void printSummary(const ConversionCounts& counts, const std::string& target, const Stopwatch& watch) {
+    std::cout << "Decrypted into " << printable(target) << '\n';
+    Summary summary;
+    summary.add("Files decrypted", counts.converted);
+    summary.add("Decrypted copies taken over", counts.takenDecrypted);
+    summary.add("Other files copied", counts.copied);
+    summary.add("Files not decrypted", counts.failed);
+    summary.add("Left out", counts.report.skippedCount - counts.failed);
+    summary.add("Size", humanSize(sizeOfFolder(target)));
+    summary.add("Time", humanDuration(watch.seconds()));
+    summary.print(std::cout);
+}
+
+bool decryptedWhole(const ConversionCounts& counts) {
+    if (counts.failed > 0) warn(grouped(counts.failed) + " files or folders could not be decrypted, see below");
+    printLeftOut(counts.report, std::cerr);
+    return counts.failed == 0;
+}
+
+int runDecryptTree(const DecryptTreeOptions& options) {
+    const Stopwatch watch;
+    const TreePlace place = findTree(options.from, options.user);
+    const std::string target = resolvedPath(options.to).string();
+    refuseTargetInside(place.root, target);
+    const SecretText key = requireKey(options.key, options.to, KeyPurpose::unlock);
+    TreeStaging staging(target);
+    ProgressBar progress;
+    progress.begin("Decrypting", {{1, "Decrypting"}});
+    const ConversionCounts counts =
+        convertTree(CipherDirection::decrypt, place.root, staging.folder(), key.text(), progress);
+    progress.finish();
+    requireFittingKey(counts, place.root);
+    staging.publish();
+    printSummary(counts, target, watch);
+    return decryptedWhole(counts) ? kDone : kFailed;
+}
+
+constexpr const char* kFooter =
+    R"(The tree itself stays as it is. Message files (.mg), recent contacts (.ct), notes (.nt) and rooms (.rm) are decrypted
+under their names; decrypted copies that an import left (a.mg.decrypt) become a.mg. All other files, and everything in
+imfiles/, are copied as they are. Files that do not decrypt are listed with the reason, and the exit code is 1 then.
+The result is private messages in the clear: remove it when you are done.
+
+Example:
+  chat-transfer decrypt-tree --from backup --to plain --user 1000000000000001 --key-file ~/.chat-key)";
+
+}  // namespace
+
+void addDecryptTreeCommand(CLI::App& program, Job& job) {
+    auto options = std::make_shared<DecryptTreeOptions>();
+    CLI::App* command = program.add_subcommand("decrypt-tree", "Make the plain form of a tree, for support cases");
+    addTreeOption(*command, options->from);
+    addFolderOption(*command, "--to", options->to, "Folder that the plain tree becomes; it must not exist");
+    addUserOption(*command, options->user);
+    addKeyOptions(*command, options->key);
+    command->footer(kFooter);
+    setJob(*command, job, std::move(options), runDecryptTree);
+}
+
+}  // namespace app

@@ -1,0 +1,93 @@
+#include "app/command_encrypt_tree.h"
+
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+#include "app/failure.h"
+#include "app/left_out.h"
+#include "app/paths.h"
+#include "app/printable.h"
+#include "app/text_table.h"
+#include "app/tree_conversion.h"
+#include "app/tree_place.h"
+#include "app/tree_staging.h"
+
+namespace app {
+namespace {
+
+struct EncryptTreeOptions {
+    std::string from;
+    std::string to;
+    std::string user;
+    KeyOptions key;
+};
+
+std::string requireFolder(const std::string& given) {
+    const std::string folder = resolvedPath(given).string();
+    std::error_code ignored;
+    if (std::filesystem::is_directory(folder, ignored)) return folder;
+    throw Failure({0, "There is no plain tree", folder, "it is no folder",
+                   "give with --from the folder that holds the conversations' folders"});
+}
+
+// A tree from which folders are missing is no copy.
+void requireWhole(const ConversionCounts& counts) {
+    if (counts.failed == 0) return;
+    const TransferReport::Skipped& first = counts.report.skipped.front();
+    throw Failure({0, "The plain tree cannot be read whole, and no tree was left", first.what, first.reason,
+                   "check its permissions"});
+}
+
+void printSummary(const ConversionCounts& counts, const std::string& target, const Stopwatch& watch) {
+    std::cout << "Encrypted into " << printable(target) << '\n';
+    Summary summary;
+    summary.add("Files encrypted", counts.converted);
+    summary.add("Other files copied", counts.copied);
+    summary.add("Left out", counts.report.skippedCount);
+    summary.add("Size", humanSize(sizeOfFolder(target)));
+    summary.add("Time", humanDuration(watch.seconds()));
+    summary.print(std::cout);
+}
+
+int runEncryptTree(const EncryptTreeOptions& options) {
+    const Stopwatch watch;
+    const std::string from = requireFolder(options.from);
+    const std::string target = treeFolderIn(options.to, options.user);
+    refuseTargetInside(from, target);
+    const SecretText key = requireKey(options.key, options.to, KeyPurpose::choose);
+    TreeStaging staging(target);
+    ProgressBar progress;
+    progress.begin("Encrypting", {{1, "Encrypting"}});
+    const ConversionCounts counts = convertTree(CipherDirection::encrypt, from, staging.folder(), key.text(), progress);
+    progress.finish();
+    requireWhole(counts);
+    staging.publish();
+    printSummary(counts, target, watch);
+    printLeftOut(counts.report, std::cerr);
+    return kDone;
+}
+
+constexpr const char* kFooter =
+    R"(The plain tree is what stands directly in a user's tree: a folder for each conversation, named by its id, with message
+files (.mg), and recent contacts (.ct), notes (.nt) and rooms (.rm) anywhere. These are encrypted under their names. All
+other files, and everything in imfiles/, are copied as they are. Links, FIFOs and the like are left out.
+The tree appears as DIR/qelbackup/ID, and only when it is complete.
+
+Example:
+  chat-transfer encrypt-tree --from plain --to backup --user 1000000000000001 --key-file ~/.chat-key)";
+
+}  // namespace
+
+void addEncryptTreeCommand(CLI::App& program, Job& job) {
+    auto options = std::make_shared<EncryptTreeOptions>();
+    CLI::App* command = program.add_subcommand("encrypt-tree", "Make an importable tree out of a plain one");
+    addFolderOption(*command, "--from", options->from, "Folder of the plain tree");
+    addFolderOption(*command, "--to", options->to, "Folder that gets the tree, as qelbackup/<ID>");
+    addUserOption(*command, options->user);
+    addKeyOptions(*command, options->key);
+    command->footer(kFooter);
+    setJob(*command, job, std::move(options), runEncryptTree);
+}
+
+}  // namespace app

@@ -1,0 +1,300 @@
+#include "app/command_import_tree.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <iostream>
+#include <memory>
+
+#include "app/account.h"
+#include "app/failure.h"
+#include "app/host_transfer.h"
+#include "app/left_out.h"
+#include "app/printable.h"
+#include "app/progress_bar.h"
+#include "app/text_table.h"
+#include "app/tree_import_files.h"
+#include "app/tree_place.h"
+#include "app/units.h"
+#include "host/file_handle.h"
+#include "host/tools.h"
+#include "transfer/attachment_body.h"
+#include "transfer/tree_format.h"
+
+namespace app {
+namespace {
+
+struct ImportTreeOptions {
+    std::string from;
+    std::string account;
+    std::string user;
+    std::string into = "main";
+    bool removeDecrypted = false;
+    std::string packageVersion;
+    KeyOptions key;
+};
+
+constexpr const char* kVideoFolder = "/video/";
+
+Database databaseOf(const ImportTreeOptions& options) {
+    return options.into == "back" ? Database::back : Database::main;
+}
+
+bool intoMain(const ImportTreeOptions& options) {
+    return databaseOf(options) == Database::main;
+}
+
+// Two imports of one tree would take the files out of each other's hands. The lock ends with the process.
+tools::detail::FileHandle lockTree(const std::string& root) {
+    tools::detail::FileHandle folder(open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder.valid()) {
+        throw Failure({0, "The tree cannot be read", root, systemWords(errno), "check its permissions"});
+    }
+    if (flock(folder.get(), LOCK_EX | LOCK_NB) == 0) return folder;
+    throw Failure({0, "Another import of this tree is at work", root, "", "wait until it is done"});
+}
+
+// Paths of the transfer stay short this way, and no folder above the tree can lend its number to a conversation.
+void enterTree(dbTrans& transfer, const TreePlace& place, const ImportTreeOptions& options) {
+    if (chdir(place.parent.c_str()) != 0) {
+        throw Failure(
+            {0, "The tree's folder cannot be entered", place.parent, systemWords(errno), "check its permissions"});
+    }
+    transfer.backupPath = ".";
+    transfer.packageSubDir = options.user;
+    transfer.packageVersion = options.packageVersion;
+}
+
+void makeAccountReady(const Account& account, const std::string& key) {
+    for (const std::string& path : makeMissingParts(account, key)) {
+        std::cout << "Made a new "
+                  << (key.empty() ? "database (not encrypted: no key was given): " : "encrypted database: ")
+                  << printable(path) << '\n';
+    }
+    const std::string videos = account.root() + kVideoFolder;
+    if (tools::createDir(videos.c_str()) == 0) return;
+    throw Failure({0, "A folder of the account cannot be made", videos, systemWords(errno),
+                   "choose a place that you may write to"});
+}
+
+void setUserFolders(dbTrans& transfer, const Account& account) {
+    transfer.userAudioDir = account.root() + transfer::kAudioFolder;
+    transfer.userFileDir = account.root() + transfer::kFileFolder;
+    transfer.userImageDir = account.root() + transfer::kImageFolder;
+    transfer.userVideoDir = account.root() + kVideoFolder;
+}
+
+[[noreturn]] void failOnVersion(const dbTrans& transfer) {
+    FailureWords words{transfer::kWrongVersion, "The import stopped; what earlier files brought stays", "", "",
+                       "take that file out of the tree, or give its version with --package-version; import again: "
+                       "nothing doubles"};
+    const auto& skipped = transfer.report.skipped;
+    const auto other = std::find_if(skipped.rbegin(), skipped.rend(), [](const TransferReport::Skipped& one) {
+        return one.reason.compare(0, 19, "has another version") == 0;
+    });
+    if (other != skipped.rend()) {
+        words.path = other->what;
+        words.reason = other->reason;
+    }
+    throw Failure(words);
+}
+
+void requireDone(int result, const dbTrans& transfer, const imsdk::dbUtils& db, const FailureWords& words) {
+    const auto code = static_cast<unsigned int>(result);
+    if (code == transfer::kSuccess) return;
+    if (code == transfer::kWrongVersion) failOnVersion(transfer);
+    throw Failure({code, words.what, words.path, db.lastError(),
+                   "close the client, check that the disk is not full, and import again: nothing doubles"});
+}
+
+void importIntoMain(dbTrans& transfer, const Account& account, ProgressBar& progress) {
+    progress.begin(
+        "Importing",
+        {{0, "Reading recent contacts"}, {1, "Importing messages"}, {2, "Reading notes"}, {3, "Reading rooms"}});
+    requireDone(transfer.rdAllFromFileNJ(), transfer, transfer.mainDb,
+                {0, "The messages could not be written; none of them was kept", account.database(Database::main)});
+    requireDone(transfer.wtAllToDBNJ(), transfer, transfer.pluginDb,
+                {0, "The notes and rooms could not be written; the messages stay", account.pluginDatabase()});
+}
+
+void importIntoBack(dbTrans& transfer, const Account& account, bool removeDecrypted, ProgressBar& progress) {
+    progress.begin("Importing messages", {});
+    requireDone(transfer.readMsgFromFileNJBack(removeDecrypted), transfer, transfer.backDb,
+                {0, "The messages could not be written; none of them was kept", account.database(Database::back)});
+}
+
+long long refused(std::size_t read, long long inserted, long long present) {
+    return static_cast<long long>(read) - inserted - present;
+}
+
+long long refusedContacts(const dbTrans& transfer) {
+    const TransferReport& report = transfer.report;
+    return refused(transfer.reContacts.size(), report.contactsInserted + report.contactsPinned, report.contactsKept);
+}
+
+long long refusedNotes(const dbTrans& transfer) {
+    return refused(transfer.notes.size(), transfer.report.notesInserted, transfer.report.notesDuplicate);
+}
+
+long long refusedRooms(const dbTrans& transfer) {
+    return refused(transfer.rooms.size(), transfer.report.roomsInserted, transfer.report.roomsDuplicate);
+}
+
+long long countThere(const std::vector<std::string>& paths) {
+    return std::count_if(paths.begin(), paths.end(),
+                         [](const std::string& path) { return tools::isFileExsit(path) != 0; });
+}
+
+void addMessageRows(Summary& summary, dbTrans& transfer, const TreeImportFiles& files) {
+    const TransferReport& report = transfer.report;
+    summary.add("Messages read", report.messagesRead);
+    summary.add("Messages inserted", report.messagesInserted);
+    summary.add("Messages there already", report.messagesDuplicate);
+    summary.add("Messages refused", report.messagesRefused);
+    summary.addIfAny("Messages trimmed", report.messagesTrimmed);
+    summary.add("Conversations", files.conversations(transfer));
+    summary.add("Conversations new", report.tablesCreated);
+}
+
+// What goes with the main database only.
+void addOtherRows(Summary& summary, const dbTrans& transfer) {
+    const TransferReport& report = transfer.report;
+    summary.add("Recent contacts read", static_cast<long long>(transfer.reContacts.size()));
+    summary.add("Recent contacts inserted", report.contactsInserted);
+    summary.add("Notes inserted", report.notesInserted);
+    summary.add("Notes there already", report.notesDuplicate);
+    summary.add("Rooms inserted", report.roomsInserted);
+    summary.add("Rooms there already", report.roomsDuplicate);
+    summary.add("Attachments moved", report.attachmentsDone);
+    summary.add("Attachments there already", report.attachmentsPresent);
+    summary.add("Attachments missing", report.attachmentsMissing);
+    summary.add("Attachments refused", report.attachmentsRefused);
+    summary.addIfAny("Attachments failed", report.attachmentsFailed);
+}
+
+void printSummary(dbTrans& transfer, const ImportTreeOptions& options, const Account& account,
+                  const TreeImportFiles& files, const Stopwatch& watch) {
+    std::cout << "Imported into " << printable(account.database(databaseOf(options))) << '\n';
+    Summary summary;
+    addMessageRows(summary, transfer, files);
+    if (intoMain(options)) addOtherRows(summary, transfer);
+    summary.add("Files not decryptable", files.notDecrypted);
+    summary.add("Files not parsable", countNotParsed(transfer.report, transfer::treeRoot(transfer)));
+    if (options.removeDecrypted) {
+        const std::vector<std::string> all = files.all();
+        summary.add("Decrypted copies removed", static_cast<long long>(all.size()) - countThere(all));
+    }
+    summary.add("Time", humanDuration(watch.seconds()));
+    summary.print(std::cout);
+}
+
+// True when all of the tree arrived.
+bool arrivedWhole(const dbTrans& transfer, const TreeImportFiles& files) {
+    const TransferReport& report = transfer.report;
+    bool whole = true;
+    const auto complain = [&whole](long long count, const std::string& words) {
+        if (count == 0) return;
+        warn(grouped(count) + " " + words);
+        whole = false;
+    };
+    complain(files.notDecrypted,
+             "of the tree's files cannot be decrypted and stay as they are, see below; if they were encrypted with "
+             "another key, they cannot go into this account");
+    complain(countNotParsed(report, transfer::treeRoot(transfer)),
+             "of the tree's files cannot be understood, see below");
+    complain(report.messagesRefused, "messages were refused by the database, see below");
+    complain(refusedContacts(transfer), "recent contacts were refused by the database");
+    complain(refusedNotes(transfer), "notes were refused by the database, see below");
+    complain(refusedRooms(transfer), "rooms were refused by the database, see below");
+    complain(report.attachmentsFailed, "attachments could not be moved, see below");
+    printLeftOut(report, std::cerr);
+    return whole;
+}
+
+// What is no failure, but should be known.
+void printRemarks(const ImportTreeOptions& options, const TreeImportFiles& files) {
+    if (files.contacts.size() > 1) {
+        warn("the tree holds " + grouped(static_cast<long long>(files.contacts.size())) +
+             " files of recent contacts; only the last one counts");
+    }
+    const long long kept = options.removeDecrypted ? countThere(files.all()) : 0;
+    if (kept > 0)
+        warn(counted(kept, "decrypted copy was", "decrypted copies were") + " kept: not all of it has arrived");
+}
+
+int runImportTree(const ImportTreeOptions& options) {
+    const Stopwatch watch;
+    const TreePlace place = findTree(options.from, options.user);
+    const Account account(options.account);
+    const SecretText key = findKey(options.key, account);
+    HostTransfer transfer;
+    transfer.dbKey = key.text();
+    // Before the tree is touched: what an account has cannot be opened with the wrong key.
+    const Database into = databaseOf(options);
+    if (lookAt(account.database(into)) != FileLook::missing) openDatabase(transfer, account, into);
+    const tools::detail::FileHandle lock = lockTree(place.root);
+    removeLeftovers(place.root);
+    enterTree(transfer, place, options);
+
+    ProgressBar progress;
+    transfer.progressListener = &progress;
+    progress.begin("Decrypting the tree", {});
+    const TreeImportFiles files = decryptFiles(transfer, intoMain(options) ? TreeKinds::all : TreeKinds::messages);
+    progress.finish();
+    requireTreeVersion(files, transfer);
+    makeAccountReady(account, key.text());
+    setUserFolders(transfer, account);
+    openDatabase(transfer, account, into);
+    if (intoMain(options)) {
+        importIntoMain(transfer, account, progress);
+        if (options.removeDecrypted) removeImported(transfer, files);
+    } else {
+        importIntoBack(transfer, account, options.removeDecrypted, progress);
+    }
+    progress.finish();
+
+    printSummary(transfer, options, account, files, watch);
+    const bool whole = arrivedWhole(transfer, files);
+    printRemarks(options, files);
+    return whole ? kDone : kFailed;
+}
+
+constexpr const char* kFooter =
+    R"(Into "main" goes the whole tree: messages, recent contacts, notes and rooms; attachments are moved into the account's
+folders audio/, file/, image/ and video/. Into "back" go the messages only.
+An import decrypts the tree's files where they are (a.mg becomes a.mg.decrypt) and reads the decrypted copies. They stay
+for another import unless --remove-decrypted is given: then those go of which everything has arrived.
+Importing a tree again adds nothing twice. A conversation of more than 5000 messages is cut back to its newest 3000.
+What of the account is missing is made: folders, and databases that are encrypted when a key is given. The key is the
+one of the tree and of the databases alike.
+
+Examples:
+  chat-transfer import-tree --from ~/backup --account ~/chat --user 1000000000000001 --key-file ~/.chat-key
+  chat-transfer import-tree --from ~/backup --account ~/chat --user 1000000000000001 --into back --remove-decrypted)";
+
+}  // namespace
+
+void addImportTreeCommand(CLI::App& program, Job& job) {
+    auto options = std::make_shared<ImportTreeOptions>();
+    CLI::App* command = program.add_subcommand("import-tree", "Bring an encrypted tree into an account");
+    addTreeOption(*command, options->from);
+    addAccountOption(*command, options->account);
+    addUserOption(*command, options->user);
+    command
+        ->add_option("--into", options->into,
+                     "Database that gets the messages; contacts, notes, rooms and attachments go only with \"main\"")
+        ->type_name("main|back")
+        ->check(CLI::IsMember({"main", "back"}).description(""))
+        ->capture_default_str();
+    command->add_flag("--remove-decrypted", options->removeDecrypted,
+                      "Remove the decrypted files of which everything has arrived; they are the only copies");
+    addPackageVersionOption(*command, options->packageVersion);
+    addKeyOptions(*command, options->key);
+    command->footer(kFooter);
+    setJob(*command, job, std::move(options), runImportTree);
+}
+
+}  // namespace app

@@ -1,0 +1,126 @@
+#include "app/command_sample_tree.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+#include "app/failure.h"
+#include "app/host_transfer.h"
+#include "app/package_summary.h"
+#include "app/paths.h"
+#include "app/printable.h"
+#include "app/progress_bar.h"
+#include "app/sample_tree.h"
+#include "app/text_table.h"
+#include "app/units.h"
+#include "host/tools.h"
+#include "transfer/progress_report.h"
+
+namespace app {
+namespace {
+
+struct SampleTreeOptions {
+    std::string to;
+    std::string user;
+    TreeSampleSettings settings;
+};
+
+std::string faultOfId(const std::string& user) {
+    constexpr std::size_t kMostDigits = 15;  // of an id that JSON holds exactly everywhere
+    const bool digits = std::all_of(user.begin(), user.end(), [](char c) { return c >= '0' && c <= '9'; });
+    if (digits && user.size() <= kMostDigits + 1 && user[0] != '0' && tools::atoint64(user.c_str()) < (1LL << 53))
+        return "";
+    return "is the user's id in decimal, a number from 1 to 9007199254740991";
+}
+
+// A sample never mixes with what is there.
+std::string emptyFolder(const std::string& given) {
+    const std::string path = resolvedPath(given).string();
+    if (tools::createDir(path.c_str()) != 0) {
+        throw Failure({0, "The folder for the tree cannot be made", path, "", "choose a place that you may write to"});
+    }
+    std::error_code error;
+    if (std::filesystem::is_empty(path, error) && !error) return path;
+    throw Failure({0, "The folder for the tree is not empty, and a sample never writes into another one's folder", path,
+                   error ? error.message() : "", "choose another --to, or remove this one"});
+}
+
+void printSummary(const TreeSampleCounts& counts, const SampleTreeOptions& options, const std::string& folder,
+                  const Stopwatch& watch) {
+    std::cout << "Made the plain sample tree " << printable(folder) << '\n';
+    Summary summary;
+    summary.add("User", printable(options.user));
+    summary.add("Messages", counts.messages);
+    summary.add("Conversations", options.settings.plan.conversations);
+    summary.add("Message files", counts.messageFiles);
+    for (const auto& [type, messages] : counts.messagesByType) {
+        if (transfer::carriesTreeFiles(type)) summary.add("Of them " + typeName(type), messages);
+    }
+    summary.add("Recent contacts", counts.contacts);
+    summary.add("Notes", counts.notes);
+    summary.add("Rooms", counts.rooms);
+    summary.add("Time", humanDuration(watch.seconds()));
+    summary.print(std::cout);
+}
+
+int runSampleTree(const SampleTreeOptions& options) {
+    const Stopwatch watch;
+    const std::string folder = emptyFolder(options.to);
+    TreeSampleSettings settings = options.settings;
+    settings.ownId = tools::atoint64(options.user.c_str());
+
+    ProgressBar progress;
+    HostTransfer reporter;
+    reporter.progressListener = &progress;
+    progress.begin("Making the sample tree", {{1, "Writing conversations"}});
+    const auto total = static_cast<int>(settings.plan.conversations);
+    TreeSample sample(std::move(settings), folder + "/");
+    transfer::ProgressThrottle throttle;
+    sample.write([&](std::size_t done) {
+        const auto number = static_cast<int>(done);
+        if (throttle.due(number == total)) reporter.progress(1, total, number);
+    });
+    progress.finish();
+    printSummary(sample.counts(), options, folder, watch);
+    return kDone;
+}
+
+constexpr const char* kFooter =
+    R"(The tree is plain: encrypt-tree makes an importable one of it. It holds messages with every kind of attachment (voice,
+image, file, pictures, video), recent contacts, notes of every type and rooms. The same options give the same tree, on
+every machine. The last day is always 2024-06-30.
+
+Examples:
+  chat-transfer sample-tree --to ~/plain-tree --user 1000000000000001
+  chat-transfer sample-tree --to ~/big-tree --user 1000000000000001 --conversations 2000 --messages 200000 --per-file 10)";
+
+}  // namespace
+
+void addSampleTreeCommand(CLI::App& program, Job& job) {
+    auto options = std::make_shared<SampleTreeOptions>();
+    CLI::App* command = program.add_subcommand("sample-tree", "Make a plain tree that looks alive, to try things with");
+    addFolderOption(*command, "--to", options->to, "Folder of the tree; made when missing, else it has to be empty");
+    addUserOption(*command, options->user);
+    command->get_option("--user")->check(faultOfId);
+    SamplePlan& plan = options->settings.plan;
+    const auto addNumber = [command](const std::string& name, long long& number, long long most,
+                                     const std::string& help) {
+        command->add_option(name, number, help)
+            ->type_name("N")
+            ->check(CLI::Range(1LL, most).description(""))
+            ->capture_default_str();
+    };
+    addNumber("--conversations", plan.conversations, 1000000, "How many conversations");
+    addNumber("--messages", plan.messages, 100000000, "How many messages in all of them");
+    addNumber("--days", plan.days, 18250, "How many days they span");
+    addNumber("--per-file", options->settings.messagesPerFile, 100000, "How many messages a file holds at most");
+    command->add_option("--seed", plan.seed, "Another number makes another tree")
+        ->type_name("N")
+        ->capture_default_str();
+    addPackageVersionOption(*command, options->settings.version);
+    command->footer(kFooter);
+    setJob(*command, job, std::move(options), runSampleTree);
+}
+
+}  // namespace app

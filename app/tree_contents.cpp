@@ -1,0 +1,233 @@
+#include "app/tree_contents.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <filesystem>
+#include <optional>
+#include <set>
+#include <utility>
+
+#include "app/failure.h"
+#include "app/paths.h"
+#include "app/private_folder.h"
+#include "app/tree_files.h"
+#include "app/tree_place.h"
+#include "host/CAES.h"
+#include "host/cipher_container.h"
+#include "host/cipher_error.h"
+#include "host/file_handle.h"
+#include "host/json_owner.h"
+#include "host/tools.h"
+#include "transfer/json_fields.h"
+#include "transfer/message_file.h"
+#include "transfer/recent_contact_table.h"
+#include "transfer/tree_format.h"
+#include "transfer/tree_records.h"
+#include "transfer/tree_walk.h"
+
+namespace app {
+namespace {
+
+namespace fs = std::filesystem;
+using tools::JsonDocument;
+
+constexpr const char* kNoVersion = "(none)";
+
+bool isFolder(const fs::path& path) {
+    std::error_code ignored;
+    return fs::is_directory(path, ignored);
+}
+
+std::string endingOf(const std::string& name) {
+    return name.substr(name.rfind('.'));
+}
+
+// True for a folder that holds a tree directly: attachments, or a record file.
+bool looksLikeTree(const fs::path& folder) {
+    if (isFolder(folder / transfer::kTreeAttachmentsFolder)) return true;
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+        const std::string name = entry->path().filename().string();
+        if (isRecordFile(name) || isDecryptedCopy(name)) return true;
+    }
+    return false;
+}
+
+bool isEncrypted(const std::string& path) {
+    const tools::detail::FileHandle file = tools::detail::openRegularFile(AT_FDCWD, path.c_str(), false);
+    cipher::HeaderBytes bytes{};
+    const ssize_t size = file.valid() ? read(file.get(), bytes.data(), bytes.size()) : -1;
+    try {
+        cipher::decodeHeader(bytes, size > 0 ? static_cast<std::size_t>(size) : 0);
+        return true;
+    } catch (const cipher::Failure&) {
+        return false;
+    }
+}
+
+std::string versionOf(const JSON_Object* file) {
+    const char* version = json_object_get_string(file, transfer::kVersionKey);
+    return version != nullptr ? std::string(version, json_object_get_string_len(file, transfer::kVersionKey))
+                              : kNoVersion;
+}
+
+const char* listKeyOf(const std::string& ending) {
+    if (ending == transfer::kMessageExtension) return transfer::kMessagesKey;
+    if (ending == transfer::kContactExtension) return transfer::kRecentContactsKey;
+    return ending == transfer::kNoteExtension ? transfer::kNotesKey : transfer::kRoomsKey;
+}
+
+class TreeReader {
+public:
+    TreeReader(const TreeSource& source, const std::string& key, const std::function<void(TreeMessage)>& take)
+        : source_(source), key_(key), take_(take), ownId_(tools::atoint64(source.user.c_str())) {}
+
+    TreeFacts run() {
+        const TreeListing listing = listTree(source_.root);
+        for (const UnreadableFolder& folder : listing.unreadable)
+            leaveOut(folder.name, folder.reason);
+        // A record file stands before its decrypted copy.
+        for (const TreeEntry& entry : listing.entries) {
+            if (isRecordFile(entry.name) && entry.kind != TreeEntryKind::folder) takeRecordFile(entry);
+            if (isDecryptedCopy(entry.name) && entry.kind == TreeEntryKind::file) takeCopy(entry.name);
+        }
+        return std::move(facts_);
+    }
+
+private:
+    std::string pathOf(const std::string& name) const { return source_.root + "/" + name; }
+
+    void leaveOut(const std::string& name, const std::string& reason) {
+        facts_.unreadable.push_back({name.empty() ? source_.root : name, reason});
+    }
+
+    void takeRecordFile(const TreeEntry& entry) {
+        if (entry.kind != TreeEntryKind::file) {
+            leaveOut(entry.name, "is not a regular file");
+            return;
+        }
+        TreeFileCounts& counts = facts_.files[endingOf(entry.name)];
+        if (!isEncrypted(pathOf(entry.name))) {
+            ++counts.plain;
+            takeText(entry.name, entry.name, pathOf(entry.name));
+            return;
+        }
+        ++counts.encrypted;
+        if (key_.empty()) {
+            ++facts_.locked;
+        } else {
+            takeEncrypted(entry.name);
+        }
+    }
+
+    void takeEncrypted(const std::string& name) {
+        if (!folder_) folder_.emplace();
+        const std::string text = folder_->path() + "/text";
+        std::array<char, 256> error{};
+        CAES cipher;
+        if (cipher.File_Aes_Go_Block(false, key_.c_str(), pathOf(name).c_str(), text.c_str(), error.data()) != 0) {
+            leaveOut(name, std::string("cannot be decrypted: ") + error.data());
+            return;
+        }
+        opened_.insert(name);
+        takeText(name, name, text);
+    }
+
+    void takeCopy(const std::string& name) {
+        const std::string original = nameWithoutDecrypted(name);
+        ++facts_.files[endingOf(original)].decrypted;
+        if (opened_.count(original) == 0) takeText(name, original, pathOf(name));
+    }
+
+    // `name` is what the file is called in the tree, `original` that name when it is no copy.
+    void takeText(const std::string& name, const std::string& original, const std::string& path) {
+        const JsonDocument document(json_parse_file_no_link(path.c_str()));
+        const JSON_Object* file = json_value_get_object(document.get());
+        const std::string ending = endingOf(original);
+        const JSON_Array* list = json_object_get_array(file, listKeyOf(ending));
+        if (file == nullptr) {
+            leaveOut(name, "is not JSON of this format");
+            return;
+        }
+        ++facts_.versions[versionOf(file)];
+        if (list == nullptr) {
+            leaveOut(name, "has no list of records");
+        } else if (ending == transfer::kMessageExtension) {
+            takeDays(name, list);
+        } else {
+            transfer::forEachObject(list, [&](const JSON_Object* object) { takeRecord(ending, object); });
+        }
+    }
+
+    // Where a plain tree lies says nothing: the conversation is that of the place where an import finds the file.
+    void takeDays(const std::string& name, const JSON_Array* days) {
+        const long long conversation = transfer::conversationOfPath(transfer::kTreeFolder + source_.user + "/" + name);
+        if (conversation == transfer::kNoConversation) {
+            leaveOut(name, "its path names no conversation");
+            return;
+        }
+        transfer::forEachObject(days, [&](const JSON_Object* day) {
+            const transfer::CalendarDay date = transfer::readDate(day);
+            transfer::forEachObject(json_object_get_array(day, transfer::kMessagesKey),
+                                    [&](const JSON_Object* message) { takeMessage(conversation, message, date); });
+        });
+    }
+
+    void takeMessage(long long conversation, const JSON_Object* object, const transfer::CalendarDay& date) {
+        TreeMessage message{conversation, transfer::readMessage(object, date)};
+        imsdk::st_dbMessageBean& record = message.record;
+        transfer::forEachMessageList(
+            record, [object](const char* key, std::string& joined) { transfer::getList(object, key, joined); });
+        record.targetID = record.toUserID == ownId_ ? record.fromeUserID : record.toUserID;
+        take_(std::move(message));
+    }
+
+    void takeRecord(const std::string& ending, const JSON_Object* object) {
+        if (ending == transfer::kNoteExtension) {
+            facts_.notes.push_back(transfer::readNote(object));
+        } else if (ending == transfer::kRoomExtension) {
+            facts_.rooms.push_back(transfer::readRoom(object));
+        } else {
+            imsdk::st_dbReContactBean contact;
+            transfer::forEachRecentContactField(contact, [object](int /*column*/, const char* name, auto& field) {
+                transfer::getField(object, name, field);
+            });
+            facts_.contacts.push_back(std::move(contact));
+        }
+    }
+
+    const TreeSource& source_;
+    const std::string& key_;
+    const std::function<void(TreeMessage)>& take_;
+    const long long ownId_;
+    std::optional<PrivateFolder> folder_;
+    std::set<std::string> opened_;
+    TreeFacts facts_;
+};
+
+}  // namespace
+
+std::string TreeSource::attachments() const {
+    return root + "/" + transfer::kTreeAttachmentsFolder;
+}
+
+TreeSource findTreeSource(const std::string& folder, const std::string& user, bool wanted) {
+    constexpr const char* kPackageName = "qelmsg_0";
+    const fs::path path = resolvedPath(folder);
+    const bool holdsPackage = path.filename() == kPackageName || isFolder(path / kPackageName);
+    if (holdsPackage && !wanted) return {"", user};
+    if (isFolder(treeFolderIn(path.string(), user))) return {treeFolderIn(path.string(), user), user};
+    const fs::path trees = fs::path(transfer::kTreeFolder).parent_path().filename();
+    const bool holdsTrees = path.filename() == trees || isFolder(path / trees);
+    if (!holdsTrees && isFolder(path) && (wanted || looksLikeTree(path))) return {path.string(), user};
+    if (holdsTrees || wanted) return {findTree(path.string(), user).root, user};
+    return {"", user};
+}
+
+TreeFacts readTree(const TreeSource& source, const std::string& key, const std::function<void(TreeMessage)>& take) {
+    return TreeReader(source, key, take).run();
+}
+
+}  // namespace app

@@ -1,0 +1,58 @@
+#include "app/tree_file_names.h"
+
+#include "host/json_owner.h"
+#include "host/tools.h"
+#include "transfer/attachment_body.h"
+#include "transfer/message_file.h"
+
+namespace app {
+namespace {
+
+using transfer::TreeFileKeys;
+using Visit = std::function<void(TreeFileName)>;
+
+// Voice and files keep their name.
+void visitByName(const JSON_Object* body, const char* key, const char* folder, const Visit& visit) {
+    const char* value = json_object_get_string(body, key);
+    if (value == nullptr || *value == '\0') return;
+    std::string name;
+    tools::getNameFromPath(std::string(value), name);
+    visit({value, folder, name});
+}
+
+void visitByUrl(const JSON_Object* body, const char* key, const char* folder, const Visit& visit) {
+    const char* value = json_object_get_string(body, key);
+    if (value == nullptr || *value == '\0') return;
+    visit({value, folder, tools::getUniqueNameByUrl(value, true)});
+}
+
+void visitImage(const JSON_Object* body, const TreeFileKeys& keys, const Visit& visit) {
+    visitByUrl(body, keys.image, transfer::kImageFolder, visit);
+    visitByUrl(body, keys.thumbnail, transfer::kImageFolder, visit);
+}
+
+// An import moves a video only together with its preview.
+void visitVideo(const JSON_Object* body, const TreeFileKeys& keys, const Visit& visit) {
+    if (json_object_get_string(body, keys.preview) == nullptr || json_object_get_string(body, keys.video) == nullptr)
+        return;
+    visitByUrl(body, keys.preview, transfer::kImageFolder, visit);
+    visitByUrl(body, keys.video, kVideoFolder, visit);
+}
+
+}  // namespace
+
+void forEachTreeFile(const std::string& body, int type, const TreeFileKeys& keys, const Visit& visit) {
+    if (!transfer::carriesTreeFiles(type)) return;
+    const tools::JsonDocument document(json_parse_string(body.c_str()));
+    const JSON_Object* object = json_value_get_object(document.get());
+    if (type == transfer::kVoiceMessage) visitByName(object, keys.voice, transfer::kAudioFolder, visit);
+    if (type == transfer::kFileMessage) visitByName(object, keys.file, transfer::kFileFolder, visit);
+    if (type == transfer::kImageMessage) visitImage(object, keys, visit);
+    if (type == transfer::kVideoMessage) visitVideo(object, keys, visit);
+    if (type == transfer::kPicturesMessage) {
+        transfer::forEachObject(json_object_get_array(object, keys.pictures),
+                                [&](const JSON_Object* picture) { visitImage(picture, keys, visit); });
+    }
+}
+
+}  // namespace app

@@ -1,0 +1,49 @@
+// What lies in a folder tree, found without changing anything.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace app {
+
+enum class TreeEntryKind {
+    folder,
+    file,
+    other,  ///< a link, FIFO, socket or device: nothing that is ever opened
+};
+
+struct TreeEntry {
+    std::string name;  ///< path below the root, such as "2002/a.mg"
+    TreeEntryKind kind;
+};
+
+/// A folder that could not be read, and why.
+struct UnreadableFolder {
+    std::string name;  ///< path below the root; empty for the root itself
+    std::string reason;
+};
+
+struct TreeListing {
+    std::vector<TreeEntry> entries;  ///< by name within each folder; a folder stands before what it holds
+    std::vector<UnreadableFolder> unreadable;
+};
+
+/// Lists everything below `root`, which may itself be a link. Links below it are never followed, and folders nested
+/// deeper than kDeepestFolder count as unreadable.
+TreeListing listTree(const std::string& root);
+
+inline constexpr int kDeepestFolder = 200;
+
+/// True for the name of an encrypted record file: one that ends in .mg, .ct, .nt or .rm and is no attachment.
+bool isRecordFile(const std::string& name);
+
+/// True for the name of a record file's decrypted copy, such as "2002/a.mg.decrypt".
+bool isDecryptedCopy(const std::string& name);
+
+/// "2002/a.mg" for "2002/a.mg.decrypt".
+std::string nameWithoutDecrypted(const std::string& name);
+
+/// True for what an interrupted decryption leaves behind: a file that never got its name.
+bool isCipherLeftover(const std::string& name);
+
+}  // namespace app

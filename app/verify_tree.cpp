@@ -1,0 +1,52 @@
+#include "app/verify_tree.h"
+
+#include <iostream>
+
+#include "app/failure.h"
+#include "app/printable.h"
+#include "app/progress_bar.h"
+#include "app/text_table.h"
+#include "app/tree_verification.h"
+#include "app/units.h"
+
+namespace app {
+namespace {
+
+void printSummary(const TreeVerifyCounts& counts, const TreeSource& source, const std::string& database,
+                  const Stopwatch& watch) {
+    std::cout << "Held the tree " << printable(source.root) << " against " << printable(database) << '\n';
+    Summary summary;
+    summary.add("Messages in the tree", counts.messages);
+    summary.add("Messages that agree", counts.equalMessages);
+    summary.add("Recent contacts in the tree", counts.contacts);
+    summary.add("Notes in the tree", counts.notes);
+    summary.add("Rooms in the tree", counts.rooms);
+    summary.add("Attachments named", counts.attachments);
+    summary.add("Attachments in the account", counts.attachmentsInAccount);
+    summary.add("Attachments still in the tree", counts.attachmentsInTree);
+    summary.add("Time", humanDuration(watch.seconds()));
+    summary.print(std::cout);
+}
+
+}  // namespace
+
+VerifyReport verifyTree(const TreeSource& source, const Account& account, Database database, dbTrans& transfer,
+                        long long most) {
+    const Stopwatch watch;
+    openDatabase(transfer, account, database);
+    if (database == Database::main && transfer.kabDbOpen() == 0) {
+        throw Failure({transfer::kDatabaseFailed, "The plugin database, which holds notes and rooms, does not open",
+                       account.pluginDatabase(), transfer.pluginDb.lastError(),
+                       "check that the tree was imported into this account, and the key"});
+    }
+    ProgressBar progress;
+    progress.begin("Comparing", {});
+    TreeVerification verification(source, database, transfer);
+    verification.run();
+    progress.finish();
+    printSummary(verification.counts(), source, account.database(database), watch);
+    verification.report().print(std::cout, most);
+    return verification.report();
+}
+
+}  // namespace app

@@ -1,0 +1,14 @@
+// `chat-transfer verify` for a tree.
+#pragma once
+
+#include "app/account.h"
+#include "app/tree_contents.h"
+#include "app/verify_report.h"
+
+namespace app {
+
+/// Holds the tree against the account, whose key `transfer` has, and prints what was found; `most` lines of each kind.
+VerifyReport verifyTree(const TreeSource& source, const Account& account, Database database, dbTrans& transfer,
+                        long long most);
+
+}  // namespace app

@@ -1,0 +1,116 @@
+#include "host/json_owner.h"
+#include "tests/app/sample_tree_fixture.h"
+
+namespace test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class InspectTree : public SampleTreeTest {
+protected:
+    static void expectWholeSample(const Outcome& run) {
+        EXPECT_EXIT_CODE(0, run);
+        EXPECT_EQ("300", rowOf(run.out, "Messages"));
+        EXPECT_EQ("4", rowOf(run.out, "Conversations"));
+        EXPECT_EQ("4", rowOf(run.out, "Recent contacts"));
+        EXPECT_EQ("12", rowOf(run.out, "Notes"));
+        EXPECT_EQ("2", rowOf(run.out, "Rooms"));
+        EXPECT_EQ("36", rowOf(run.out, "Attachments present"));
+        EXPECT_EQ("0", rowOf(run.out, "Attachments missing"));
+    }
+};
+
+TEST_F(InspectTree, ShowsWhatAPlainTreeHolds) {
+    makePlainTree("tree");
+    const Outcome run = inspect("tree");
+    expectWholeSample(run);
+    EXPECT_EQ("4 plain", rowOf(run.out, "Message files"));
+    EXPECT_EQ("1.0", rowOf(run.out, "Version"));
+    EXPECT_EQ("2024-06-26 to 2024-06-30", rowOf(run.out, "Days"));
+}
+
+TEST_F(InspectTree, CountsEncryptedFilesWithoutAKey) {
+    makeEncryptedTree("backup");
+    const Outcome run = inspect("backup");
+    EXPECT_EXIT_CODE(0, run);
+    EXPECT_EQ("4 encrypted", rowOf(run.out, "Message files"));
+    EXPECT_EQ("0", rowOf(run.out, "Messages"));
+    EXPECT_SAYS("7 files are encrypted: give the key", run.out);
+}
+
+TEST_F(InspectTree, ReadsEncryptedFilesWithTheKeyAndLeavesNothingBehind) {
+    makeEncryptedTree("backup");
+    dir_.makeDir("temporary");
+    const Outcome run = chatTransfer({"inspect", at("backup"), "--user", kUser, "--key-file", at("key")},
+                                     {{"TMPDIR=" + at("temporary")}});
+    expectWholeSample(run);
+    EXPECT_EQ("", listing(at("temporary")));
+    EXPECT_EQ("4 encrypted", rowOf(inspect("backup").out, "Message files"));
+}
+
+TEST_F(InspectTree, NamesFilesThatTheKeyDoesNotOpen) {
+    makeEncryptedTree("backup");
+    dir_.write("key", "wrong");
+    const Outcome run = inspect("backup", keyFile());
+    EXPECT_EXIT_CODE(0, run);
+    EXPECT_SAYS("contacts.ct: cannot be decrypted: wrong key", run.out);
+    EXPECT_EQ("0", rowOf(run.out, "Messages"));
+}
+
+TEST_F(InspectTree, ReadsTheDecryptedCopiesOfAnImport) {
+    makeEncryptedTree("backup");
+    Arguments import = {"import-tree", "--from", at("backup"), "--account", at("account"), "--user", kUser};
+    import.insert(import.end(), {"--key-file", at("key")});
+    ASSERT_EXIT_CODE(0, chatTransfer(import));
+    const Outcome run = inspect("backup");
+    EXPECT_EQ("4 decrypted", rowOf(run.out, "Message files"));
+    EXPECT_EQ("300", rowOf(run.out, "Messages"));
+    EXPECT_EQ("36", rowOf(run.out, "Attachments missing"));
+}
+
+TEST_F(InspectTree, ShowsThePackageWhereThereIsOneUnlessAskedForTheTree) {
+    makePackage("account", "backup");
+    makeEncryptedTree("backup");
+    EXPECT_SAYS("Package ", inspect("backup").out);
+    EXPECT_SAYS("Tree ", inspect("backup", {"--tree"}).out);
+}
+
+TEST_F(InspectTree, FindsMissingAttachments) {
+    makePlainTree("tree");
+    fs::remove_all(at("tree/imfiles/video"));
+    const Outcome run = inspect("tree");
+    EXPECT_EQ("30", rowOf(run.out, "Attachments present"));
+    EXPECT_EQ("6", rowOf(run.out, "Attachments missing"));
+}
+
+TEST_F(InspectTree, NamesDamagedFilesAndThoseOfNoConversation) {
+    makePlainTree("tree");
+    dir_.write("tree/notes.nt", "no JSON");
+    dir_.write("tree/12/list.mg", R"({"version":"1.0"})");
+    const Outcome run = inspect("tree");
+    EXPECT_SAYS("  notes.nt: is not JSON", run.out);
+    EXPECT_SAYS("  12/list.mg: has no list of records", run.out);
+    EXPECT_EQ("0", rowOf(run.out, "Notes"));
+}
+
+TEST_F(InspectTree, PrintsTheSameAsJson) {
+    makePlainTree("tree");
+    const Outcome run = inspect("tree", {"--json"});
+    const tools::JsonDocument document(json_parse_string(run.out.c_str()));
+    const JSON_Object* object = json_value_get_object(document.get());
+    EXPECT_EQ(300, json_object_get_number(object, "messages"));
+    EXPECT_EQ(295, json_object_dotget_number(object, "byType.1"));
+    EXPECT_EQ(1, json_object_dotget_number(object, "byType.89"));
+    EXPECT_EQ(4, json_object_dotget_number(object, "files.messages.plain"));
+    EXPECT_EQ(36, json_object_dotget_number(object, "attachments.present"));
+}
+
+TEST_F(InspectTree, NamesTheUsersOfTheTrees) {
+    makeEncryptedTree("backup");
+    const Outcome run = chatTransfer({"inspect", at("backup"), "--user", "7"});
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_SAYS(std::string("there are trees of: ") + kUser, run.err);
+}
+
+}  // namespace
+}  // namespace test
