@@ -12,7 +12,17 @@ namespace {
 struct alignas(std::max_align_t) BlockHeader {
     long long exact;
     bool hasExact;
+    // The neighbours among the blocks of one parse; null at the ends and for blocks that no parse made.
+    BlockHeader* previous;
+    BlockHeader* next;
 };
+
+// The blocks of the parse that runs on this thread.
+struct ParseBlocks {
+    bool running = false;
+    BlockHeader* newest = nullptr;
+};
+thread_local ParseBlocks parseBlocks;
 
 struct PendingLiteral {
     long long exact = 0;
@@ -33,6 +43,20 @@ const BlockHeader* headerOf(const void* block) {
     return static_cast<const BlockHeader*>(block) - 1;
 }
 
+void link(BlockHeader* header) {
+    header->previous = nullptr;
+    header->next = parseBlocks.running ? parseBlocks.newest : nullptr;
+    if (!parseBlocks.running) return;
+    if (header->next != nullptr) header->next->previous = header;
+    parseBlocks.newest = header;
+}
+
+void unlink(BlockHeader* header) {
+    if (header->previous != nullptr) header->previous->next = header->next;
+    if (header->next != nullptr) header->next->previous = header->previous;
+    if (parseBlocks.newest == header) parseBlocks.newest = header->next;
+}
+
 }  // namespace
 
 double chatTransferJsonToDouble(const char* text, char** end) {
@@ -50,11 +74,25 @@ void* chatTransferJsonAllocate(size_t size) {
     if (header == nullptr) return nullptr;
     header->exact = literal.exact;
     header->hasExact = literal.set;
+    link(header);
     return header + 1;
 }
 
 void chatTransferJsonRelease(void* block) {
-    if (block != nullptr) source.release(headerOf(block));
+    if (block == nullptr) return;
+    unlink(headerOf(block));
+    source.release(headerOf(block));
+}
+
+void chatTransferJsonBeginParse(void) {
+    parseBlocks = {true, nullptr};
+}
+
+void chatTransferJsonEndParse(int succeeded) {
+    parseBlocks.running = false;
+    while (succeeded == 0 && parseBlocks.newest != nullptr)
+        chatTransferJsonRelease(parseBlocks.newest + 1);
+    parseBlocks.newest = nullptr;
 }
 
 void chatTransferJsonSetSource(void* (*allocate)(size_t), void (*release)(void*)) {

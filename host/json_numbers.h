@@ -21,6 +21,11 @@ double chatTransferJsonToDouble(const char* text, char** end);
 void* chatTransferJsonAllocate(size_t size);
 void chatTransferJsonRelease(void* block);
 
+/// The library forgets the block of a name with an embedded NUL when it refuses the text. So a parse is bracketed by
+/// these two, and a failed one frees every block that it made and did not free itself.
+void chatTransferJsonBeginParse(void);
+void chatTransferJsonEndParse(int succeeded);
+
 /// What the library's own allocation hook sets: where the blocks come from. Null pointers stand for malloc and free.
 void chatTransferJsonSetSource(void* (*allocate)(size_t), void (*release)(void*));
 

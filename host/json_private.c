@@ -1,7 +1,7 @@
 /* The private build of the JSON library: its installed source, unmodified, compiled under names of this component.
  *
  * json_names.h maps every public function. The functions below get a further name, because this component has its own
- * version of them: reading files (json_file.cpp), writing (json_writer.cpp), copying (json_int64.cpp) and the hooks. */
+ * version of them: parsing (json_parse.cpp), writing (json_writer.cpp), copying (json_int64.cpp) and the hooks. */
 #include "host/json_names.h"
 #include "host/json_numbers.h"
 
@@ -11,6 +11,8 @@
 #include <stdlib.h>
 #include <string.h>
 
+#undef json_parse_string
+#undef json_parse_string_with_comments
 #undef json_parse_file
 #undef json_parse_file_with_comments
 #undef json_serialization_size
@@ -25,6 +27,8 @@
 #undef json_set_allocation_functions
 #undef json_set_escape_slashes
 #undef json_value_deep_copy
+#define json_parse_string chat_transfer_stock_parse_string
+#define json_parse_string_with_comments chat_transfer_stock_parse_string_with_comments
 #define json_parse_file chat_transfer_stock_parse_file
 #define json_parse_file_with_comments chat_transfer_stock_parse_file_with_comments
 #define json_serialization_size chat_transfer_stock_serialization_size
@@ -44,7 +48,8 @@
 
 #include CHAT_TRANSFER_PARSON_SOURCE
 
-/* Before any other code of the process can call the library: a block without the header of json_numbers.h must not exist. */
+/* Before any other code of the process can call the library: a block without the header of json_numbers.h must not
+ * exist. */
 __attribute__((constructor(101))) static void installAllocation(void) {
     chat_transfer_stock_set_allocation_functions(chatTransferJsonAllocate, chatTransferJsonRelease);
 }

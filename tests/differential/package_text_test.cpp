@@ -41,7 +41,7 @@ private:
     void fill(long long& field) {
         static constexpr std::array<long long, 8> odd = {
             INT64_MAX, INT64_MIN, 1LL << 53, -(1LL << 53), (1LL << 53) + 1, -((1LL << 53) + 1LL), 0, -1};
-        const long long high = static_cast<long long>(generator_.random()());
+        const auto high = static_cast<long long>(generator_.random()()) - (1LL << 31);
         field = generator_.upTo(2) == 0 ? odd.at(static_cast<std::size_t>(generator_.upTo(8)))
                                         : high * 4294967296LL + generator_.upTo(1000);
     }

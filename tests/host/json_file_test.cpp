@@ -228,3 +228,28 @@ TEST_F(JsonMemoryTest, RunningOutOfMemoryGivesNoDocumentAndLeavesNothing) {
 }
 
 }  // namespace
+
+namespace {
+
+long long liveBlocks = 0;
+
+void* countedAllocate(std::size_t size) {
+    ++liveBlocks;
+    return std::malloc(size);
+}
+
+void countedRelease(void* block) {
+    if (block != nullptr) --liveBlocks;
+    std::free(block);
+}
+
+}  // namespace
+
+TEST(JsonParseTest, ARefusedTextLeavesNoMemoryBehind) {
+    json_set_allocation_functions(countedAllocate, countedRelease);
+    for (const char* text : {R"({"a\u0000b":1})", R"({"x":[1,{"a\u0000":2}]})", R"({"a":1,"a":2})", "[1,2"}) {
+        EXPECT_EQ(nullptr, json_parse_string(text)) << text;
+        EXPECT_EQ(0, liveBlocks) << text;
+    }
+    json_set_allocation_functions(nullptr, nullptr);
+}

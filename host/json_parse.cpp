@@ -1,4 +1,5 @@
-// Reading JSON files: regular files only, so that a FIFO under the name of a message file cannot hang the import.
+// Parsing: texts without a leak when they are refused; files only when they are regular, so that a FIFO under the name
+// of a message file cannot hang the import.
 #include <fcntl.h>
 
 #include <new>
@@ -6,6 +7,8 @@
 
 #include "host/file_handle.h"
 #include "host/json.h"
+#include "host/json_numbers.h"
+#include "host/json_stock.h"
 
 namespace {
 
@@ -27,9 +30,25 @@ JSON_Value* parseFileOrNull(const char* filename, Links links, Parse parse) try 
     return nullptr;
 }
 
+// Parses with everything freed again when the text is refused.
+JSON_Value* parseCleanly(const char* string, Parse parse) {
+    chatTransferJsonBeginParse();
+    JSON_Value* value = parse(string);
+    chatTransferJsonEndParse(value != nullptr ? 1 : 0);
+    return value;
+}
+
 }  // namespace
 
 extern "C" {
+
+JSON_Value* json_parse_string(const char* string) {
+    return parseCleanly(string, chat_transfer_stock_parse_string);
+}
+
+JSON_Value* json_parse_string_with_comments(const char* string) {
+    return string != nullptr ? parseCleanly(string, chat_transfer_stock_parse_string_with_comments) : nullptr;
+}
 
 JSON_Value* json_parse_file(const char* filename) {
     return parseFileOrNull(filename, Links::follow, json_parse_string);
