@@ -17,7 +17,7 @@ asan:
 	$(MAKE) --no-print-directory test PRESET=asan
 
 ## Measure. QUICK=1: small sizes, under two minutes. ROUNDS, SIZES, WORK: rounds, numbers of messages (1000,10000) and
-## folder to work in. DOCS=1: put the table and the plots into docs/.
+## folder to work in. DOCS=1: write docs/performance.md and its plots.
 bench:
 	$(MAKE) --no-print-directory build PRESET=bench
 	build/bench/bench/bench-pieces $(if $(QUICK),--benchmark_min_time=0.02)

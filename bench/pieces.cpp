@@ -149,7 +149,7 @@ void buildAndSerialiseTree(benchmark::State& state) {
         const JsonDocument list(json_value_init_array());
         for (st_dbMessageBean& message : sample)
             json_array_append_value(json_value_get_array(list.get()), transfer.makeJson(2, &message));
-        char* text = json_serialize_to_string(list.get());
+        char* const text = json_serialize_to_string(list.get());
         benchmark::DoNotOptimize(text);
         json_free_serialized_string(text);
     }

@@ -24,10 +24,15 @@ std::string valueOf(const std::string& path, const std::string& key) {
     return {};
 }
 
-std::string memory() {
+long long memoryInfo(const std::string& key) {
     long long kibibytes = 0;
-    std::istringstream(valueOf("/proc/meminfo", "MemTotal")) >> kibibytes;
-    return std::to_string((kibibytes + 524288) / 1048576) + " GiB";
+    std::istringstream(valueOf("/proc/meminfo", key)) >> kibibytes;
+    return kibibytes * 1024;
+}
+
+std::string memory() {
+    constexpr long long kGibibyte = 1LL << 30;
+    return std::to_string((memoryInfo("MemTotal") + kGibibyte / 2) / kGibibyte) + " GiB";
 }
 
 std::string fileSystem(const std::string& path) {
@@ -45,7 +50,19 @@ std::string system() {
     return valueOf("/etc/os-release", "PRETTY_NAME") + ", kernel " + name.release;
 }
 
+std::string compiler() {
+#ifdef __clang__
+    return __VERSION__;
+#else
+    return std::string("GCC ") + __VERSION__;
+#endif
+}
+
 }  // namespace
+
+long long availableMemory() {
+    return memoryInfo("MemAvailable");
+}
 
 std::vector<std::pair<std::string, std::string>> describeMachine(const Workshop& workshop) {
     const std::string scratch = workshop.at("version");
@@ -54,8 +71,8 @@ std::vector<std::pair<std::string, std::string>> describeMachine(const Workshop&
                           std::to_string(std::thread::hardware_concurrency()) + " hardware threads"},
         {"Memory", memory()},
         {"System", system()},
-        {"File system", fileSystem(workshop.at(""))},
-        {"Compiler", std::string("GCC or Clang ") + __VERSION__},
+        {"File system of the work folder", fileSystem(workshop.at(""))},
+        {"Compiler", compiler()},
         {"SQLite of floor and project", sqlite3_libversion()}};
     const Programs& programs = workshop.programs();
     if (!programs.shell.empty())

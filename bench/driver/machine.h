@@ -12,4 +12,7 @@ namespace bench {
 /// Names and values, for example ("Processor", "...").
 std::vector<std::pair<std::string, std::string>> describeMachine(const Workshop& workshop);
 
+/// Memory that programs can still have, in bytes.
+long long availableMemory();
+
 }  // namespace bench

@@ -67,6 +67,22 @@ Programs findPrograms() {
     return programs;
 }
 
+long long freeBytes(const std::string& folder) {
+    std::error_code error;
+    const fs::space_info space = fs::space(folder, error);
+    return error ? 0 : static_cast<long long>(space.available);
+}
+
+// A file system in memory where there is room: on a disk, what a file costs depends on what was deleted there a minute
+// ago, and that would be most of a small figure. The syncs that a disk would see are counted on their own.
+std::string defaultWorkFolder(bool quick) {
+    constexpr long long kGibibyte = 1LL << 30;
+    const long long needed = (quick ? 1 : 8) * kGibibyte;
+    const std::string shared = "/dev/shm";
+    const bool fits = freeBytes(shared) >= needed && availableMemory() >= needed + needed / 2;
+    return fits ? shared : fs::temp_directory_path().string();
+}
+
 // A folder for accounts and packages that goes with the scope.
 class WorkFolder {
 public:
@@ -110,11 +126,11 @@ void writeResults(const Arguments& arguments, const Report& report, Workshop& wo
     const std::string pictures = arguments.docs.empty() ? arguments.results : arguments.docs;
     writeText(pictures + "/performance-time.svg", timePlot(settings, workshop.results()));
     writeText(pictures + "/performance-memory.svg", memoryPlot(settings, workshop.results()));
-    if (!arguments.docs.empty()) replaceMarked(arguments.docs + "/performance.md", markdown);
+    if (!arguments.docs.empty()) writePage(arguments.docs + "/performance.md", BENCH_PAGE, markdown);
 }
 
 void compare(const Arguments& arguments) {
-    const WorkFolder folder(arguments.work.empty() ? fs::temp_directory_path().string() : arguments.work);
+    const WorkFolder folder(arguments.work.empty() ? defaultWorkFolder(arguments.quick) : arguments.work);
     Workshop workshop(folder.path() + "/w", findPrograms(), settingsOf(arguments));
     workshop.clear();
     Report report;
@@ -141,11 +157,13 @@ int main(int argc, char** argv) {
         ->delimiter(',');
     app.add_option("--only", arguments.only, "Stages: sizes, one-day, many, keyed, tree, attachments, disk")
         ->delimiter(',');
-    app.add_option("--work", arguments.work, "Folder for the accounts and packages (default: the temporary folder)");
+    app.add_option("--work", arguments.work,
+                   "Folder for the accounts and packages (default: in memory where there is room)");
     app.add_option("--results", arguments.results, "Folder for the table, the raw figures and the plots");
-    app.add_option("--docs", arguments.docs, "Folder with performance.md: put the table there and the plots beside it");
+    app.add_option("--docs", arguments.docs, "Folder that gets the page performance.md and its plots");
     try {
         app.parse(argc, argv);
+        bench::stopOnInterrupt();
         bench::compare(arguments);
         return 0;
     } catch (const CLI::ParseError& error) {

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -16,6 +17,12 @@ extern char** environ;
 
 namespace bench {
 namespace {
+
+volatile std::sig_atomic_t interrupted = 0;
+
+void noteInterrupt(int /*signal*/) {
+    interrupted = 1;
+}
 
 // Where the child's standard streams lead.
 class Redirections {
@@ -59,6 +66,18 @@ double seconds(const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
 }
 
+// Waits for the child's end; an interrupt ends it.
+int waitFor(pid_t child, rusage& usage) {
+    int status = 0;
+    bool told = false;
+    while (wait4(child, &status, 0, &usage) != child) {
+        if (told || interrupted == 0) continue;
+        kill(child, SIGTERM);
+        told = true;
+    }
+    return status;
+}
+
 std::string wordsOf(const Command& command) {
     std::string text;
     for (const std::string& word : command.words)
@@ -68,13 +87,22 @@ std::string wordsOf(const Command& command) {
 
 }  // namespace
 
+void stopOnInterrupt() {
+    // Without SA_RESTART: the waiting has to notice.
+    struct sigaction action {};
+    action.sa_handler = noteInterrupt;
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+}
+
 Cost runProcess(const Command& command) {
+    if (interrupted != 0) throw std::runtime_error("interrupted");
     const auto begin = std::chrono::steady_clock::now();
     const pid_t child = start(command);
-    int status = 0;
     rusage usage{};
-    if (wait4(child, &status, 0, &usage) != child) throw std::runtime_error("lost " + wordsOf(command));
+    const int status = waitFor(child, usage);
     const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - begin;
+    if (interrupted != 0) throw std::runtime_error("interrupted");
     if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) throw std::runtime_error("failed: " + wordsOf(command));
     constexpr double kKibibyte = 1024;
     return {seconds(usage.ru_utime) + seconds(usage.ru_stime), wall.count(),

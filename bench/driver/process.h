@@ -19,7 +19,11 @@ struct Cost {
     double memory = 0;  ///< peak resident bytes
 };
 
-/// Runs the command to its end. Throws when it cannot be started or does not end with 0.
+/// From now on an interrupt (or a request to terminate) makes runProcess() end its child and throw, so that the work
+/// folder is removed on the way out: it may hold gigabytes of memory.
+void stopOnInterrupt();
+
+/// Runs the command to its end. Throws when it cannot be started, does not end with 0, or is interrupted.
 Cost runProcess(const Command& command);
 
 /// The first line that the command prints; empty when it fails.

@@ -150,17 +150,15 @@ void writeText(const std::string& path, const std::string& text) {
     if (!file.flush()) throw std::runtime_error("cannot write " + path);
 }
 
-void replaceMarked(const std::string& path, const std::string& text) {
-    std::ifstream file(path, std::ios::binary);
+void writePage(const std::string& path, const std::string& pattern, const std::string& tables) {
+    std::ifstream file(pattern, std::ios::binary);
     std::ostringstream whole;
     whole << file.rdbuf();
-    const std::string page = whole.str();
-    const std::string beginMark = "<!-- bench:begin -->\n";
-    const std::size_t begin = page.find(beginMark);
-    const std::size_t end = page.find("<!-- bench:end -->");
-    if (begin == std::string::npos || end == std::string::npos || end < begin)
-        throw std::runtime_error("no marks to write between in " + path);
-    writeText(path, page.substr(0, begin + beginMark.size()) + text + page.substr(end));
+    std::string page = whole.str();
+    const std::string mark = "@TABLES@\n";
+    const std::size_t place = page.find(mark);
+    if (place == std::string::npos) throw std::runtime_error("no place for the tables in " + pattern);
+    writeText(path, page.replace(place, mark.size(), tables));
 }
 
 }  // namespace bench

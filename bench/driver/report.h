@@ -27,7 +27,8 @@ std::string memoryPlot(const Settings& settings, const Results& results);
 
 void writeText(const std::string& path, const std::string& text);
 
-/// Replaces what stands between the lines "<!-- bench:begin -->" and "<!-- bench:end -->" of a file.
-void replaceMarked(const std::string& path, const std::string& text);
+/// Writes the page at `path`: the text of `pattern` with the tables in the place of "@TABLES@". So the page exists only
+/// with figures that were measured.
+void writePage(const std::string& path, const std::string& pattern, const std::string& tables);
 
 }  // namespace bench

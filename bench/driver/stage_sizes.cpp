@@ -116,13 +116,14 @@ void writeShellImport(const std::string& script, const std::string& package, con
             " format, active, related, source);\n";
     const std::string folder = package + kMessageFolder;
     for (int number = 0; fs::exists(folder + "msg_" + std::to_string(number) + ".mg"); ++number) {
-        file << "insert into staged select m.value->>'senderSessionID', m.value->>'receTargetID',"
+        file << "with day(text, year, mon, day) as materialized (select text, text->>'$.msgs[0].date.year',"
+                " text->>'$.msgs[0].date.month', text->>'$.msgs[0].date.day' from (select readfile('"
+             << folder << "msg_" << number
+             << ".mg') as text)) insert into staged select m.value->>'senderSessionID', m.value->>'receTargetID',"
                 " m.value->>'sendUserID', m.value->>'message', m.value->>'messageType', m.value->>'messageID',"
-                " m.value->>'lastMessageID', m.value->>'sendTime', m.value->>'msgProperties',"
-                " d.value->>'$.date.year', d.value->>'$.date.month', d.value->>'$.date.day', m.value->>'format',"
-                " m.value->>'activeType', m.value->>'relatedMsgID', m.value->>'sourceID'"
-                " from json_each(readfile('"
-             << folder << "msg_" << number << ".mg'), '$.msgs') d, json_each(d.value, '$.msgs') m;\n";
+                " m.value->>'lastMessageID', m.value->>'sendTime', m.value->>'msgProperties', year, mon, day,"
+                " m.value->>'format', m.value->>'activeType', m.value->>'relatedMsgID', m.value->>'sourceID'"
+                " from day, json_each(day.text, '$.msgs[0].msgs') m;\n";
     }
     file << "create index staged_target on staged(target);\n";
     for (const std::string& table : messageTables(account)) {

@@ -87,18 +87,28 @@ private:
     const Results& results_;
 };
 
-void addSize(TableMaker& table, int messages, bool large) {
+constexpr int kLargeAccount = 1000000;
+
+// The straightforward design was measured at two sizes only.
+const char* naiveAt(int messages, const char* smaller, const char* larger) {
+    constexpr int kSmallAccount = 100000;
+    return messages == kLargeAccount ? larger : messages == kSmallAccount ? smaller : "";
+}
+
+void addSize(TableMaker& table, int messages) {
     const std::string size = sizeName(messages);
     const std::string exported = "export " + std::to_string(messages) + " ";
     const std::string imported = "import " + std::to_string(messages) + " ";
-    table.ratio("export / floor, " + size, large ? "12.4" : "8.1", large ? 2.1 : 1.5, exported + "project",
+    const double exportReach = messages >= kLargeAccount ? 2.1 : 1.5;
+    table.ratio("export / floor, " + size, naiveAt(messages, "8.1", "12.4"), exportReach, exported + "project",
                 exported + "floor");
-    table.ratio("export / `sqlite3 -json` dump, " + size, large ? "4.8" : "4.4", 0.85, exported + "project",
+    table.ratio("export / `sqlite3 -json` dump, " + size, naiveAt(messages, "4.4", "4.8"), 0.85, exported + "project",
                 exported + "shell");
-    table.ratio("export in files of 1000 / floor, " + size, large ? "12" : "8", large ? 2.1 : 1.5,
+    table.ratio("export in files of 1000 / floor, " + size, naiveAt(messages, "8", "12"), exportReach,
                 exported + "project2", exported + "floor2");
-    table.ratio("import / floor, " + size, large ? "3.5" : "2.5", 1.4, imported + "project", imported + "floor");
-    table.ratio("second import / floor's first, " + size, large ? "3.4" : "2.3", 1.2, imported + "again",
+    table.ratio("import / floor, " + size, naiveAt(messages, "2.5", "3.5"), 1.4, imported + "project",
+                imported + "floor");
+    table.ratio("second import / floor's first, " + size, naiveAt(messages, "2.3", "3.4"), 1.2, imported + "again",
                 imported + "floor");
 }
 
@@ -135,8 +145,8 @@ std::string duration(double seconds) {
 std::vector<Row> makeTable(const Settings& settings, const Results& results) {
     TableMaker table(settings, results);
     if (!settings.sizes.empty()) {
-        if (table.smaller() != table.larger()) addSize(table, table.smaller(), false);
-        addSize(table, table.larger(), true);
+        if (table.smaller() != table.larger()) addSize(table, table.smaller());
+        addSize(table, table.larger());
         table.exponent("growth exponent of export", "1.04", 1.07, "export ", " project", table.smaller(),
                        table.larger());
         table.exponent("growth exponent of import", "1.22", 1.07, "import ", " project", table.smaller(),

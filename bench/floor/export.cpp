@@ -46,92 +46,6 @@ struct HashDate {
     }
 };
 
-// The messages that stand under one key: their text, joined by ",", and where each ends.
-struct Entry {
-    std::string key;
-    Date date;
-    Output text;
-    std::vector<std::size_t> ends;
-};
-
-class Entries {
-public:
-    Entries(char separator, std::size_t limit) : separator_(separator), limit_(limit) {}
-
-    Entry& of(const Date& date) {
-        if (current_ == nullptr || !(currentDate_ == date)) {
-            current_ = &days_[date];
-            currentDate_ = date;
-            if (current_->open == nullptr) open(*current_, dayKey(date), date);
-        }
-        if (current_->open->ends.size() == limit_)
-            open(*current_, dayKey(date) + "_" + std::to_string(++current_->overflow), date);
-        return *current_->open;
-    }
-
-    std::vector<std::unique_ptr<Entry>>& inKeyOrder() {
-        std::sort(entries_.begin(), entries_.end(), [](const auto& a, const auto& b) { return a->key < b->key; });
-        return entries_;
-    }
-
-private:
-    struct DayState {
-        Entry* open = nullptr;
-        int overflow = 0;
-    };
-
-    std::string dayKey(const Date& date) const {
-        return std::to_string(date.year) + separator_ + std::to_string(date.month) + separator_ +
-               std::to_string(date.day);
-    }
-
-    void open(DayState& day, std::string key, const Date& date) {
-        entries_.push_back(std::make_unique<Entry>());
-        day.open = entries_.back().get();
-        day.open->key = std::move(key);
-        day.open->date = date;
-    }
-
-    char separator_;
-    std::size_t limit_;
-    std::vector<std::unique_ptr<Entry>> entries_;
-    std::unordered_map<Date, DayState, HashDate> days_;
-    DayState* current_ = nullptr;
-    Date currentDate_;
-};
-
-std::vector<std::string> messageTables(sqlite3* db) {
-    std::vector<std::string> names;
-    const Statement list = prepare(db, "select name from sqlite_master where type='table'");
-    while (step(list.get())) {
-        const std::string_view name = textOf(list.get(), 0);
-        if (name.substr(0, 7) == "im_msg_") names.emplace_back(name);
-    }
-    return names;
-}
-
-std::string selection(const std::string& table) {
-    const std::string year = std::to_string(kSinceYear);
-    const std::string month = std::to_string(kSinceMonth);
-    const std::string day = std::to_string(kSinceDay);
-    return "select * from " + table + " where (year_ > " + year + ") or (year_ = " + year + " and mon > " + month +
-           ") or (year_ = " + year + " and mon = " + month + " and day_ >= " + day + ")";
-}
-
-void selectMessages(sqlite3* db, Entries& entries) {
-    for (const std::string& table : messageTables(db)) {
-        const Statement rows = prepare(db, selection(table));
-        sqlite3_stmt* row = rows.get();
-        while (step(row)) {
-            Entry& entry =
-                entries.of({sqlite3_column_int(row, 11), sqlite3_column_int(row, 12), sqlite3_column_int(row, 13)});
-            if (!entry.ends.empty()) entry.text.take(put(entry.text.reserve(1), ","));
-            appendMessage(entry.text, row);
-            entry.ends.push_back(entry.text.size());
-        }
-    }
-}
-
 // The pieces of one file, written together.
 class Pieces {
 public:
@@ -171,22 +85,146 @@ std::string dayEnd(const Date& date) {
            R"(,"day":)" + std::to_string(date.day) + "}}";
 }
 
-std::string messageFile(const std::string& folder, int number) {
-    return folder + "msg_" + std::to_string(number) + ".mg";
+// The messages that stand under one key: their text, joined by ",", and where each ends.
+struct Entry {
+    std::string key;
+    Date date;
+    Output text;
+    std::vector<std::size_t> ends;
+    std::string writtenAs;  // not empty: the text is in this file already
+};
+
+// Writes entries as files of their own.
+class EntryFiles {
+public:
+    explicit EntryFiles(std::string folder) : folder_(std::move(folder)) {}
+
+    // The entry's number is known only when all keys are: until then it has a name of its own.
+    void writeEarly(Entry& entry) {
+        entry.writtenAs = folder_ + "full_" + std::to_string(early_++);
+        write(entry, entry.writtenAs);
+    }
+
+    void finish(const Entry& entry, int number) {
+        const std::string path = folder_ + "msg_" + std::to_string(number) + ".mg";
+        if (entry.writtenAs.empty()) {
+            write(entry, path);
+        } else if (std::rename(entry.writtenAs.c_str(), path.c_str()) != 0) {
+            throw std::runtime_error("cannot name " + path);
+        }
+    }
+
+private:
+    void write(const Entry& entry, const std::string& path) {
+        const std::string end = dayEnd(entry.date);
+        file_.add(kFileBegin);
+        file_.add(kDayBegin);
+        file_.add({entry.text.data(), entry.text.size()});
+        file_.add(end);
+        file_.add(kFileEnd);
+        file_.write(path);
+    }
+
+    std::string folder_;
+    Pieces file_;
+    int early_ = 0;
+};
+
+class Entries {
+public:
+    // Without a limit, `files` is not used and may be null.
+    Entries(char separator, std::size_t limit, EntryFiles* files)
+        : separator_(separator), limit_(limit), files_(files) {}
+
+    Entry& of(const Date& date) {
+        if (current_ == nullptr || !(currentDate_ == date)) {
+            current_ = &days_[date];
+            currentDate_ = date;
+            if (current_->open == nullptr) open(*current_, dayKey(date), date);
+        }
+        if (current_->open->ends.size() == limit_) openNext(*current_, date);
+        return *current_->open;
+    }
+
+    std::vector<std::unique_ptr<Entry>>& inKeyOrder() {
+        std::sort(entries_.begin(), entries_.end(), [](const auto& a, const auto& b) { return a->key < b->key; });
+        return entries_;
+    }
+
+private:
+    struct DayState {
+        Entry* open = nullptr;
+        int overflow = 0;
+    };
+
+    std::string dayKey(const Date& date) const {
+        return std::to_string(date.year) + separator_ + std::to_string(date.month) + separator_ +
+               std::to_string(date.day);
+    }
+
+    void open(DayState& day, std::string key, const Date& date) {
+        entries_.push_back(std::make_unique<Entry>());
+        day.open = entries_.back().get();
+        day.open->key = std::move(key);
+        day.open->date = date;
+    }
+
+    // The next entry of the day takes over the room of the full one.
+    void openNext(DayState& day, const Date& date) {
+        Entry& full = *day.open;
+        files_->writeEarly(full);
+        open(day, dayKey(date) + "_" + std::to_string(++day.overflow), date);
+        day.open->text = std::move(full.text);
+        day.open->ends = std::move(full.ends);
+        day.open->text.clear();
+        day.open->ends.clear();
+    }
+
+    char separator_;
+    std::size_t limit_;
+    EntryFiles* files_;
+    std::vector<std::unique_ptr<Entry>> entries_;
+    std::unordered_map<Date, DayState, HashDate> days_;
+    DayState* current_ = nullptr;
+    Date currentDate_;
+};
+
+std::vector<std::string> messageTables(sqlite3* db) {
+    std::vector<std::string> names;
+    const Statement list = prepare(db, "select name from sqlite_master where type='table'");
+    while (step(list.get())) {
+        const std::string_view name = textOf(list.get(), 0);
+        if (name.substr(0, 7) == "im_msg_") names.emplace_back(name);
+    }
+    return names;
 }
 
-void writeDays(Entries& entries, const std::string& folder) {
-    Pieces file;
-    int number = 0;
-    for (const std::unique_ptr<Entry>& entry : entries.inKeyOrder()) {
-        const std::string end = dayEnd(entry->date);
-        file.add(kFileBegin);
-        file.add(kDayBegin);
-        file.add({entry->text.data(), entry->text.size()});
-        file.add(end);
-        file.add(kFileEnd);
-        file.write(messageFile(folder, number++));
+std::string selection(const std::string& table) {
+    const std::string year = std::to_string(kSinceYear);
+    const std::string month = std::to_string(kSinceMonth);
+    const std::string day = std::to_string(kSinceDay);
+    return "select * from " + table + " where (year_ > " + year + ") or (year_ = " + year + " and mon > " + month +
+           ") or (year_ = " + year + " and mon = " + month + " and day_ >= " + day + ")";
+}
+
+void selectMessages(sqlite3* db, Entries& entries) {
+    for (const std::string& table : messageTables(db)) {
+        const Statement rows = prepare(db, selection(table));
+        sqlite3_stmt* row = rows.get();
+        while (step(row)) {
+            Entry& entry =
+                entries.of({sqlite3_column_int(row, 11), sqlite3_column_int(row, 12), sqlite3_column_int(row, 13)});
+            if (!entry.ends.empty()) entry.text.take(put(entry.text.reserve(1), ","));
+            appendMessage(entry.text, row);
+            entry.ends.push_back(entry.text.size());
+        }
     }
+}
+
+void finishDays(Entries& entries, EntryFiles& files) {
+    int number = 0;
+    for (const std::unique_ptr<Entry>& entry : entries.inKeyOrder())
+        files.finish(*entry, number++);
 }
 
 // The messages [first, last) of an entry.
@@ -219,7 +257,7 @@ void writePacked(Entries& entries, const std::string& folder) {
         const bool lastDay = i + 1 == all.size();
         if (room == 0 || lastDay) {
             file.add(kFileEnd);
-            file.write(messageFile(folder, number++));
+            file.write(folder + "msg_" + std::to_string(number++) + ".mg");
         }
         resume = room == 0 && !lastDay ? last : 0;
         if (room != 0 || lastDay) ++i;
@@ -277,15 +315,16 @@ void exportAccount(bool packed, const std::string& account, const std::string& t
     std::filesystem::create_directories(folder);
     std::filesystem::create_directories(to + kAttachmentFolder);
     if (packed) {
-        Entries entries('_', static_cast<std::size_t>(-1));
+        Entries entries('_', static_cast<std::size_t>(-1), nullptr);
         selectMessages(db.get(), entries);
         writePacked(entries, folder);
         return;
     }
     const Output contacts = contactList(db.get());
-    Entries entries(':', kMessagesPerEntry);
+    EntryFiles files(folder);
+    Entries entries(':', kMessagesPerEntry, &files);
     selectMessages(db.get(), entries);
-    writeDays(entries, folder);
+    finishDays(entries, files);
     writeContacts(contacts, folder);
 }
 

@@ -30,6 +30,9 @@ public:
     /// Everything before `end`, which lies in what reserve() gave, is now part of the bytes.
     void take(const char* end) { size_ = static_cast<std::size_t>(end - bytes_.get()); }
 
+    /// Empties it and keeps the room.
+    void clear() { size_ = 0; }
+
     const char* data() const { return bytes_.get(); }
     std::size_t size() const { return size_; }
 
