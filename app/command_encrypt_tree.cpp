@@ -24,7 +24,7 @@ struct EncryptTreeOptions {
 };
 
 std::string requireFolder(const std::string& given) {
-    const std::string folder = resolvedPath(given).string();
+    std::string folder = resolvedPath(given).string();
     std::error_code ignored;
     if (std::filesystem::is_directory(folder, ignored)) return folder;
     throw Failure({0, "There is no plain tree", folder, "it is no folder",

@@ -36,7 +36,7 @@ std::string faultOfId(const std::string& user) {
 
 // A sample never mixes with what is there.
 std::string emptyFolder(const std::string& given) {
-    const std::string path = resolvedPath(given).string();
+    std::string path = resolvedPath(given).string();
     if (tools::createDir(path.c_str()) != 0) {
         throw Failure({0, "The folder for the tree cannot be made", path, "", "choose a place that you may write to"});
     }
