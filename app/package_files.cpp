@@ -8,9 +8,10 @@
 #include "host/fixed_text.h"
 #include "host/json_owner.h"
 #include "host/tools.h"
+#include "host/whole_file.h"
 #include "transfer/error_codes.h"
 #include "transfer/json_fields.h"
-#include "transfer/message_file.h"
+#include "transfer/message_text.h"
 #include "transfer/package_format.h"
 #include "transfer/recent_contact_table.h"
 
@@ -32,47 +33,28 @@ std::string versionOf(const JSON_Object* file) {
                               : kNoVersion;
 }
 
-std::shared_ptr<const DayLists> listsOf(const JSON_Object* day) {
-    DayLists lists;
-    imsdk::st_dbMessageBean record;
-    transfer::forEachMessageList(record,
-                                 [day](const char* key, std::string& joined) { transfer::getList(day, key, joined); });
-    if (record.limitRange.empty() && record.relatedUsers.empty()) return nullptr;
-    lists.limitRange = std::move(record.limitRange);
-    lists.relatedUsers = std::move(record.relatedUsers);
-    return std::make_shared<const DayLists>(std::move(lists));
+std::shared_ptr<const DayLists> listsOf(transfer::MessageDay& day) {
+    if (day.limitRange.empty() && day.relatedUsers.empty()) return nullptr;
+    return std::make_shared<const DayLists>(DayLists{std::move(day.limitRange), std::move(day.relatedUsers)});
 }
 
-PackageMessage messageOf(const JSON_Object* object, const transfer::CalendarDay& date) {
-    PackageMessage message{transfer::readMessage(object, date), nullptr};
-    transfer::forEachMessageKey(message.record, [object](const char* key, transfer::KeyUse use, auto& field) {
-        if (use == transfer::KeyUse::writeOnly) transfer::getField(object, key, field);
-    });
-    transfer::forEachMessageList(
-        message.record, [object](const char* key, std::string& joined) { transfer::getList(object, key, joined); });
-    return message;
-}
-
-void readDay(const JSON_Object* day, const Take& take) {
-    const transfer::CalendarDay date = transfer::readDate(day);
+void takeDay(transfer::MessageDay& day, const Take& take) {
     const std::shared_ptr<const DayLists> lists = listsOf(day);
-    transfer::forEachObject(json_object_get_array(day, transfer::kMessagesKey), [&](const JSON_Object* object) {
-        PackageMessage message = messageOf(object, date);
-        message.dayLists = lists;
-        take(std::move(message));
-    });
+    for (imsdk::st_dbMessageBean& message : day.messages)
+        take({std::move(message), lists});
 }
 
 void readMessageFile(const std::string& path, PackageFacts& facts, const Take& take) {
-    const JsonDocument document(json_parse_file_no_link(path.c_str()));
-    const JSON_Object* file = json_value_get_object(document.get());
-    const JSON_Array* days = json_object_get_array(file, transfer::kMessagesKey);
-    if (days == nullptr) {
+    std::string text;
+    transfer::MessageFileContent file;
+    if (tools::readWholeFile(path, text)) file = transfer::readMessageFileText(text, transfer::ReadKeys::all);
+    if (!file.hasDays) {
         facts.unreadable.push_back(path);
         return;
     }
-    ++facts.versions[versionOf(file)];
-    transfer::forEachObject(days, [&take](const JSON_Object* day) { readDay(day, take); });
+    ++facts.versions[file.version.value_or(kNoVersion)];
+    for (transfer::MessageDay& day : file.days)
+        takeDay(day, take);
 }
 
 void readContacts(const PackagePlace& place, PackageFacts& facts) {

@@ -20,8 +20,9 @@
 #include "host/file_handle.h"
 #include "host/json_owner.h"
 #include "host/tools.h"
+#include "host/whole_file.h"
 #include "transfer/json_fields.h"
-#include "transfer/message_file.h"
+#include "transfer/message_text.h"
 #include "transfer/recent_contact_table.h"
 #include "transfer/tree_format.h"
 #include "transfer/tree_records.h"
@@ -74,7 +75,6 @@ std::string versionOf(const JSON_Object* file) {
 }
 
 const char* listKeyOf(const std::string& ending) {
-    if (ending == transfer::kMessageExtension) return transfer::kMessagesKey;
     if (ending == transfer::kContactExtension) return transfer::kRecentContactsKey;
     return ending == transfer::kNoteExtension ? transfer::kNotesKey : transfer::kRoomsKey;
 }
@@ -143,45 +143,52 @@ private:
 
     // `name` is what the file is called in the tree, `original` that name when it is no copy.
     void takeText(const std::string& name, const std::string& original, const std::string& path) {
-        const JsonDocument document(json_parse_file_no_link(path.c_str()));
-        const JSON_Object* file = json_value_get_object(document.get());
-        const std::string ending = endingOf(original);
-        const JSON_Array* list = json_object_get_array(file, listKeyOf(ending));
-        if (file == nullptr) {
-            leaveOut(name, "is not JSON of this format");
-            return;
-        }
-        ++facts_.versions[versionOf(file)];
-        if (list == nullptr) {
-            leaveOut(name, "has no list of records");
-        } else if (ending == transfer::kMessageExtension) {
-            takeDays(name, list);
+        if (endingOf(original) == transfer::kMessageExtension) {
+            takeMessages(name, path);
         } else {
-            transfer::forEachObject(list, [&](const JSON_Object* object) { takeRecord(ending, object); });
+            takeRecords(name, endingOf(original), path);
         }
     }
 
     // Where a plain tree lies says nothing: the conversation is that of the place where an import finds the file.
-    void takeDays(const std::string& name, const JSON_Array* days) {
+    void takeMessages(const std::string& name, const std::string& path) {
+        std::string text;
+        transfer::MessageFileContent file;
+        if (tools::readWholeFile(path, text)) file = transfer::readMessageFileText(text);
+        if (!isOfFormat(name, file.isObject, file.version.value_or(kNoVersion), file.hasDays)) return;
         const long long conversation = transfer::conversationOfPath(transfer::kTreeFolder + source_.user + "/" + name);
         if (conversation == transfer::kNoConversation) {
             leaveOut(name, "its path names no conversation");
             return;
         }
-        transfer::forEachObject(days, [&](const JSON_Object* day) {
-            const transfer::CalendarDay date = transfer::readDate(day);
-            transfer::forEachObject(json_object_get_array(day, transfer::kMessagesKey),
-                                    [&](const JSON_Object* message) { takeMessage(conversation, message, date); });
-        });
+        for (transfer::MessageDay& day : file.days) {
+            for (imsdk::st_dbMessageBean& message : day.messages)
+                takeMessage(conversation, message);
+        }
     }
 
-    void takeMessage(long long conversation, const JSON_Object* object, const transfer::CalendarDay& date) {
-        TreeMessage message{conversation, transfer::readMessage(object, date)};
-        imsdk::st_dbMessageBean& record = message.record;
-        transfer::forEachMessageList(
-            record, [object](const char* key, std::string& joined) { transfer::getList(object, key, joined); });
-        record.targetID = record.toUserID == ownId_ ? record.fromeUserID : record.toUserID;
-        take_(std::move(message));
+    void takeMessage(long long conversation, imsdk::st_dbMessageBean& message) {
+        message.targetID = message.toUserID == ownId_ ? message.fromeUserID : message.toUserID;
+        take_({conversation, std::move(message)});
+    }
+
+    void takeRecords(const std::string& name, const std::string& ending, const std::string& path) {
+        const JsonDocument document(json_parse_file_no_link(path.c_str()));
+        const JSON_Object* file = json_value_get_object(document.get());
+        const JSON_Array* list = json_object_get_array(file, listKeyOf(ending));
+        if (!isOfFormat(name, file != nullptr, versionOf(file), list != nullptr)) return;
+        transfer::forEachObject(list, [&](const JSON_Object* object) { takeRecord(ending, object); });
+    }
+
+    // Counts the version of a file that is an object; says of one that is not, or has no list, why it is left out.
+    bool isOfFormat(const std::string& name, bool isObject, const std::string& version, bool hasList) {
+        if (isObject) ++facts_.versions[version];
+        if (!isObject) {
+            leaveOut(name, "is not JSON of this format");
+        } else if (!hasList) {
+            leaveOut(name, "has no list of records");
+        }
+        return isObject && hasList;
     }
 
     void takeRecord(const std::string& ending, const JSON_Object* object) {

@@ -3,7 +3,7 @@
 #include "host/json_owner.h"
 #include "host/tools.h"
 #include "transfer/attachment_body.h"
-#include "transfer/message_file.h"
+#include "transfer/json_fields.h"
 
 namespace app {
 namespace {

@@ -1,7 +1,6 @@
 #include "app/verification.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 #include "app/units.h"
@@ -51,10 +50,6 @@ void readContactRow(imsdk::dbDataReader& reader, st_dbReContactBean& record) {
         record, [&reader](int column, const char* /*name*/, auto& field) { reader.getColumnValue(column, field); });
 }
 
-bool isMessageTable(const std::string& name) {
-    return name.compare(0, std::strlen(transfer::kMessageTablePrefix), transfer::kMessageTablePrefix) == 0;
-}
-
 }  // namespace
 
 Verification::Verification(VerifySettings settings, PackagePlace place, dbTrans& transfer)
@@ -81,7 +76,7 @@ void Verification::run(ProgressBar& progress) {
     const auto tables = static_cast<int>(transfer_.tableNames.size());
     for (int i = 0; i < tables; ++i) {
         const std::string& table = transfer_.tableNames[static_cast<std::size_t>(i)];
-        if (isMessageTable(table)) compareTable(table);
+        if (transfer::isMessageTable(table)) compareTable(table);
         if (throttle.due(i + 1 == tables)) transfer_.progress(1, tables, i + 1);
     }
     noteUnmatched();

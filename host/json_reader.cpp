@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "host/byte_lanes.h"
 #include "host/json_literal.h"
 #include "host/numeric.h"
 
@@ -21,25 +22,17 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-constexpr std::uint64_t eachByte(unsigned char byte) {
-    return 0x0101010101010101U * byte;
-}
-constexpr std::uint64_t anyZero(std::uint64_t bytes) {
-    return (bytes - eachByte(1)) & ~bytes & eachByte(0x80);
-}
-
 // True when none of the eight bytes ends a string, begins an escape or is a control character.
 bool allOrdinary(const char* eight) {
     std::uint64_t bytes = 0;
     std::memcpy(&bytes, eight, sizeof(bytes));
-    const std::uint64_t control = (bytes - eachByte(0x20)) & ~bytes & eachByte(0x80);
-    return (control | anyZero(bytes ^ eachByte('"')) | anyZero(bytes ^ eachByte('\\'))) == 0;
+    return (anyControl(bytes) | anyZero(bytes ^ eachByte('"')) | anyZero(bytes ^ eachByte('\\'))) == 0;
 }
 
-// The spellings of numbers that strtod takes and the library then refuses.
+// The spellings of numbers that strtod takes and the library then refuses. A "-" before something else is none of them:
+// the library reads nothing there, takes it for a 0, and stumbles over the "-" next unless it stands at the root.
 bool isRefusedSpelling(const char* text, const char* end) {
     const std::string_view literal(text, static_cast<std::size_t>(end - text));
-    if (literal.empty()) return true;
     if (literal.size() > 1 && literal[0] == '0' && literal[1] != '.') return true;
     if (literal.size() > 2 && literal.substr(0, 2) == "-0" && literal[2] != '.') return true;
     return literal.find_first_of("xX") != std::string_view::npos;

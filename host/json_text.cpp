@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "host/byte_lanes.h"
 #include "host/utf8.h"
 
 namespace tools {
@@ -45,15 +46,6 @@ void appendEscaped(std::string& out, char c, char escape) {
     out += "00";
     out += kHex[code >> 4U];
     out += kHex[code & 0xFU];
-}
-
-constexpr std::uint64_t eachByte(unsigned char byte) {
-    return 0x0101010101010101U * byte;
-}
-
-// Non-zero when one of the eight bytes is zero.
-constexpr std::uint64_t anyZero(std::uint64_t bytes) {
-    return (bytes - eachByte(1)) & ~bytes & eachByte(0x80);
 }
 
 // True when all eight bytes are ASCII characters that stand for themselves; false also for some that do.

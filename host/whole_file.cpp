@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 
+#include <new>
+
 #include "host/file_handle.h"
 
 namespace tools {
@@ -11,9 +13,11 @@ bool writeWholeFile(const std::string& path, std::string_view bytes, Flush flush
     return file.valid() && detail::writeAll(file.get(), bytes.data(), bytes.size()) && file.commit(flush);
 }
 
-bool readWholeFile(const std::string& path, std::string& bytes) {
+bool readWholeFile(const std::string& path, std::string& bytes) try {
     const detail::FileHandle file = detail::openRegularFile(AT_FDCWD, path.c_str(), false);
     return file.valid() && detail::readAll(file.get(), bytes);
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 }  // namespace tools

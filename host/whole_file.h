@@ -13,8 +13,8 @@ namespace tools {
 /// no other is left behind.
 bool writeWholeFile(const std::string& path, std::string_view bytes, Flush flush = Flush::now);
 
-/// Reads all of the regular file `path`. False when it is missing, no regular file, a symbolic link, or cannot be read;
-/// it never blocks on a FIFO.
+/// Reads all of the regular file `path`. False when it is missing, no regular file, a symbolic link, cannot be read, or
+/// is larger than the memory; it never blocks on a FIFO.
 bool readWholeFile(const std::string& path, std::string& bytes);
 
 }  // namespace tools

@@ -35,8 +35,7 @@ std::string findTable(const std::vector<std::string>& names, long long targetID)
 }  // namespace
 
 int dbTrans::countRows(int /*what*/, const char* /*condition*/, int /*flags*/) {
-    if (!transfer::isPlainTableName(trimTable)) return 0;
-    return countOf(mainDb, tools::FixedText<256>("select count(*) from %s", trimTable.c_str()));
+    return transfer::countTableRows(mainDb, trimTable);
 }
 
 int dbTrans::dbOpen() {

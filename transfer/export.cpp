@@ -2,7 +2,6 @@
 // attachments.
 #include <algorithm>
 #include <array>
-#include <cstring>
 
 #include "host/confined_files.h"
 #include "host/fixed_text.h"
@@ -33,10 +32,6 @@ struct FirstDay {
     int day;
 };
 
-bool isMessageTable(const std::string& name) {
-    return name.compare(0, std::strlen(transfer::kMessageTablePrefix), transfer::kMessageTablePrefix) == 0;
-}
-
 using SelectStatement = tools::FixedText<256>;
 
 // The messages of `table` dated on or after `since`.
@@ -63,7 +58,7 @@ bool selectMessages(imsdk::dbUtils& db, const SelectStatement& statement, Take t
 template <class Take>
 void selectFromAllTables(dbTrans& transfer, const FirstDay& since, Take take) {
     for (const std::string& table : transfer.tableNames) {
-        if (!isMessageTable(table)) continue;
+        if (!transfer::isMessageTable(table)) continue;
         const SelectStatement statement = selectStatement(table, since);
         if (!transfer::isPlainTableName(table) || !statement.fits()) {
             transfer.report.skip(table, "the table's name cannot stand in a statement");

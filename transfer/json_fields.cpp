@@ -63,14 +63,6 @@ void setList(JSON_Object* object, const char* key, const std::string& joined) {
     setValue(object, key, std::move(list));
 }
 
-void getList(const JSON_Object* object, const char* key, std::string& joined) {
-    const JSON_Array* array = json_object_get_array(object, key);
-    std::vector<long long> numbers(json_array_get_count(array));
-    for (size_t i = 0; i < numbers.size(); ++i)
-        numbers[i] = json_array_get_int64(array, i);
-    if (!numbers.empty()) joined = tools::int64_To_String(numbers, kListSeparator);
-}
-
 bool hasVersion(const JSON_Object* object, const std::string& version) {
     const char* found = json_object_get_string(object, kVersionKey);
     return found != nullptr && version == std::string(found, json_object_get_string_len(object, kVersionKey));

@@ -30,10 +30,16 @@ void getField(const JSON_Object* object, const char* key, signed char& number);
 /// Writes the numbers of a text joined by ";" as an array.
 void setList(JSON_Object* object, const char* key, const std::string& joined);
 
-/// Reads an array of ids into a text joined by ";"; a missing or empty array leaves the text alone.
-void getList(const JSON_Object* object, const char* key, std::string& joined);
-
 /// True when the object's "version" is there and equals `version` byte for byte.
 bool hasVersion(const JSON_Object* object, const std::string& version);
+
+/// Calls visit(object) for each object in the array; elements of other types are no records and are passed over.
+template <class Visit>
+void forEachObject(const JSON_Array* array, Visit&& visit) {
+    const size_t count = json_array_get_count(array);
+    for (size_t i = 0; i < count; ++i) {
+        if (const JSON_Object* object = json_array_get_object(array, i)) visit(object);
+    }
+}
 
 }  // namespace transfer

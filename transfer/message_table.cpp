@@ -1,15 +1,12 @@
 #include "transfer/message_table.h"
 
 #include <algorithm>
+#include <cstring>
+
+#include "transfer/bind_field.h"
 
 namespace transfer {
 namespace {
-
-void bindField(imsdk::dbCommand& command, int index, const std::string& text) {
-    command.bindParam(index, text.c_str());
-}
-void bindField(imsdk::dbCommand& command, int index, int number) { command.bindParam(index, number); }
-void bindField(imsdk::dbCommand& command, int index, long long number) { command.bindParam(index, number); }
 
 std::string buildInsertFormat() {
     std::string names;
@@ -25,8 +22,8 @@ std::string buildInsertFormat() {
 }
 
 bool isIdentifierByte(unsigned char byte) {
-    return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') || byte == '_' ||
-           byte == '$' || byte >= 0x80;
+    return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') ||
+           byte == '_' || byte == '$' || byte >= 0x80;
 }
 
 }  // namespace
@@ -48,10 +45,22 @@ void bindMessage(imsdk::dbCommand& command, const imsdk::st_dbMessageBean& recor
     });
 }
 
+bool isMessageTable(const std::string& name) {
+    return name.compare(0, std::strlen(kMessageTablePrefix), kMessageTablePrefix) == 0;
+}
+
 bool isPlainTableName(const std::string& name) {
     const bool leads = !name.empty() && name.front() != '$' && (name.front() < '0' || name.front() > '9');
     return leads && std::all_of(name.begin(), name.end(),
                                 [](char c) { return isIdentifierByte(static_cast<unsigned char>(c)); });
+}
+
+int countTableRows(imsdk::dbUtils& db, const std::string& table) {
+    if (!isPlainTableName(table)) return 0;
+    imsdk::dbDataReader reader = db.excuteQuery(tools::FixedText<256>("select count(*) from %s", table.c_str()).text());
+    int count = 0;
+    if (reader.read() != 0) reader.getColumnValue(0, count);
+    return count;
 }
 
 }  // namespace transfer

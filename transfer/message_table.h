@@ -75,8 +75,15 @@ const std::string& insertMessageFormat();
 /// Binds the placeholders of insertMessageFormat() to the fields of `record`, which must outlive the execution.
 void bindMessage(imsdk::dbCommand& command, const imsdk::st_dbMessageBean& record);
 
+/// True when `name` begins like that of a message table.
+bool isMessageTable(const std::string& name);
+
 /// True when `name` is a plain SQL identifier (letters, digits, "_", "$", bytes of UTF-8). Table names are put into
 /// statements unquoted: any other name would not name the table there, but change what the statement does.
 bool isPlainTableName(const std::string& name);
+
+/// How many rows the table has; 0 for a table that is not there and for a name that is no plain one or too long for the
+/// statement.
+int countTableRows(imsdk::dbUtils& db, const std::string& table);
 
 }  // namespace transfer

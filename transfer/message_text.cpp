@@ -77,11 +77,11 @@ MessageKeys messageKeys() {
     return keys;
 }
 
-void readMember(JsonReader& reader, std::size_t index, st_dbMessageBean& message) {
+void readMember(JsonReader& reader, std::size_t index, ReadKeys wanted, st_dbMessageBean& message) {
     std::size_t current = 0;
     forEachMessageKey(message, [&](const char* /*key*/, KeyUse use, auto& field) {
         if (current++ != index) return;
-        if (use == KeyUse::always) {
+        if (use == KeyUse::always || wanted == ReadKeys::all) {
             readValue(reader, field);
         } else {
             reader.skip();
@@ -92,13 +92,13 @@ void readMember(JsonReader& reader, std::size_t index, st_dbMessageBean& message
     });
 }
 
-void readMessage(JsonReader& reader, st_dbMessageBean& message) {
+void readMessage(JsonReader& reader, ReadKeys wanted, st_dbMessageBean& message) {
     // Imported messages are history: they count as delivered and read.
     constexpr int kImportedStatus = 4;
     static const MessageKeys keys = messageKeys();
     message.status = kImportedStatus;
     message.extraValue2 = -1;
-    tools::readJsonObject(reader, keys, [&](std::size_t index) { readMember(reader, index, message); });
+    tools::readJsonObject(reader, keys, [&](std::size_t index) { readMember(reader, index, wanted, message); });
 }
 
 CalendarDay readDate(JsonReader& reader) {
@@ -113,12 +113,12 @@ CalendarDay readDate(JsonReader& reader) {
     return date;
 }
 
-void readMessages(JsonReader& reader, std::vector<st_dbMessageBean>& messages) {
+void readMessages(JsonReader& reader, ReadKeys wanted, std::vector<st_dbMessageBean>& messages) {
     if (!reader.atArray()) return reader.skip();
-    readObjects(reader, [&] { readMessage(reader, messages.emplace_back()); });
+    readObjects(reader, [&] { readMessage(reader, wanted, messages.emplace_back()); });
 }
 
-MessageDay readDay(JsonReader& reader) {
+MessageDay readDay(JsonReader& reader, ReadKeys wanted) {
     MessageDay day;
     st_dbMessageBean lists;
     std::array<std::string_view, 2 + kListKeys> keys = {kMessagesKey, kDateKey};
@@ -130,7 +130,7 @@ MessageDay readDay(JsonReader& reader) {
     });
     tools::readJsonObject(reader, keys, [&](std::size_t index) {
         if (index == 0) {
-            readMessages(reader, day.messages);
+            readMessages(reader, wanted, day.messages);
         } else if (index == 1) {
             day.date = readDate(reader);
         } else {
@@ -150,36 +150,44 @@ void putUnderItsDate(MessageDay& day) {
     }
 }
 
-void readDays(JsonReader& reader, MessageFileContent& content) {
+void readDays(JsonReader& reader, ReadKeys wanted, MessageFileContent& content) {
     content.hasDays = reader.atArray();
     if (!content.hasDays) return reader.skip();
     readObjects(reader, [&] {
-        content.days.push_back(readDay(reader));
+        content.days.push_back(readDay(reader, wanted));
         putUnderItsDate(content.days.back());
     });
 }
 
-void readVersion(JsonReader& reader, const std::string& expected, MessageFileContent& content) {
+void readVersion(JsonReader& reader, std::optional<std::string>& version) {
     if (!reader.atString()) return reader.skip();
-    content.hasVersion = reader.readString() == expected;
+    version = reader.readString();
+}
+
+void readFile(JsonReader& reader, ReadKeys wanted, MessageFileContent& content) {
+    static constexpr std::array<std::string_view, 2> keys = {kVersionKey, kMessagesKey};
+    tools::readJsonObject(reader, keys, [&](std::size_t index) {
+        if (index == 0) {
+            readVersion(reader, content.version);
+        } else {
+            readDays(reader, wanted, content);
+        }
+    });
 }
 
 }  // namespace
 
-MessageFileContent readMessageFileText(std::string& text, const std::string& expectedVersion) {
-    static constexpr std::array<std::string_view, 2> keys = {kVersionKey, kMessagesKey};
+MessageFileContent readMessageFileText(std::string& text, ReadKeys keys) {
     JsonReader reader(text);
     MessageFileContent content;
     content.isObject = reader.atObject();
-    if (!content.isObject) return {};
-    tools::readJsonObject(reader, keys, [&](std::size_t index) {
-        if (index == 0) {
-            readVersion(reader, expectedVersion, content);
-        } else {
-            readDays(reader, content);
-        }
-    });
+    if (content.isObject) {
+        readFile(reader, keys, content);
+    } else {
+        reader.skip();
+    }
     if (!reader.ok()) return {};
+    content.isJson = true;
     return content;
 }
 

@@ -2,6 +2,7 @@
 // package_format.h, and what is accepted is what the JSON library accepts (host/json_reader.h).
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,13 +23,20 @@ struct MessageDay {
 /// A message file. Each record has its defaults (status 4, extraValue2 -1, all else 0 or empty), what its object has,
 /// and the day it stands under. Elements that are no objects are no records and are passed over.
 struct MessageFileContent {
-    bool isObject = false;    ///< the text is a JSON object; else nothing below is set
-    bool hasVersion = false;  ///< its "version" equals the expected one, byte for byte
-    bool hasDays = false;     ///< its "msgs" is an array
+    bool isJson = false;    ///< the text is valid JSON
+    bool isObject = false;  ///< and an object; else nothing below is set
+    std::optional<std::string> version;
+    bool hasDays = false;  ///< its "msgs" is an array
     std::vector<MessageDay> days;
 };
 
+/// Which keys of a message object are read.
+enum class ReadKeys {
+    ofImport,  ///< those that an import takes over (KeyUse::always)
+    all,       ///< whatever the format has
+};
+
 /// Reads a message file. The text is used up.
-MessageFileContent readMessageFileText(std::string& text, const std::string& expectedVersion);
+MessageFileContent readMessageFileText(std::string& text, ReadKeys keys = ReadKeys::ofImport);
 
 }  // namespace transfer

@@ -1,7 +1,5 @@
 #include "transfer/message_trimming.h"
 
-#include <cstring>
-
 #include "host/fixed_text.h"
 #include "transfer/message_table.h"
 
@@ -10,17 +8,6 @@ namespace {
 
 constexpr int kTrimAbove = 5000;
 constexpr int kKeptRows = 3000;
-
-bool isMessageTable(const std::string& name) {
-    return name.compare(0, std::strlen(kMessageTablePrefix), kMessageTablePrefix) == 0 && isPlainTableName(name);
-}
-
-int countMessages(imsdk::dbUtils& db, const std::string& table) {
-    imsdk::dbDataReader reader = db.excuteQuery(tools::FixedText<256>("select count(*) from %s", table.c_str()).text());
-    int count = 0;
-    if (reader.read() != 0) reader.getColumnValue(0, count);
-    return count;
-}
 
 }  // namespace
 
@@ -41,7 +28,7 @@ int trimMessages(imsdk::dbUtils& db, const std::string& table, int messageCount,
 void trimMessageTables(imsdk::dbUtils& db, const std::vector<std::string>& tables, TransferReport& report) {
     for (const std::string& table : tables) {
         if (!isMessageTable(table)) continue;
-        const int count = countMessages(db, table);
+        const int count = countTableRows(db, table);
         if (isOverfull(count)) trimMessages(db, table, count, report);
     }
 }

@@ -9,17 +9,17 @@
 #include "host/whole_file.h"
 #include "transfer/attachment_body.h"
 #include "transfer/attachment_count.h"
+#include "transfer/bind_field.h"
 #include "transfer/conversation_writer.h"
 #include "transfer/dbTrans.h"
 #include "transfer/json_fields.h"
-#include "transfer/message_file.h"
 #include "transfer/message_table.h"
 #include "transfer/message_text.h"
 #include "transfer/message_trimming.h"
+#include "transfer/one_transaction.h"
 #include "transfer/package_format.h"
 #include "transfer/progress_report.h"
 #include "transfer/recent_contact_table.h"
-#include "transfer/tree_transaction.h"
 
 using imsdk::st_dbMessageBean;
 using imsdk::st_dbReContactBean;
@@ -65,9 +65,9 @@ FileResult skipFile(dbTrans& transfer, const std::string& path, const char* reas
 FileResult readMessageFile(dbTrans& transfer, const std::string& path) {
     std::string text;
     if (!tools::readWholeFile(path, text)) return skipFile(transfer, path, "the message file cannot be read");
-    transfer::MessageFileContent file = transfer::readMessageFileText(text, transfer.packageVersion);
+    transfer::MessageFileContent file = transfer::readMessageFileText(text);
     if (!file.isObject) return skipFile(transfer, path, "the message file is not a JSON object");
-    if (!file.hasVersion) {
+    if (file.version != transfer.packageVersion) {
         transfer.report.skip(path, "the message file has another version than " + transfer.packageVersion);
         return FileResult::wrongVersion;
     }
@@ -142,19 +142,6 @@ transfer::ErrorCode writeConversations(dbTrans& transfer, imsdk::dbUtils& db, Be
 
 // --- Recent contacts ---
 
-void bindField(imsdk::dbCommand& command, int index, const std::string& text) {
-    command.bindParam(index, text.c_str());
-}
-void bindField(imsdk::dbCommand& command, int index, long long number) {
-    command.bindParam(index, number);
-}
-void bindField(imsdk::dbCommand& command, int index, int number) {
-    command.bindParam(index, number);
-}
-void bindField(imsdk::dbCommand& command, int index, signed char number) {
-    command.bindParam(index, static_cast<int>(number));
-}
-
 std::string contactStatement(const char* format) {
     return tools::FixedText<512>(format, transfer::kRecentContactTable).text();
 }
@@ -162,8 +149,9 @@ std::string contactStatement(const char* format) {
 int insertContact(dbTrans& transfer, const st_dbReContactBean& contact) {
     imsdk::dbCommand command(&transfer.mainDb, contactStatement(transfer::kInsertRecentContact).c_str());
     int index = 0;
-    transfer::forEachRecentContactField(
-        contact, [&](int /*column*/, const char* /*name*/, const auto& field) { bindField(command, ++index, field); });
+    transfer::forEachRecentContactField(contact, [&](int /*column*/, const char* /*name*/, const auto& field) {
+        transfer::bindField(command, ++index, field);
+    });
     const int stored = transfer.mainDb.excuteNonQuery(&command);
     if (stored != 0) ++transfer.report.contactsInserted;
     return stored;
@@ -173,9 +161,9 @@ int updateContact(imsdk::dbUtils& db, const st_dbReContactBean& contact) {
     imsdk::dbCommand command(&db, contactStatement(transfer::kUpdateRecentContact).c_str());
     int index = 0;
     transfer::forEachRecentContactField(contact, [&](int column, const char* /*name*/, const auto& field) {
-        if (column != 0) bindField(command, ++index, field);
+        if (column != 0) transfer::bindField(command, ++index, field);
     });
-    bindField(command, ++index, contact.targetID);
+    transfer::bindField(command, ++index, contact.targetID);
     return db.excuteNonQuery(&command);
 }
 

@@ -5,7 +5,7 @@
 #include "host/tools.h"
 #include "transfer/attachment_body.h"
 #include "transfer/attachment_count.h"
-#include "transfer/message_file.h"
+#include "transfer/json_fields.h"
 
 namespace transfer {
 namespace {

@@ -1,4 +1,4 @@
-// Opening the decrypted files of a tree.
+// Reading the decrypted files of a tree.
 #pragma once
 
 #include <string>
@@ -8,11 +8,16 @@
 
 namespace transfer {
 
-/// The parsed file. Null when it is gone, no regular file or not JSON; the report then says which.
+/// The report's word for a file that does not parse.
+inline constexpr const char* kNotJsonReason = "is not JSON";
+
+/// Reads the text of a file. False when it is gone, no regular file or cannot be read; the report then says which.
+bool readTreeText(const std::string& path, std::string& text, TransferReport& report);
+
+/// The parsed file. Null, with an entry in the report, when it cannot be read or is not JSON.
 tools::JsonDocument readTreeFile(const std::string& path, TransferReport& report);
 
-/// hasVersion(), with an entry in the report when it is false.
-bool hasTreeVersion(const JSON_Value* document, const std::string& version, const std::string& path,
-                    TransferReport& report);
+/// The report's entry for a file of another version than the expected one, which ends an import.
+void skipOtherVersion(const std::string& path, const std::string& expected, TransferReport& report);
 
 }  // namespace transfer

@@ -6,13 +6,13 @@
 #include "transfer/conversation_writer.h"
 #include "transfer/dbTrans.h"
 #include "transfer/message_trimming.h"
+#include "transfer/one_transaction.h"
 #include "transfer/plugin_tables.h"
 #include "transfer/progress_report.h"
 #include "transfer/tree_attachments.h"
 #include "transfer/tree_format.h"
 #include "transfer/tree_messages.h"
 #include "transfer/tree_records.h"
-#include "transfer/tree_transaction.h"
 #include "transfer/tree_walk.h"
 
 using transfer::asInt;

@@ -2,8 +2,6 @@
 
 #include "host/tools.h"
 #include "transfer/conversation_writer.h"
-#include "transfer/json_fields.h"
-#include "transfer/message_file.h"
 #include "transfer/progress_report.h"
 #include "transfer/tree_attachments.h"
 #include "transfer/tree_document.h"
@@ -37,10 +35,18 @@ ErrorCode TreeMessageImport::takeFile(const std::string& path) {
         return kSuccess;
     }
     if (conversation_ != targetID) openConversation(targetID);
-    const tools::JsonDocument document = readTreeFile(path, transfer_.report);
-    if (!document) return kSuccess;
-    if (!hasTreeVersion(document.get(), transfer_.packageVersion, path, transfer_.report)) return kWrongVersion;
-    takeDays(json_value_get_object(document.get()), path);
+    std::string text;
+    if (!readTreeText(path, text, transfer_.report)) return kSuccess;
+    MessageFileContent file = readMessageFileText(text);
+    if (!file.isJson) {
+        transfer_.report.skip(path, kNotJsonReason);
+        return kSuccess;
+    }
+    if (file.version != transfer_.packageVersion) {
+        skipOtherVersion(path, transfer_.packageVersion, transfer_.report);
+        return kWrongVersion;
+    }
+    takeMessages(file, path);
     countFile();
     return kSuccess;
 }
@@ -53,36 +59,32 @@ void TreeMessageImport::openConversation(long long targetID) {
     tableOpen_ = !table.empty();
 }
 
-void TreeMessageImport::takeDays(const JSON_Object* file, const std::string& path) {
-    const JSON_Array* days = json_object_get_array(file, kMessagesKey);
-    if (days == nullptr) {
+void TreeMessageImport::takeMessages(MessageFileContent& file, const std::string& path) {
+    if (!file.hasDays) {
         transfer_.report.skip(path, "has no list of days");
         return;
     }
     if (!tableOpen_) transfer_.report.skip(path, "its conversation has no table");
     const long long refusedBefore = transfer_.report.messagesRefused;
-    forEachObject(days, [this](const JSON_Object* dayObject) {
-        const CalendarDay day = readDate(dayObject);
-        forEachObject(json_object_get_array(dayObject, kMessagesKey),
-                      [&](const JSON_Object* message) { takeMessage(message, day); });
-    });
+    for (MessageDay& day : file.days) {
+        for (imsdk::st_dbMessageBean& message : day.messages)
+            takeMessage(message);
+    }
     if (transfer_.report.messagesRefused == refusedBefore) stored_.push_back(path);
 }
 
-void TreeMessageImport::takeMessage(const JSON_Object* message, const CalendarDay& day) {
+void TreeMessageImport::takeMessage(imsdk::st_dbMessageBean& message) {
     ++transfer_.report.messagesRead;
     if (!tableOpen_) {
         ++transfer_.report.messagesRefused;
         return;
     }
-    imsdk::st_dbMessageBean record = readMessage(message, day);
-    forEachMessageList(record, [message](const char* key, std::string& joined) { getList(message, key, joined); });
     // A message to the user belongs to the conversation with its sender.
-    record.targetID = record.toUserID == ownID_ ? record.fromeUserID : record.toUserID;
-    if (options_.movesAttachments && carriesTreeFiles(record.msgType)) {
-        transfer_.importFile2(record.body, record.msgType);
+    message.targetID = message.toUserID == ownID_ ? message.fromeUserID : message.toUserID;
+    if (options_.movesAttachments && carriesTreeFiles(message.msgType)) {
+        transfer_.importFile2(message.body, message.msgType);
     }
-    transfer_.wtSingleMsgToDbNJ(record, db_, insert_);
+    transfer_.wtSingleMsgToDbNJ(message, db_, insert_);
 }
 
 void TreeMessageImport::countFile() {

@@ -5,9 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "host/json.h"
 #include "transfer/dbTrans.h"
-#include "transfer/package_format.h"
+#include "transfer/message_text.h"
 #include "transfer/table_index.h"
 
 namespace transfer {
@@ -33,8 +32,8 @@ public:
 private:
     ErrorCode takeFile(const std::string& path);
     void openConversation(long long targetID);
-    void takeDays(const JSON_Object* file, const std::string& path);
-    void takeMessage(const JSON_Object* message, const CalendarDay& day);
+    void takeMessages(MessageFileContent& file, const std::string& path);
+    void takeMessage(imsdk::st_dbMessageBean& message);
     void countFile();
 
     dbTrans& transfer_;

@@ -6,6 +6,7 @@
 
 #include "host/json.h"
 #include "transfer/dbTrans.h"
+#include "transfer/json_fields.h"
 #include "transfer/tree_document.h"
 #include "transfer/tree_format.h"
 
@@ -40,8 +41,12 @@ ErrorCode readTreeRecords(dbTrans& transfer, const TreeRecords<Record>& kind, st
     for (const std::string& path : paths) {
         const tools::JsonDocument document = readTreeFile(path, transfer.report);
         if (!document) continue;
-        if (!hasTreeVersion(document.get(), transfer.packageVersion, path, transfer.report)) return kWrongVersion;
-        const JSON_Array* list = json_object_get_array(json_value_get_object(document.get()), kind.listKey);
+        const JSON_Object* file = json_value_get_object(document.get());
+        if (!hasVersion(file, transfer.packageVersion)) {
+            skipOtherVersion(path, transfer.packageVersion, transfer.report);
+            return kWrongVersion;
+        }
+        const JSON_Array* list = json_object_get_array(file, kind.listKey);
         for (size_t i = json_array_get_count(list); i-- > 0;) {
             const JSON_Object* object = json_array_get_object(list, i);
             if (object == nullptr) continue;

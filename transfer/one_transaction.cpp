@@ -1,4 +1,4 @@
-#include "transfer/tree_transaction.h"
+#include "transfer/one_transaction.h"
 
 namespace transfer {
 
