@@ -14,6 +14,7 @@
 #include "app/package_place.h"
 #include "app/printable.h"
 #include "app/progress_bar.h"
+#include "app/ready_account.h"
 #include "app/text_table.h"
 #include "app/units.h"
 
@@ -31,14 +32,6 @@ struct ImportOptions {
 
 Database databaseOf(const ImportOptions& options) {
     return options.into == "back" ? Database::back : Database::main;
-}
-
-void makeAccountReady(const Account& account, const std::string& key) {
-    for (const std::string& path : makeMissingParts(account, key)) {
-        std::cout << "Made a new "
-                  << (key.empty() ? "database (not encrypted: no key was given): " : "encrypted database: ")
-                  << printable(path) << '\n';
-    }
 }
 
 // Paths of the transfer stay short this way, however long the package's path is.

@@ -15,7 +15,9 @@
 #include "app/left_out.h"
 #include "app/printable.h"
 #include "app/progress_bar.h"
+#include "app/ready_account.h"
 #include "app/text_table.h"
+#include "app/tree_file_names.h"
 #include "app/tree_import_files.h"
 #include "app/tree_place.h"
 #include "app/units.h"
@@ -36,8 +38,6 @@ struct ImportTreeOptions {
     std::string packageVersion;
     KeyOptions key;
 };
-
-constexpr const char* kVideoFolder = "/video/";
 
 Database databaseOf(const ImportTreeOptions& options) {
     return options.into == "back" ? Database::back : Database::main;
@@ -68,12 +68,7 @@ void enterTree(dbTrans& transfer, const TreePlace& place, const ImportTreeOption
     transfer.packageVersion = options.packageVersion;
 }
 
-void makeAccountReady(const Account& account, const std::string& key) {
-    for (const std::string& path : makeMissingParts(account, key)) {
-        std::cout << "Made a new "
-                  << (key.empty() ? "database (not encrypted: no key was given): " : "encrypted database: ")
-                  << printable(path) << '\n';
-    }
+void makeVideoFolder(const Account& account) {
     const std::string videos = account.root() + kVideoFolder;
     if (tools::createDir(videos.c_str()) == 0) return;
     throw Failure({0, "A folder of the account cannot be made", videos, systemWords(errno),
@@ -246,6 +241,7 @@ int runImportTree(const ImportTreeOptions& options) {
     progress.finish();
     requireTreeVersion(files, transfer);
     makeAccountReady(account, key.text());
+    makeVideoFolder(account);
     setUserFolders(transfer, account);
     openDatabase(transfer, account, into);
     if (intoMain(options)) {

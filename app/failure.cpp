@@ -1,11 +1,10 @@
 #include "app/failure.h"
 
-#include <array>
-#include <cstdio>
 #include <iostream>
 #include <system_error>
 
 #include "app/printable.h"
+#include "host/fixed_text.h"
 #include "transfer/error_codes.h"
 
 namespace app {
@@ -41,9 +40,7 @@ const char* meaningOf(unsigned int code) {
 }
 
 std::string hexCode(unsigned int code) {
-    std::array<char, 16> buffer{};
-    std::snprintf(buffer.data(), buffer.size(), "0x%08x", code);
-    return buffer.data();
+    return tools::FixedText<16>("0x%08x", code).text();
 }
 
 void printFailure(std::ostream& out, const FailureWords& words) {

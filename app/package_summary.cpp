@@ -1,12 +1,11 @@
 #include "app/package_summary.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 
 #include "app/json_texts.h"
 #include "app/paths.h"
 #include "app/printable.h"
+#include "host/fixed_text.h"
 #include "host/json_owner.h"
 #include "transfer/attachment_body.h"
 #include "transfer/tree_attachments.h"
@@ -107,9 +106,7 @@ PackageSummary summarise(const PackagePlace& place) {
 }
 
 std::string dayText(const PackageSummary::Day& day) {
-    std::array<char, 40> buffer{};
-    std::snprintf(buffer.data(), buffer.size(), "%04d-%02d-%02d", std::get<0>(day), std::get<1>(day), std::get<2>(day));
-    return buffer.data();
+    return tools::FixedText<40>("%04d-%02d-%02d", std::get<0>(day), std::get<1>(day), std::get<2>(day)).text();
 }
 
 void addTypes(JSON_Object* object, const std::map<int, long long>& byType) {

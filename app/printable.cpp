@@ -1,8 +1,6 @@
 #include "app/printable.h"
 
-#include <array>
-#include <cstdio>
-
+#include "host/fixed_text.h"
 #include "host/utf8.h"
 
 namespace app {
@@ -36,9 +34,9 @@ bool isHarmless(char32_t code) {
 }
 
 std::string spelledOut(char32_t code) {
-    std::array<char, 16> buffer{};
-    std::snprintf(buffer.data(), buffer.size(), code < 0x80 ? "\\x%02x" : "\\u%04x", static_cast<unsigned>(code));
-    return buffer.data();
+    const auto number = static_cast<unsigned>(code);
+    if (number < 0x80) return tools::FixedText<16>("\\x%02x", number).text();
+    return tools::FixedText<16>("\\u%04x", number).text();
 }
 
 template <class IsKept>

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <utility>
 
 #include "app/calendar.h"
 #include "app/sample_texts.h"
+#include "host/fixed_text.h"
 #include "transfer/recent_contact_table.h"
 
 namespace app {
@@ -28,9 +28,7 @@ void setDay(imsdk::st_dbMessageBean& message) {
 }
 
 std::string dayText(const imsdk::st_dbMessageBean& message) {
-    std::array<char, 32> buffer{};
-    std::snprintf(buffer.data(), buffer.size(), "%04d-%02d-%02d", message.year_, message.mon, message.day_);
-    return buffer.data();
+    return tools::FixedText<40>("%04d-%02d-%02d", message.year_, message.mon, message.day_).text();
 }
 
 long long pickId(Random& random, const std::vector<long long>& ids) {

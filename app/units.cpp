@@ -1,17 +1,13 @@
 #include "app/units.h"
 
 #include <array>
-#include <cstdio>
+
+#include "host/fixed_text.h"
 
 namespace app {
 namespace {
 
-template <class... Arguments>
-std::string formatted(const char* format, Arguments... arguments) {
-    std::array<char, 64> buffer{};
-    std::snprintf(buffer.data(), buffer.size(), format, arguments...);
-    return buffer.data();
-}
+using Text = tools::FixedText<64>;
 
 }  // namespace
 
@@ -31,15 +27,15 @@ std::string humanSize(unsigned long long bytes) {
     // 999.95 would show as 1000.0 of the smaller unit.
     for (; value >= 999.95 && unit + 1 < kUnits.size(); ++unit)
         value /= 1000;
-    return formatted("%.1f %s", value, kUnits.at(unit));
+    return Text("%.1f %s", value, kUnits.at(unit)).text();
 }
 
 std::string humanDuration(double seconds) {
-    if (seconds < 1) return formatted("%.2f s", seconds);
-    if (seconds < 59.95) return formatted("%.1f s", seconds);
+    if (seconds < 1) return Text("%.2f s", seconds).text();
+    if (seconds < 59.95) return Text("%.1f s", seconds).text();
     const auto whole = static_cast<long long>(seconds + 0.5);
-    if (whole < 3600) return formatted("%lld min %02lld s", whole / 60, whole % 60);
-    return formatted("%lld h %02lld min", whole / 3600, whole / 60 % 60);
+    if (whole < 3600) return Text("%lld min %02lld s", whole / 60, whole % 60).text();
+    return Text("%lld h %02lld min", whole / 3600, whole / 60 % 60).text();
 }
 
 std::string counted(long long number, const std::string& singular, const std::string& plural) {

@@ -1,9 +1,9 @@
 #include "bench/driver/svg_plot.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdio>
+
+#include "host/fixed_text.h"
 
 namespace bench {
 namespace {
@@ -16,22 +16,14 @@ constexpr double kTop = 50;
 constexpr double kBottom = 60;
 
 std::string number(double value) {
-    std::array<char, 32> buffer{};
-    std::snprintf(buffer.data(), buffer.size(), "%.1f", value);
-    return buffer.data();
+    return tools::FixedText<32>("%.1f", value).text();
 }
 
 // 0.001 as "0.001", 1000 as "1k".
 std::string tickName(double value) {
-    std::array<char, 32> buffer{};
-    if (value >= 1e6) {
-        std::snprintf(buffer.data(), buffer.size(), "%gM", value / 1e6);
-    } else if (value >= 1e3) {
-        std::snprintf(buffer.data(), buffer.size(), "%gk", value / 1e3);
-    } else {
-        std::snprintf(buffer.data(), buffer.size(), "%g", value);
-    }
-    return buffer.data();
+    if (value >= 1e6) return tools::FixedText<32>("%gM", value / 1e6).text();
+    if (value >= 1e3) return tools::FixedText<32>("%gk", value / 1e3).text();
+    return tools::FixedText<32>("%g", value).text();
 }
 
 // Whole decades around the values, laid over a range of pixels.

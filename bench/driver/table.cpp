@@ -1,16 +1,14 @@
 #include "bench/driver/table.h"
 
-#include <array>
 #include <cmath>
-#include <cstdio>
+
+#include "host/fixed_text.h"
 
 namespace bench {
 namespace {
 
 std::string format(const char* pattern, double value) {
-    std::array<char, 64> buffer{};
-    std::snprintf(buffer.data(), buffer.size(), pattern, value);
-    return buffer.data();
+    return tools::FixedText<64>(pattern, value).text();
 }
 
 // 100000 as "100k".
