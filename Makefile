@@ -36,9 +36,9 @@ format:
 	scripts/format --fix
 
 ## Warnings of clang-tidy and formatting differences are errors.
-tidy: build
+tidy: setup
 	scripts/format
-	scripts/tidy $(BUILD)
+	scripts/tidy
 
 clean:
 	rm -rf build demo

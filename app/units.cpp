@@ -1,8 +1,10 @@
 #include "app/units.h"
 
 #include <array>
+#include <cmath>
 
 #include "host/fixed_text.h"
+#include "host/numeric.h"
 
 namespace app {
 namespace {
@@ -33,7 +35,7 @@ std::string humanSize(unsigned long long bytes) {
 std::string humanDuration(double seconds) {
     if (seconds < 1) return Text("%.2f s", seconds).text();
     if (seconds < 59.95) return Text("%.1f s", seconds).text();
-    const auto whole = static_cast<long long>(seconds + 0.5);
+    const auto whole = tools::truncateTo<long long>(std::round(seconds));
     if (whole < 3600) return Text("%lld min %02lld s", whole / 60, whole % 60).text();
     return Text("%lld h %02lld min", whole / 3600, whole / 60 % 60).text();
 }
