@@ -24,11 +24,16 @@ void addAccount(CLI::App& app, AccountPlan& plan, std::string& folder) {
         [&plan, &folder] { std::printf("%.1f bytes per message body on average\n", makeAccount(plan, folder)); });
 }
 
-void addTrees(CLI::App& app, std::string& account, std::string& folder, int& files, int& bytes) {
-    CLI::App* messages = app.add_subcommand("message-tree", "A decrypted tree with an account's messages");
+void addMessageTree(CLI::App& app, std::string& account, MessageTreePlan& plan, std::string& folder) {
+    CLI::App* messages = app.add_subcommand("message-tree", "A tree with an account's messages, decrypted");
     messages->add_option("account", account, "The account")->required();
     messages->add_option("folder", folder, "Folder that gets the tree")->required();
-    messages->callback([&] { makeMessageTree(account, folder); });
+    messages->add_option("--per-file", plan.perFile, "Messages in a file at most (default: a conversation's)");
+    messages->add_flag("--encrypted", plan.encrypted, "Encrypt the files");
+    messages->callback([&] { makeMessageTree(account, plan, folder); });
+}
+
+void addEncryptedTree(CLI::App& app, std::string& folder, int& files, int& bytes) {
     CLI::App* encrypted = app.add_subcommand("encrypted-tree", "A tree of encrypted files");
     encrypted->add_option("folder", folder, "Folder that gets the tree")->required();
     encrypted->add_option("--files", files, "Number of files")->required();
@@ -43,12 +48,14 @@ int main(int argc, char** argv) {
     CLI::App app("Makes accounts and trees for the benchmarks");
     app.require_subcommand(1);
     bench::AccountPlan plan;
+    bench::MessageTreePlan treePlan;
     std::string account;
     std::string folder;
     int files = 0;
     int bytes = 0;
     bench::addAccount(app, plan, folder);
-    bench::addTrees(app, account, folder, files, bytes);
+    bench::addMessageTree(app, account, treePlan, folder);
+    bench::addEncryptedTree(app, folder, files, bytes);
     try {
         app.parse(argc, argv);
         return 0;

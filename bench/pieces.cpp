@@ -113,7 +113,7 @@ void parseMessageFile(benchmark::State& state) {
     const std::string text = fileText();
     for (auto _ : state) {
         std::string copy = text;  // reading uses the text up
-        benchmark::DoNotOptimize(transfer::readMessageFileText(copy, bench::kVersion));
+        benchmark::DoNotOptimize(transfer::readMessageFileText(copy));
     }
     countMessages(state);
 }

@@ -6,12 +6,14 @@
 //   transfer-bench import ACCOUNT FROM        rdMsgFromFile + wtMsgToDB
 //   transfer-bench import-counted ACCOUNT FROM  the same; prints the syncs and the bytes that it wrote
 //   transfer-bench walk ACCOUNT FROM          getfiles over the tree's message files, decrypting them
+//   transfer-bench read-tree ACCOUNT FROM     reads and parses the tree's decrypted message files, and nothing else
 //   transfer-bench import-tree ACCOUNT FROM   readMsgFromFileNJ
 //   transfer-bench open ACCOUNT               dbOpen and nothing else
 //
 // A further argument "keyed" stands for encrypted databases.
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -20,8 +22,12 @@
 
 #include "bench/counting_vfs.h"
 #include "bench/names.h"
+#include "host/whole_file.h"
 #include "transfer/dbTrans.h"
+#include "transfer/message_text.h"
 #include "transfer/tree_format.h"
+
+namespace fs = std::filesystem;
 
 namespace bench {
 namespace {
@@ -57,6 +63,18 @@ void walkTree(dbTrans& transfer) {
     if (files.empty()) throw std::runtime_error("nothing was decrypted");
 }
 
+void readTree(dbTrans& transfer) {
+    std::string text;
+    long long messages = 0;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(transfer::treeRoot(transfer))) {
+        if (entry.path().extension() != ".decrypt") continue;
+        if (!tools::readWholeFile(entry.path(), text)) throw std::runtime_error("cannot read " + entry.path().string());
+        for (const transfer::MessageDay& day : transfer::readMessageFileText(text).days)
+            messages += static_cast<long long>(day.messages.size());
+    }
+    if (messages == 0) throw std::runtime_error("nothing was read");
+}
+
 void importTree(dbTrans& transfer) {
     require(static_cast<unsigned int>(transfer.readMsgFromFileNJ()), "readMsgFromFileNJ");
     if (transfer.report.messagesInserted == 0) throw std::runtime_error("nothing was inserted");
@@ -70,10 +88,10 @@ using Operation = void (*)(dbTrans&);
 
 Operation operationOf(const std::string& name) {
     static const std::map<std::string, Operation> operations = {
-        {"export", exportDays},    {"export2", exportPacked},
-        {"import", importPackage}, {"import-counted", importCounted},
-        {"walk", walkTree},        {"import-tree", importTree},
-        {"open", openOnly}};
+        {"export", exportDays},      {"export2", exportPacked},
+        {"import", importPackage},   {"import-counted", importCounted},
+        {"walk", walkTree},          {"read-tree", readTree},
+        {"import-tree", importTree}, {"open", openOnly}};
     const auto found = operations.find(name);
     return found != operations.end() ? found->second : nullptr;
 }

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
+#include <utility>
 
 #include "bench/floor/message_json.h"
 #include "bench/names.h"
@@ -39,30 +40,66 @@ std::string dateOf(sqlite3_stmt* row) {
            "}";
 }
 
-// One day object per day, the messages in table order.
-std::string treeFile(sqlite3* db, const std::string& table) {
-    std::string text = std::string(R"({"version":")") + kVersion + R"(","msgs":[)";
-    std::string day;
-    const Statement rows = prepare(db, "select * from " + table);
-    while (step(rows.get())) {
-        const std::string date = dateOf(rows.get());
-        if (date != day) {
-            if (!day.empty()) text += "]},";
-            text.append("{").append(date).append(R"(,"msgs":[)");
-            day = date;
+// The text of one message file: one day object per day.
+class TreeFileText {
+public:
+    int messages() const { return messages_; }
+
+    void add(sqlite3_stmt* row) {
+        const std::string date = dateOf(row);
+        if (date != day_) {
+            text_.append(messages_ > 0 ? "]},{" : "{").append(date).append(R"(,"msgs":[)");
+            day_ = date;
         } else {
-            text += ',';
+            text_ += ',';
         }
         Output message;
-        appendMessage(message, rows.get());
-        text.append(message.data(), message.size());
+        appendMessage(message, row);
+        text_.append(message.data(), message.size());
+        ++messages_;
     }
-    return text + (day.empty() ? "]}" : "]}]}");
-}
+
+    std::string whole() const {
+        return std::string(R"({"version":")") + kVersion + R"(","msgs":[)" + text_ + (messages_ > 0 ? "]}]}" : "]}");
+    }
+
+private:
+    std::string text_;
+    std::string day_;
+    int messages_ = 0;
+};
+
+// The numbered message files of one conversation.
+class ConversationFiles {
+public:
+    ConversationFiles(std::string folder, const MessageTreePlan& plan) : folder_(std::move(folder)), plan_(plan) {}
+
+    void add(sqlite3_stmt* row) {
+        if (plan_.perFile > 0 && file_.messages() == plan_.perFile) finish();
+        file_.add(row);
+    }
+
+    void finish() {
+        const std::string path = folder_ + "/" + std::to_string(number_++) + ".mg";
+        const std::string decrypted = path + ".decrypt";
+        write(decrypted, file_.whole());
+        if (plan_.encrypted) {
+            encrypt(decrypted, path);
+            fs::remove(decrypted);
+        }
+        file_ = {};
+    }
+
+private:
+    std::string folder_;
+    const MessageTreePlan& plan_;
+    TreeFileText file_;
+    int number_ = 0;
+};
 
 }  // namespace
 
-void makeMessageTree(const std::string& account, const std::string& backup) {
+void makeMessageTree(const std::string& account, const MessageTreePlan& plan, const std::string& backup) {
     const Database db = openDatabase(account + "/db/imsg.db");
     const std::string prefix = "im_msg_";
     const Statement tables = prepare(db.get(), "select name from sqlite_master where type='table' order by name");
@@ -70,8 +107,11 @@ void makeMessageTree(const std::string& account, const std::string& backup) {
     while (step(tables.get())) {
         const std::string table(textOf(tables.get(), 0));
         if (table.compare(0, prefix.size(), prefix) != 0) continue;
-        const std::string folder = treeFolder(backup) + table.substr(prefix.size());
-        write(folder + "/history.mg.decrypt", treeFile(db.get(), table));
+        ConversationFiles files(treeFolder(backup) + table.substr(prefix.size()), plan);
+        const Statement rows = prepare(db.get(), "select * from " + table);
+        while (step(rows.get()))
+            files.add(rows.get());
+        files.finish();
     }
 }
 

@@ -5,9 +5,13 @@
 
 namespace bench {
 
-/// Writes an account's messages as a tree below `backup`: one file of decrypted messages per conversation, in the
-/// order of its table.
-void makeMessageTree(const std::string& account, const std::string& backup);
+struct MessageTreePlan {
+    int perFile = 0;         ///< messages in a file at most; 0: one file per conversation
+    bool encrypted = false;  ///< encrypted files instead of decrypted ones
+};
+
+/// Writes an account's messages as a tree below `backup`, those of each conversation in the order of its table.
+void makeMessageTree(const std::string& account, const MessageTreePlan& plan, const std::string& backup);
 
 /// Writes a tree of `files` encrypted message files of `bytes` bytes each, a hundred to a folder. Their text is not
 /// that of messages: they are for the walk alone.

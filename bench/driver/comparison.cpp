@@ -82,8 +82,8 @@ long long countFiles(const std::string& folder, const std::string& ending) {
     return count;
 }
 
-long long countMessages(const std::string& database) {
-    const Database db = openDatabase(database);
+long long countMessages(const std::string& database, const char* key) {
+    const Database db = openDatabase(database, false, key);
     long long count = 0;
     for (const std::string& table : tablesOf(db.get())) {
         if (table.compare(0, 7, "im_msg_") != 0) continue;

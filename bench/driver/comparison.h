@@ -18,7 +18,7 @@ void requireSameRows(const std::string& expected, const std::string& actual, Sch
 long long countFiles(const std::string& folder, const std::string& ending);
 
 /// How many messages the database holds, over all conversations.
-long long countMessages(const std::string& database);
+long long countMessages(const std::string& database, const char* key = nullptr);
 
 /// Throws when the two counts differ.
 void requireSameCount(long long expected, long long actual, const std::string& of);

@@ -111,8 +111,8 @@ struct Stage {
 
 const std::vector<Stage>& raceStages() {
     static const std::vector<Stage> stages = {
-        {"sizes", raceSizes}, {"one-day", raceOneDay}, {"many", raceManyConversations},
-        {"keyed", raceKeyed}, {"tree", raceTree},      {"attachments", raceAttachments}};
+        {"sizes", raceSizes}, {"one-day", raceOneDay},         {"many", raceManyConversations}, {"keyed", raceKeyed},
+        {"tree", raceTree},   {"tree-import", raceTreeImport}, {"attachments", raceAttachments}};
     return stages;
 }
 
@@ -141,6 +141,9 @@ void compare(const Arguments& arguments) {
         if (wanted(stage.name)) stage.run(workshop);
     if (wanted("disk")) report.disk = makeDiskTable(countImportWrites(workshop));
     report.rows = makeTable(workshop.settings(), workshop.results());
+    report.treeImport = makeTreeImportTable(workshop.results());
+    report.treeImportTitle = "Import of " + std::to_string(workshop.settings().treeFiles) + " encrypted files, " +
+                             std::to_string(workshop.settings().treeMessages()) + " messages";
     report.peers = makePeerTable(workshop.settings(), workshop.results());
     writeResults(arguments, report, workshop);
 }
@@ -155,7 +158,8 @@ int main(int argc, char** argv) {
     app.add_option("--rounds", arguments.rounds, "Interleaved rounds (default 5, quick 3)");
     app.add_option("--sizes", arguments.sizes, "Messages of the accounts, rising; the table speaks of the last two")
         ->delimiter(',');
-    app.add_option("--only", arguments.only, "Stages: sizes, one-day, many, keyed, tree, attachments, disk")
+    app.add_option("--only", arguments.only,
+                   "Stages: sizes, one-day, many, keyed, tree, tree-import, attachments, disk")
         ->delimiter(',');
     app.add_option("--work", arguments.work,
                    "Folder for the accounts and packages (default: in memory where there is room)");

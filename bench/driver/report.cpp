@@ -116,6 +116,7 @@ std::string toMarkdown(const Report& report, const Settings& settings) {
     text += "| Rounds | medians of " + std::to_string(settings.rounds) + ", interleaved |\n";
     text += table(report.rows, "Ratios");
     text += table(report.disk, "Syncs and bytes of an import");
+    text += table(report.treeImport, report.treeImportTitle);
     text += table(report.peers, "Peers");
     return text;
 }
@@ -128,6 +129,7 @@ std::string toJson(const Report& report, const Settings& settings, const Results
     json.end('}');
     addRows(json, "rows", report.rows);
     addRows(json, "disk", report.disk);
+    addRows(json, "treeImport", report.treeImport);
     addRows(json, "peers", report.peers);
     addCosts(json, results);
     return json.end('}').take();

@@ -13,6 +13,8 @@ struct Report {
     std::vector<Row> rows;
     std::vector<Row> peers;
     std::vector<Row> disk;
+    std::vector<Row> treeImport;
+    std::string treeImportTitle;
 };
 
 /// The tables as Markdown.

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "bench/driver/comparison.h"
+#include "bench/names.h"
 
 namespace fs = std::filesystem;
 
@@ -184,6 +185,35 @@ void raceKeyed(Workshop& workshop) {
 void raceTree(Workshop& workshop) {
     raceWalk(workshop);
     raceTreeMessages(workshop);
+}
+
+void raceTreeImport(Workshop& workshop) {
+    const std::string account = workshop.account("account", sizedAccount(workshop.settings().treeMessages()));
+    const std::string tree = workshop.freshFolder("tree");
+    workshop.run(workshop.own("bench-data", {"message-tree", account, tree, "--encrypted", "--per-file",
+                                             std::to_string(Settings::kTreeMessagesPerFile)}));
+    const std::string copied = workshop.at("tree-copy");
+    const auto onCopy = [&](const char* operation, const char* into, const std::vector<std::string>& more = {}) {
+        return workshop.own("transfer-bench", with({operation, workshop.freshAccount(into), copied}, more));
+    };
+    race("tree-import",
+         {{"copy",
+           [&tree, &copied]() -> Command {
+               fs::remove_all(copied);
+               return {{"cp", "-r", tree, copied}, "", ""};
+           }},
+          {"walk", [&] { return onCopy("walk", "a"); }},
+          {"read", [&] { return onCopy("read-tree", "a"); }},
+          {"insert",
+           [&] {
+               return workshop.own("floor-insert", {account, workshop.freshAccount("into-floor")});
+           }},
+          {"import", [&] { return onCopy("import-tree", "into-tree", {"keyed"}); }}},
+         workshop.settings().rounds, workshop.results(), [&] {
+             requireSameCount(countMessages(workshop.at("into-floor/db/imsg.db"), kKeyText),
+                              countMessages(workshop.at("into-tree/db/imsg.db"), kKeyText), "messages of the tree");
+         });
+    workshop.clear();
 }
 
 void raceAttachments(Workshop& workshop) {

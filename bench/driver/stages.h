@@ -22,6 +22,9 @@ void raceKeyed(Workshop& workshop);
 /// The tree's walk with decryption against a copy of its files, and its messages against those of a package.
 void raceTree(Workshop& workshop);
 
+/// A whole import of a tree of encrypted message files, its parts one by one, and what copy and insert alone cost.
+void raceTreeImport(Workshop& workshop);
+
 /// The export of attachments against a copy of their files.
 void raceAttachments(Workshop& workshop);
 

@@ -185,6 +185,29 @@ std::vector<Row> makePeerTable(const Settings& settings, const Results& results)
     return table.rows;
 }
 
+std::vector<Row> makeTreeImportTable(const Results& results) {
+    std::vector<Row> rows;
+    const auto part = [&results](const char* name) -> const Costs& {
+        return results.at(std::string("tree-import ") + name);
+    };
+    const auto add = [&rows](const char* work, double cpu, double wall) {
+        rows.push_back({work, "", "", duration(cpu) + " CPU", duration(wall) + " wall", true});
+    };
+    if (results.count("tree-import import") == 0) return rows;
+    const auto whole = [&](const char* work, const Costs& costs) { add(work, costs.cpu(), costs.wall()); };
+    const Costs& all = part("import");
+    const Costs& walk = part("walk");
+    const Costs& read = part("read");
+    whole("`cp -r` of the encrypted files", part("copy"));
+    whole("walk and decryption", walk);
+    whole("reading and parsing the decrypted files", read);
+    add("the rest of the import: inserting", all.cpu() - walk.cpu() - read.cpu(),
+        all.wall() - walk.wall() - read.wall());
+    whole("plain insert of the same rows (`insert ... select`, encrypted database)", part("insert"));
+    whole("the whole import", all);
+    return rows;
+}
+
 std::vector<Row> makeDiskTable(const ImportWrites& writes) {
     constexpr double kFew = 4;
     return {diskRow("per new conversation of 50 messages", "at most 4 syncs", writes.newSyncs, writes.newBytes,

@@ -23,6 +23,9 @@ std::vector<Row> makeTable(const Settings& settings, const Results& results);
 /// What the peers cost as ratios to the floor; no reach is set for them.
 std::vector<Row> makePeerTable(const Settings& settings, const Results& results);
 
+/// The parts of a tree import in CPU and wall time.
+std::vector<Row> makeTreeImportTable(const Results& results);
+
 /// What an import asks of the disk.
 std::vector<Row> makeDiskTable(const ImportWrites& writes);
 

@@ -23,6 +23,8 @@ struct Settings {
     std::vector<int> oneDaySizes;
     int manyConversations = 0;
     int treeFiles = 0;
+    static constexpr int kTreeMessagesPerFile = 10;
+    int treeMessages() const { return treeFiles * kTreeMessagesPerFile; }
     int attachments = 0;
     int fileBytes = 20480;
 };
