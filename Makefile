@@ -2,7 +2,7 @@
 PRESET ?= release
 BUILD := build/$(PRESET)
 
-.PHONY: demo test asan bench build setup format tidy clean
+.PHONY: demo test asan bench fuzz build setup format tidy clean
 
 ## Make a sample account, export it, import it elsewhere (twice), verify, and say what moved.
 demo: build
@@ -23,6 +23,13 @@ bench:
 	build/bench/bench/bench-pieces $(if $(QUICK),--benchmark_min_time=0.02)
 	build/bench/bench/bench-compare $(if $(QUICK),--quick) $(if $(ROUNDS),--rounds $(ROUNDS)) \
 	    $(if $(SIZES),--sizes $(SIZES)) $(if $(WORK),--work $(WORK)) --results build/bench/results $(if $(DOCS),--docs docs)
+
+## Fuzz every reader of foreign bytes. SECONDS: time for each target; TARGETS: some of them.
+fuzz:
+	scripts/setup clang libclang-rt-14-dev
+	cmake --preset fuzz
+	cmake --build --preset fuzz
+	scripts/fuzz $(or $(SECONDS),60) $(TARGETS)
 
 build: setup
 	cmake --preset $(PRESET)
