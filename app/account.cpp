@@ -1,10 +1,12 @@
 #include "app/account.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 #include "app/failure.h"
@@ -28,13 +30,42 @@ void makeFolder(const std::string& path) {
 // from then on a wrong key is noticed.
 constexpr const char* kFirstWrite = "PRAGMA user_version = 0";
 
-void makeDatabase(const std::string& path, const std::string& key) {
-    const tools::detail::FileHandle file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnly));
-    if (!file.valid()) throw Failure({0, "A database file cannot be made", path, systemWords(errno), ""});
+std::string unfinishedName(const std::string& path) {
+    return path + ".part";
+}
+
+// What an interrupted run left; nobody else has a database of this name.
+void removeUnfinished(const std::string& path) {
+    const std::string unfinished = unfinishedName(path);
+    static_cast<void>(std::remove((unfinished + "-journal").c_str()));
+    static_cast<void>(std::remove(unfinished.c_str()));
+}
+
+[[noreturn]] void failToMake(const std::string& path, const std::string& reason) {
+    throw Failure({transfer::kDatabaseFailed, "A database cannot be made", path, reason, ""});
+}
+
+void fillDatabase(const std::string& unfinished, const std::string& path, const std::string& key) {
+    const tools::detail::FileHandle file(open(unfinished.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOwnerOnly));
+    if (!file.valid()) failToMake(path, systemWords(errno));
     imsdk::dbUtils db;
     const bool made =
-        db.open(path.c_str(), key.empty() ? nullptr : key.c_str()) != 0 && db.excuteNonQuery(kFirstWrite) != 0;
-    if (!made) throw Failure({transfer::kDatabaseFailed, "A database cannot be made", path, db.lastError(), ""});
+        db.open(unfinished.c_str(), key.empty() ? nullptr : key.c_str()) != 0 && db.excuteNonQuery(kFirstWrite) != 0;
+    if (!made) failToMake(path, db.lastError());
+}
+
+// A run that is interrupted must not leave an empty file under the database's name: it would never be encrypted.
+void makeDatabase(const std::string& path, const std::string& key) {
+    const std::string unfinished = unfinishedName(path);
+    fillDatabase(unfinished, path, key);
+    if (std::rename(unfinished.c_str(), path.c_str()) != 0) failToMake(path, systemWords(errno));
+}
+
+// Keeps two commands from making the databases of one account at a time. Ends with the handle.
+tools::detail::FileHandle lockDatabases(const Account& account) {
+    tools::detail::FileHandle folder(open((account.root() + "/db").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder.valid()) static_cast<void>(flock(folder.get(), LOCK_EX));
+    return folder;
 }
 
 FailureWords wordsForClosed(const std::string& path, const std::string& error, bool withKey) {
@@ -88,9 +119,11 @@ std::vector<std::string> makeMissingParts(const Account& account, const std::str
     for (const char* folder : {"/db/plugin", transfer::kAudioFolder, transfer::kImageFolder, transfer::kFileFolder}) {
         makeFolder(account.root() + folder);
     }
+    const tools::detail::FileHandle lock = lockDatabases(account);
     std::vector<std::string> made;
     for (const std::string& path :
          {account.database(Database::main), account.database(Database::back), account.pluginDatabase()}) {
+        removeUnfinished(path);
         if (tools::fileExist(path.c_str())) continue;
         makeDatabase(path, key);
         made.push_back(path);

@@ -2,10 +2,8 @@
 #include <sys/file.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <csignal>
 #include <filesystem>
-#include <thread>
 
 #include "host/file_handle.h"
 #include "tests/app/fixture.h"
@@ -17,15 +15,6 @@ namespace fs = std::filesystem;
 
 class ExportCommand : public CommandTest {
 protected:
-    // Waits until the path is there, for ten seconds at most.
-    static bool waitUntilThere(const std::string& path) {
-        for (int i = 0; i < 10000; ++i) {
-            if (exists(path)) return true;
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        return false;
-    }
-
     // Starts an export of "big" and kills it in the middle of the message files.
     void killExportHalfWay() const {
         const pid_t child =

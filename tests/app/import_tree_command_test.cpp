@@ -1,10 +1,6 @@
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <chrono>
-#include <csignal>
 #include <filesystem>
-#include <random>
 
 #include "tests/app/tree_command_fixture.h"
 
@@ -259,6 +255,17 @@ TEST_F(ImportTreeCommand, RemovesWhatAnInterruptedDecryptionLeft) {
     EXPECT_FALSE(exists(leftover));
 }
 
+TEST_F(ImportTreeCommand, RemovesTheDatabasesThatAnInterruptedRunDidNotFinish) {
+    makeTree("backup");
+    for (const char* name : {"account/db/imsg.db.part", "account/db/imsg.db.part-journal",
+                             "account/db/backimsg.db.part-journal", "account/db/plugin/kab.db.part"})
+        dir_.write(name, "unfinished");
+    ASSERT_EXIT_CODE(0, importTree("account", "backup"));
+    EXPECT_EQ("backimsg.db imsg.db plugin", listing(at("account/db")));
+    EXPECT_EQ("kab.db", listing(at("account/db/plugin")));
+    EXPECT_EQ(0600U, permissionsOf(at("account/db/imsg.db")));
+}
+
 TEST_F(ImportTreeCommand, OnAFullDiskFailsAndCanBeRepeated) {
     makeBigPlainTree("plain", 300);
     ASSERT_EXIT_CODE(0, encryptTree("plain", "backup"));
@@ -275,44 +282,6 @@ TEST_F(ImportTreeCommand, HelpSaysWhatGoesOnlyWithTheMainDatabase) {
     const Outcome run = chatTransfer({"import-tree", "--help"});
     EXPECT_EXIT_CODE(0, run);
     EXPECT_SAYS("Into \"back\" go the messages only", run.out);
-}
-
-class KilledImportTree : public ImportTreeCommand {
-protected:
-    // Imports a copy of the tree "backup" into `account`, killed after `milliseconds`, and again. True when the kill
-    // came before the import's end.
-    bool importKilledAfter(int milliseconds, const std::string& account) const {
-        fs::copy(at("backup"), at(account + "-tree"), fs::copy_options::recursive);
-        const pid_t child = startChatTransfer(importArguments(account, account + "-tree"));
-        usleep(static_cast<useconds_t>(milliseconds) * 1000);
-        kill(child, SIGKILL);
-        const bool killed = waitFor(child).killed;
-        const Outcome again = importTree(account, account + "-tree");
-        EXPECT_EXIT_CODE(0, again);
-        EXPECT_EQ(0, countEnding(at(account + "-tree"), ".part"));
-        return killed;
-    }
-};
-
-TEST_F(KilledImportTree, AndRunAgainGivesTheDatabasesOfAnUndisturbedRun) {
-    makePlainTree("plain");
-    makeBigPlainTree("plain", 200);
-    ASSERT_EXIT_CODE(0, encryptTree("plain", "backup"));
-    fs::copy(at("backup"), at("whole-tree"), fs::copy_options::recursive);
-    const auto start = std::chrono::steady_clock::now();
-    ASSERT_EXIT_CODE(0, importTree("whole", "whole-tree"));
-    const auto time = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
-    const std::string undisturbed = contentOf("whole");
-    std::mt19937 random(20);  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same moments each time
-    std::uniform_int_distribution<int> moment(0, static_cast<int>(time.count()));
-    int killed = 0;
-    for (int i = 0; i < 10; ++i) {
-        const int milliseconds = moment(random);
-        const std::string account = "killed" + std::to_string(i);
-        if (importKilledAfter(milliseconds, account)) ++killed;
-        EXPECT_EQ(undisturbed, contentOf(account)) << "killed after " << milliseconds << " ms";
-    }
-    EXPECT_GE(killed, 5) << "most imports were over before they could be killed";
 }
 
 }  // namespace

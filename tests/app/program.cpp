@@ -13,6 +13,8 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "tests/support/temp_dir.h"
+
 namespace test {
 namespace {
 
@@ -137,6 +139,16 @@ Outcome waitFor(pid_t child) {
     Outcome run;
     collect(child, run);
     return run;
+}
+
+bool waitUntilThere(const std::string& path) {
+    constexpr int kTries = 10000;
+    constexpr useconds_t kPause = 1000;
+    for (int i = 0; i < kTries; ++i) {
+        if (exists(path)) return true;
+        usleep(kPause);
+    }
+    return false;
 }
 
 }  // namespace test

@@ -50,4 +50,7 @@ pid_t startChatTransfer(const Arguments& arguments);
 /// Waits for the end of a started child.
 Outcome waitFor(pid_t child);
 
+/// Waits until a started child has made something at `path`; false after ten seconds.
+bool waitUntilThere(const std::string& path);
+
 }  // namespace test

@@ -1,10 +1,7 @@
 #include "tests/app/tree_command_fixture.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <filesystem>
-#include <sstream>
 
 namespace test {
 namespace {
@@ -95,12 +92,20 @@ void TreeCommandTest::makeBigPlainTree(const std::string& plain, int files) cons
     }
 }
 
+void TreeCommandTest::makeContactFiles(const std::string& plain, int files) const {
+    for (int i = 0; i < files; ++i) {
+        const std::string number = std::to_string(i);
+        dir_.write(plain + "/contacts-" + number + ".ct",
+                   fileOf("recontact", R"({"targetID": 900)" + number + R"(, "name": "Contact )" + number + R"("})"));
+    }
+}
+
 std::string TreeCommandTest::mainRows(const std::string& account, const std::string& sql, int columns) const {
     return queryText(mainDatabase(account), sql, columns, kKey);
 }
 
 std::string TreeCommandTest::pluginRows(const std::string& account, const std::string& sql, int columns) const {
-    return queryText(at(account + "/db/plugin/kab.db"), sql, columns, kKey);
+    return queryText(pluginDatabase(account), sql, columns, kKey);
 }
 
 std::string TreeCommandTest::messageIds(const std::string& account, const std::string& table) const {
@@ -108,22 +113,17 @@ std::string TreeCommandTest::messageIds(const std::string& account, const std::s
 }
 
 std::string TreeCommandTest::contentOf(const std::string& account) const {
-    std::istringstream tables(
-        mainRows(account, "select name from sqlite_master where name like 'im\\_msg\\_%' escape '\\' order by name"));
-    std::string content;
-    for (std::string table; std::getline(tables, table);) {
-        content += table + "\n" +
-                   mainRows(account,
-                            "select msgID, toUserID, fromeUserID, body, msgType, time_, status, targetID, day_ from " +
-                                table + " order by msgID",
-                            9);
-    }
-    content += mainRows(account, "select targetID, name, time from im_reContact order by targetID", 3);
-    content += pluginRows(account, "select content, targetID, type, rmdTime from im_note order by content", 4);
-    content += pluginRows(account, "select roomName, roomMember, top from im_room order by roomName", 3);
+    std::string content = wholeText(mainDatabase(account), kKey) + wholeText(pluginDatabase(account), kKey);
     for (const char* folder : {"/audio", "/image", "/file", "/video"})
         content += filesBelow(account + folder);
     return content;
+}
+
+std::string TreeCommandTest::namesBelow(const std::string& folder) const {
+    std::string text;
+    for (const fs::path& path : pathsBelow(at(folder)))
+        text += path.lexically_relative(at(folder)).string() + "\n";
+    return text;
 }
 
 std::string TreeCommandTest::filesBelow(const std::string& folder) const {
@@ -137,16 +137,6 @@ long long TreeCommandTest::countEnding(const std::string& folder, const std::str
     const std::vector<fs::path> paths = pathsBelow(folder);
     return std::count_if(paths.begin(), paths.end(),
                          [&ending](const fs::path& path) { return path.extension() == ending; });
-}
-
-bool waitUntilThere(const std::string& path) {
-    constexpr int kTries = 5000;
-    constexpr useconds_t kPause = 1000;
-    for (int i = 0; i < kTries; ++i) {
-        if (exists(path)) return true;
-        usleep(kPause);
-    }
-    return false;
 }
 
 }  // namespace test

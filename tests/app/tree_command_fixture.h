@@ -10,7 +10,8 @@ namespace test {
 
 class TreeCommandTest : public CommandTest {
 protected:
-    static constexpr const char* kKey = "correct horse";
+    // The key itself instead of a passphrase: a database opens without the slow derivation.
+    static constexpr const char* kKey = "x'c0ffee0102030405060708090a0b0c0d0e0f101112131415161718191a1b1c1d'";
 
     TreeCommandTest();
 
@@ -28,26 +29,27 @@ protected:
     void makeTree(const std::string& backup) const;
     /// Many message files of one message each, in conversations of fifty files.
     void makeBigPlainTree(const std::string& plain, int files) const;
+    /// Adds files of recent contacts, each of one contact: "Contact 0" in contacts-0.ct and so on.
+    void makeContactFiles(const std::string& plain, int files) const;
 
     std::string plainMessage(long long id, const std::string& more = R"("message": "hello")") const;
     std::string treeFolder(const std::string& backup) const { return at(backup + "/qelbackup/" + kUser); }
+    std::string pluginDatabase(const std::string& account) const { return at(account + "/db/plugin/kab.db"); }
     std::string otherKey() const { return at("other-key"); }
 
     /// Rows as queryText() gives them.
     std::string mainRows(const std::string& account, const std::string& sql, int columns = 1) const;
     std::string pluginRows(const std::string& account, const std::string& sql, int columns = 1) const;
     std::string messageIds(const std::string& account, const std::string& table) const;
-    /// Everything that an import brings into the main and the plugin database, and the attachments' names and bytes.
+    /// All rows of the main and the plugin database, and the attachments' names and bytes.
     std::string contentOf(const std::string& account) const;
-    /// The relative names of all files below a folder with their bytes.
+    /// The relative names of all files below a folder, and these with their bytes.
+    std::string namesBelow(const std::string& folder) const;
     std::string filesBelow(const std::string& folder) const;
     long long countEnding(const std::string& folder, const std::string& ending) const;
 
 private:
     Outcome run(const std::string& command, const Arguments& more, const Arguments& last, const Setting& setting) const;
 };
-
-/// Waits until something stands at `path`; false after some seconds.
-bool waitUntilThere(const std::string& path);
 
 }  // namespace test

@@ -4,8 +4,25 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 namespace test {
+namespace {
+
+std::string rowsOf(imsdk::dbUtils& db, const std::string& sql, int columns) {
+    imsdk::dbDataReader reader = db.excuteQuery(sql.c_str());
+    std::string text;
+    while (reader.read() != 0) {
+        if (!text.empty()) text += '\n';
+        for (int column = 0; column < columns; ++column) {
+            text += (column == 0 ? "" : "|") + reader.getColumnValue(column);
+        }
+    }
+    EXPECT_FALSE(reader.failed()) << sql << ": " << db.lastError();
+    return text;
+}
+
+}  // namespace
 
 void makeDatabase(imsdk::dbUtils& db, const std::string& path, const char* key) {
     std::filesystem::create_directories(std::filesystem::path(path).parent_path());
@@ -29,15 +46,22 @@ void runSql(const std::string& path, const std::vector<std::string>& statements,
 std::string queryText(const std::string& path, const std::string& sql, int columns, const char* key) {
     imsdk::dbUtils db;
     EXPECT_NE(0, db.open(path.c_str(), key)) << path << ": " << db.lastError();
-    imsdk::dbDataReader reader = db.excuteQuery(sql.c_str());
-    std::string text;
-    while (reader.read() != 0) {
-        if (!text.empty()) text += '\n';
-        for (int column = 0; column < columns; ++column) {
-            text += (column == 0 ? "" : "|") + reader.getColumnValue(column);
-        }
+    return rowsOf(db, sql, columns);
+}
+
+std::string wholeText(const std::string& path, const char* key) {
+    imsdk::dbUtils db;
+    EXPECT_NE(0, db.open(path.c_str(), key)) << path << ": " << db.lastError();
+    std::string text = rowsOf(db, "select sql from sqlite_master order by name", 1) + "\n";
+    std::istringstream tables(rowsOf(db, "select name from sqlite_master where type = 'table' order by name", 1));
+    for (std::string table; std::getline(tables, table);) {
+        const std::string literals =
+            rowsOf(db,
+                   "select group_concat('quote(\"' || name || '\")', ' || '', '' || ') from pragma_table_info('" +
+                       table + "')",
+                   1);
+        text += table + ":\n" + rowsOf(db, "select " + literals + " from \"" + table + "\" order by 1", 1) + "\n";
     }
-    EXPECT_FALSE(reader.failed()) << sql << ": " << db.lastError();
     return text;
 }
 

@@ -17,4 +17,8 @@ void runSql(const std::string& path, const std::vector<std::string>& statements,
 /// All rows of a query, columns joined by "|", rows by "\n"; NULL shows as an empty text.
 std::string queryText(const std::string& path, const std::string& sql, int columns, const char* key = nullptr);
 
+/// Everything that a database holds: the schema, and each table's rows as SQL literals, so that NULL, texts and numbers
+/// are told apart. Rows are sorted: the order in which they were inserted makes no difference.
+std::string wholeText(const std::string& path, const char* key = nullptr);
+
 }  // namespace test
