@@ -8,6 +8,7 @@
 #include "app/package_summary.h"
 #include "app/printable.h"
 #include "app/text_table.h"
+#include "app/tree_conversion.h"
 #include "app/units.h"
 
 namespace app {
@@ -31,8 +32,8 @@ void printTotals(const PackageSummary& summary) {
     table.add("Conversations", static_cast<long long>(summary.conversations.size()));
     table.add("Recent contacts",
               facts.hasContacts ? grouped(static_cast<long long>(facts.contacts.size())) : "no file");
-    table.add("Attachments present", summary.attachments.inPackage);
-    table.add("Attachments missing", summary.attachments.nowhere);
+    table.add("Attachments present", summary.attachments.inSource());
+    table.add("Attachments missing", summary.attachments.neither);
     table.addIfAny("Attachments refused", summary.attachments.refused);
     table.add("Size", humanSize(summary.bytes));
     table.print(std::cout);
@@ -50,7 +51,7 @@ void printDamage(const PackageFacts& facts) {
 int runInspect(const InspectOptions& options) {
     const TreeSource tree = findTreeSource(options.from, options.user, options.tree);
     if (!tree.root.empty()) {
-        const SecretText key = findKey(options.key, Account(tree.root));
+        const SecretText key = findTreeKey(options.key, tree.root, KeyPurpose::unlock);
         return inspectTree(tree, key.text(), options.json);
     }
     const PackagePlace place = findPackage(options.from, options.user);
@@ -69,7 +70,8 @@ int runInspect(const InspectOptions& options) {
 constexpr const char* kFooter =
     R"(Nothing is changed, and no account is needed. A package is not encrypted. Of a tree, plain files and decrypted copies are
 looked into, and with the key the encrypted files too: they are decrypted one by one into a private folder, which is
-removed afterwards.
+removed afterwards. Of several files of recent contacts an import takes only the last one that the system lists: all are
+named then, and only its contacts are counted.
 
 DIR can hold the package qelmsg_0 or the tree qelbackup/ID, or be the package or a plain tree itself. Where it holds both,
 the package is shown; --tree asks for the tree.

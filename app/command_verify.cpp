@@ -46,8 +46,8 @@ void printSummary(const VerifyCounts& counts, const PackagePlace& place, const s
     summary.add("Recent contacts in the package", counts.packageContacts);
     summary.add("Recent contacts in the account", counts.accountContacts);
     summary.add("Attachments named", counts.attachments.named);
-    summary.add("Attachments compared", counts.attachments.compared);
-    summary.add("Attachments on neither side", counts.attachments.nowhere);
+    summary.add("Attachments compared", counts.attachments.both);
+    summary.add("Attachments on neither side", counts.attachments.neither);
     summary.add("Time", humanDuration(watch.seconds()));
     summary.print(std::cout);
 }
@@ -102,12 +102,14 @@ any. What is different because export and import change it by rule is counted ap
 
 --from takes the folder that holds the package qelmsg_0 or the tree qelbackup/ID, or the package or tree itself. Where it
 holds both, the package is meant; --tree asks for the tree. A tree is always held against an account into which it was imported:
-all its messages, recent contacts, notes and rooms must be in the account, and its attachments there or still in the tree.
-Encrypted files are read with the key of the account.
+all its messages, recent contacts, notes and rooms must be in the account, and the attachments that they name. An import moves
+attachments out of the tree; where the tree has them too, because it is another copy or its plain form, both must have the
+same bytes. Encrypted files are read with the key of the account.
 
 Examples:
   chat-transfer verify --from ~/backup --account ~/chat --user 1000000000000001 --key-file ~/.chat-key
-  chat-transfer verify --from ~/backup --account ~/chat --user 1000000000000001 --since 2024-01-01 --check exported)";
+  chat-transfer verify --from ~/backup --account ~/chat --user 1000000000000001 --since 2024-01-01 --check exported
+  chat-transfer verify --from ~/plain-tree --account ~/chat --user 1000000000000001 --tree --key-file ~/.chat-key)";
 
 }  // namespace
 

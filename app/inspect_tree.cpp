@@ -2,7 +2,6 @@
 
 #include <array>
 #include <iostream>
-#include <set>
 
 #include "app/command.h"
 #include "app/conversation_table.h"
@@ -11,9 +10,9 @@
 #include "app/paths.h"
 #include "app/printable.h"
 #include "app/text_table.h"
-#include "app/tree_file_names.h"
+#include "app/tree_attachment_check.h"
+#include "app/tree_contact_files.h"
 #include "app/units.h"
-#include "host/confined_files.h"
 #include "transfer/tree_format.h"
 
 namespace app {
@@ -31,40 +30,32 @@ constexpr std::array<FileKind, 4> kFileKinds = {
      {transfer::kNoteExtension, "Note files", "notes"},
      {transfer::kRoomExtension, "Room files", "rooms"}}};
 
+template <class Records>
+long long sizeOf(const Records& records) {
+    return static_cast<long long>(records.size());
+}
+
 struct TreeSummary {
     TreeFacts facts;
     PackageSummary messages;  ///< its facts and attachments stay empty
-    AttachmentCheck::Counts attachments;
-};
+    AttachmentCounts attachments;
+    const TreeContactFile* takenContacts = nullptr;  ///< in the facts; the one of which an import takes the contacts
 
-AttachmentCheck::Counts countAttachments(const TreeSource& source, const std::set<TreeFileName>& files) {
-    AttachmentCheck::Counts counts;
-    counts.named = static_cast<long long>(files.size());
-    for (const TreeFileName& file : files) {
-        if (!tools::isConfinedName(file.value)) {
-            ++counts.refused;
-        } else if (tools::confinedFileExists(source.attachments(), file.value)) {
-            ++counts.inPackage;
-        } else {
-            ++counts.nowhere;
-        }
-    }
-    return counts;
-}
+    long long contacts() const { return takenContacts != nullptr ? sizeOf(takenContacts->contacts) : 0; }
+};
 
 TreeSummary summarise(const TreeSource& source, const std::string& key) {
     TreeSummary summary;
-    std::set<TreeFileName> files;
-    const auto collect = [&files](TreeFileName file) { files.insert(std::move(file)); };
+    TreeAttachmentCheck attachments(source, "");
     summary.facts = readTree(source, key, [&](TreeMessage message) {
-        forEachTreeFile(message.record.body, message.record.msgType, transfer::kMessageFileKeys, collect);
+        attachments.collect(message.record);
         message.record.targetID = message.conversation;
         summary.messages.add(message.record);
     });
-    for (const st_noteTrans& note : summary.facts.notes)
-        forEachTreeFile(note.content, note.type, transfer::kNoteFileKeys, collect);
-    summary.messages.addNames(summary.facts.contacts);
-    summary.attachments = countAttachments(source, files);
+    attachments.collect(summary.facts.notes);
+    summary.attachments = attachments.count();
+    summary.takenContacts = lastListedFile(source, summary.facts.contactFiles);
+    if (summary.takenContacts != nullptr) summary.messages.addNames(summary.takenContacts->contacts);
     return summary;
 }
 
@@ -84,11 +75,6 @@ TreeFileCounts countsOf(const TreeFacts& facts, const char* ending) {
     return found != facts.files.end() ? found->second : TreeFileCounts();
 }
 
-template <class Records>
-long long sizeOf(const Records& records) {
-    return static_cast<long long>(records.size());
-}
-
 void printTotals(const TreeSource& source, const TreeSummary& summary) {
     const TreeFacts& facts = summary.facts;
     Summary table;
@@ -101,11 +87,11 @@ void printTotals(const TreeSource& source, const TreeSummary& summary) {
     }
     table.add("Messages", summary.messages.messages);
     table.add("Conversations", sizeOf(summary.messages.conversations));
-    table.add("Recent contacts", sizeOf(facts.contacts));
+    table.add("Recent contacts", summary.contacts());
     table.add("Notes", sizeOf(facts.notes));
     table.add("Rooms", sizeOf(facts.rooms));
-    table.add("Attachments present", summary.attachments.inPackage);
-    table.add("Attachments missing", summary.attachments.nowhere);
+    table.add("Attachments present", summary.attachments.inSource());
+    table.add("Attachments missing", summary.attachments.neither);
     table.addIfAny("Attachments refused", summary.attachments.refused);
     table.add("Size", humanSize(sizeOfFolder(source.root)));
     table.print(std::cout);
@@ -150,6 +136,19 @@ void addFiles(JSON_Object* object, const TreeFacts& facts) {
         json_array_append_string(versions, printable(version).c_str());
 }
 
+void addContacts(JSON_Object* object, const TreeSummary& summary) {
+    set(object, "recentContacts", summary.contacts());
+    json_object_set_value(object, "recentContactFiles", json_value_init_array());
+    JSON_Array* files = json_object_get_array(object, "recentContactFiles");
+    for (const TreeContactFile& file : summary.facts.contactFiles) {
+        json_array_append_value(files, json_value_init_object());
+        JSON_Object* one = json_array_get_object(files, json_array_get_count(files) - 1);
+        json_object_set_string(one, "name", printable(file.name).c_str());
+        set(one, "recentContacts", sizeOf(file.contacts));
+        json_object_set_boolean(one, "taken", &file == summary.takenContacts ? 1 : 0);
+    }
+}
+
 std::string jsonText(const TreeSource& source, const TreeSummary& summary) {
     const tools::JsonDocument document(json_value_init_object());
     JSON_Object* object = json_value_get_object(document.get());
@@ -160,14 +159,10 @@ std::string jsonText(const TreeSource& source, const TreeSummary& summary) {
         json_object_set_string(object, "lastDay", dayText(days->second).c_str());
     }
     addTypes(object, summary.messages.byType);
-    set(object, "recentContacts", sizeOf(summary.facts.contacts));
+    addContacts(object, summary);
     set(object, "notes", sizeOf(summary.facts.notes));
     set(object, "rooms", sizeOf(summary.facts.rooms));
-    JSON_Object* attachments = addObject(object, "attachments");
-    set(attachments, "named", summary.attachments.named);
-    set(attachments, "present", summary.attachments.inPackage);
-    set(attachments, "missing", summary.attachments.nowhere);
-    set(attachments, "refused", summary.attachments.refused);
+    addAttachments(object, summary.attachments);
     set(object, "bytes", static_cast<long long>(sizeOfFolder(source.root)));
     addConversations(object, summary.messages);
     return prettyTextOf(document);
@@ -183,6 +178,8 @@ int inspectTree(const TreeSource& source, const std::string& key, bool json) {
     }
     std::cout << "Tree " << printable(source.root) << " of user " << printable(source.user) << '\n';
     printTotals(source, summary);
+    if (summary.facts.contactFiles.size() > 1) std::cout << '\n';
+    printContactFiles(std::cout, summary.facts.contactFiles, summary.takenContacts, "taken");
     printConversations(summary.messages, std::cout);
     printUnreadable(summary.facts);
     return kDone;

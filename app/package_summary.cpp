@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "app/attachment_check.h"
 #include "app/json_texts.h"
 #include "app/paths.h"
 #include "app/printable.h"
@@ -53,14 +54,6 @@ void setFacts(JSON_Object* object, const PackageFacts& facts) {
     set(object, "recentContacts", static_cast<long long>(facts.contacts.size()));
 }
 
-void setAttachments(JSON_Object* object, const AttachmentCheck::Counts& counts) {
-    JSON_Object* attachments = addObject(object, "attachments");
-    set(attachments, "named", counts.named);
-    set(attachments, "present", counts.inPackage);
-    set(attachments, "missing", counts.nowhere);
-    set(attachments, "refused", counts.refused);
-}
-
 }  // namespace
 
 void PackageSummary::add(const imsdk::st_dbMessageBean& message) {
@@ -100,13 +93,21 @@ PackageSummary summarise(const PackagePlace& place) {
         attachments.collect(message.record.body, message.record.msgType);
     });
     summary.addNames(summary.facts.contacts);
-    summary.attachments = attachments.countInPackage();
+    summary.attachments = attachments.count();
     summary.bytes = sizeOfFolder(place.messages) + sizeOfFolder(place.attachments);
     return summary;
 }
 
 std::string dayText(const PackageSummary::Day& day) {
     return tools::FixedText<40>("%04d-%02d-%02d", std::get<0>(day), std::get<1>(day), std::get<2>(day)).text();
+}
+
+void addAttachments(JSON_Object* object, const AttachmentCounts& counts) {
+    JSON_Object* attachments = addObject(object, "attachments");
+    set(attachments, "named", counts.named);
+    set(attachments, "present", counts.inSource());
+    set(attachments, "missing", counts.neither);
+    set(attachments, "refused", counts.refused);
 }
 
 void addTypes(JSON_Object* object, const std::map<int, long long>& byType) {
@@ -138,7 +139,7 @@ std::string jsonOf(const PackageSummary& summary) {
         set(object, "lastDay", dayText(days->second));
     }
     addTypes(object, summary.byType);
-    setAttachments(object, summary.attachments);
+    addAttachments(object, summary.attachments);
     set(object, "bytes", static_cast<long long>(summary.bytes));
     addConversations(object, summary);
     return prettyTextOf(document);

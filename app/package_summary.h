@@ -6,7 +6,7 @@
 #include <string>
 #include <tuple>
 
-#include "app/attachment_check.h"
+#include "app/attachment_files.h"
 #include "app/package_files.h"
 #include "host/json.h"
 
@@ -27,7 +27,7 @@ struct PackageSummary {
     long long messages = 0;
     std::map<int, long long> byType;
     std::map<long long, Conversation> conversations;
-    AttachmentCheck::Counts attachments;
+    AttachmentCounts attachments;
     unsigned long long bytes = 0;  ///< of all files of the user
 
     /// Counts a message.
@@ -51,6 +51,8 @@ std::string jsonOf(const PackageSummary& summary);
 void addConversations(JSON_Object* object, const PackageSummary& summary);
 /// Messages by type, as "byType".
 void addTypes(JSON_Object* object, const std::map<int, long long>& byType);
+/// What a package or tree has of the attachments, as "attachments".
+void addAttachments(JSON_Object* object, const AttachmentCounts& counts);
 
 /// "voice" for 3, "image" for 5, "file" for 6, "pictures" for 28, "video" for 89, "type 7" for others.
 std::string typeName(int msgType);

@@ -143,6 +143,7 @@ private:
 
     // `name` is what the file is called in the tree, `original` that name when it is no copy.
     void takeText(const std::string& name, const std::string& original, const std::string& path) {
+        if (endingOf(original) == transfer::kContactExtension) facts_.contactFiles.push_back({name, {}});
         if (endingOf(original) == transfer::kMessageExtension) {
             takeMessages(name, path);
         } else {
@@ -201,7 +202,7 @@ private:
             transfer::forEachRecentContactField(contact, [object](int /*column*/, const char* name, auto& field) {
                 transfer::getField(object, name, field);
             });
-            facts_.contacts.push_back(std::move(contact));
+            facts_.contactFiles.back().contacts.push_back(std::move(contact));
         }
     }
 

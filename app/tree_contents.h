@@ -37,13 +37,19 @@ struct TreeMessage {
     imsdk::st_dbMessageBean record;
 };
 
+/// A file of recent contacts; one that cannot be understood has none.
+struct TreeContactFile {
+    std::string name;  ///< path below the root
+    std::vector<imsdk::st_dbReContactBean> contacts;
+};
+
 /// What was found besides the messages themselves.
 struct TreeFacts {
     std::map<std::string, TreeFileCounts> files;  ///< by ending: ".mg", ".ct", ".nt", ".rm"
     std::map<std::string, int> versions;          ///< how many files say which version; missing ones as "(none)"
     long long locked = 0;                         ///< encrypted files that were not opened, for want of a key
     std::vector<TransferReport::Skipped> unreadable;
-    std::vector<imsdk::st_dbReContactBean> contacts;
+    std::vector<TreeContactFile> contactFiles;  ///< by name; tree_contact_files.h tells which of several counts
     std::vector<st_noteTrans> notes;
     std::vector<st_roomTrans> rooms;
 };

@@ -165,9 +165,14 @@ ConversionCounts convertTree(CipherDirection direction, const std::string& from,
     return Conversion(direction, from, to, key, progress).run();
 }
 
-SecretText requireKey(const KeyOptions& options, const std::string& folder, KeyPurpose purpose) {
+SecretText findTreeKey(const KeyOptions& options, const std::string& folder, KeyPurpose purpose) {
+    // A folder of trees is no account: whether a key is chosen or one that exists is asked for, the command knows.
     if (options.keyFile.empty() && options.askKey) return askForKey(purpose);
-    SecretText key = findKey(options, Account(folder));
+    return findKey(options, Account(folder));
+}
+
+SecretText requireKey(const KeyOptions& options, const std::string& folder, KeyPurpose purpose) {
+    SecretText key = findTreeKey(options, folder, purpose);
     if (!key.empty()) return key;
     if (canAskForKey()) return askForKey(purpose);
     throw Failure({0, "A key is needed: the files of a tree are always encrypted", "", "no key was given",

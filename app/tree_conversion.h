@@ -28,6 +28,9 @@ struct ConversionCounts {
 ConversionCounts convertTree(CipherDirection direction, const std::string& from, const std::string& to,
                              const std::string& key, ProgressBar& progress);
 
+/// The key of tree files: from where findKey() takes it. Empty when there is none.
+SecretText findTreeKey(const KeyOptions& options, const std::string& folder, KeyPurpose purpose);
+
 /// The key of tree files: from where findKey() takes it, or asked for. Throws Failure when there is none.
 SecretText requireKey(const KeyOptions& options, const std::string& folder, KeyPurpose purpose);
 

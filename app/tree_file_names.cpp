@@ -9,7 +9,7 @@ namespace app {
 namespace {
 
 using transfer::TreeFileKeys;
-using Visit = std::function<void(TreeFileName)>;
+using Visit = std::function<void(AttachmentFile)>;
 
 // Voice and files keep their name.
 void visitByName(const JSON_Object* body, const char* key, const char* folder, const Visit& visit) {
@@ -17,13 +17,14 @@ void visitByName(const JSON_Object* body, const char* key, const char* folder, c
     if (value == nullptr || *value == '\0') return;
     std::string name;
     tools::getNameFromPath(std::string(value), name);
-    visit({value, folder, name});
+    visit({value, folder, name, name});
 }
 
 void visitByUrl(const JSON_Object* body, const char* key, const char* folder, const Visit& visit) {
     const char* value = json_object_get_string(body, key);
     if (value == nullptr || *value == '\0') return;
-    visit({value, folder, tools::getUniqueNameByUrl(value, true)});
+    const std::string name = tools::getUniqueNameByUrl(value, true);
+    visit({value, folder, name, name});
 }
 
 void visitImage(const JSON_Object* body, const TreeFileKeys& keys, const Visit& visit) {

@@ -4,12 +4,11 @@
 #include <limits>
 #include <utility>
 
+#include "app/tree_contact_files.h"
 #include "app/units.h"
-#include "host/confined_files.h"
 #include "transfer/message_table.h"
 #include "transfer/plugin_tables.h"
 #include "transfer/recent_contact_table.h"
-#include "transfer/tree_attachments.h"
 
 namespace app {
 namespace {
@@ -37,6 +36,19 @@ std::vector<std::string> differencesOf(const Comparison& comparison) {
     std::vector<std::string> names = comparison.differing;
     if (comparison.rules.count(Rule::idRounded) != 0) names.emplace_back("ids");
     return names;
+}
+
+TreeVerification::Contacts readContacts(imsdk::dbUtils& db) {
+    TreeVerification::Contacts contacts;
+    imsdk::dbDataReader reader =
+        db.excuteQuery((std::string("select * from ") + transfer::kRecentContactTable).c_str());
+    while (reader.read() != 0) {
+        st_dbReContactBean row;
+        transfer::forEachRecentContactField(
+            row, [&reader](int column, const char* /*name*/, auto& field) { reader.getColumnValue(column, field); });
+        contacts.emplace(row.targetID, std::move(row));
+    }
+    return contacts;
 }
 
 // What tells two notes apart, besides their content.
@@ -76,7 +88,7 @@ std::set<std::pair<std::string, std::string>> readRooms(imsdk::dbUtils& db) {
 }  // namespace
 
 TreeVerification::TreeVerification(TreeSource source, Database database, dbTrans& transfer)
-    : source_(std::move(source)), database_(database), transfer_(transfer) {}
+    : source_(std::move(source)), database_(database), transfer_(transfer), attachments_(source_, transfer.rootPath) {}
 
 imsdk::dbUtils& TreeVerification::db() {
     return database_ == Database::main ? transfer_.mainDb : transfer_.backDb;
@@ -91,19 +103,17 @@ void TreeVerification::run() {
     compareContacts();
     compareNotes();
     compareRooms();
-    compareAttachments();
+    counts_.attachments = attachments_.compare(report_);
 }
 
 void TreeVerification::readTreeFiles() {
-    const auto collect = [this](TreeFileName file) { files_.insert(std::move(file)); };
     facts_ = readTree(source_, transfer_.dbKey, [&](TreeMessage message) {
         ++counts_.messages;
-        forEachTreeFile(message.record.body, message.record.msgType, transfer::kMessageFileKeys, collect);
+        attachments_.collect(message.record);
         const long long id = message.record.msgID;
         conversations_[message.conversation][id].push_back({std::move(message.record), nullptr});
     });
-    for (const st_noteTrans& note : facts_.notes)
-        forEachTreeFile(note.content, note.type, transfer::kNoteFileKeys, collect);
+    attachments_.collect(facts_.notes);
     for (const TransferReport::Skipped& file : facts_.unreadable)
         report_.add(Finding::fileUnreadable, file.what + ": " + file.reason);
     if (facts_.locked > 0) {
@@ -163,16 +173,33 @@ void TreeVerification::noteMissing(const Table& table, const st_dbMessageBean& m
 }
 
 void TreeVerification::compareContacts() {
-    std::map<long long, st_dbReContactBean> stored;
-    imsdk::dbDataReader reader =
-        db().excuteQuery((std::string("select * from ") + transfer::kRecentContactTable).c_str());
-    while (reader.read() != 0) {
-        st_dbReContactBean row;
-        transfer::forEachRecentContactField(
-            row, [&reader](int column, const char* /*name*/, auto& field) { reader.getColumnValue(column, field); });
-        stored.emplace(row.targetID, std::move(row));
+    const Contacts stored = readContacts(db());
+    contactFile_ = fileThatCounts(stored);
+    for (const TreeContactFile& file : facts_.contactFiles) {
+        if (&file == contactFile_) {
+            compareContactsOf(file, stored);
+        } else {
+            for (std::size_t i = 0; i < file.contacts.size(); ++i)
+                report_.add(Rule::contactFileReplaced);
+        }
     }
-    for (const st_dbReContactBean& contact : facts_.contacts) {
+}
+
+// The order of the files may have been another one when the tree was imported: contacts that are all there are those
+// that the import took.
+const TreeContactFile* TreeVerification::fileThatCounts(const Contacts& stored) const {
+    const TreeContactFile* best = nullptr;
+    for (const TreeContactFile& file : facts_.contactFiles) {
+        const bool allThere = std::all_of(file.contacts.begin(), file.contacts.end(), [&stored](const auto& contact) {
+            return stored.count(contact.targetID) != 0;
+        });
+        if (allThere && file.contacts.size() > (best != nullptr ? best->contacts.size() : 0)) best = &file;
+    }
+    return best != nullptr ? best : lastListedFile(source_, facts_.contactFiles);
+}
+
+void TreeVerification::compareContactsOf(const TreeContactFile& file, const Contacts& stored) {
+    for (const st_dbReContactBean& contact : file.contacts) {
         ++counts_.contacts;
         const auto row = stored.find(contact.targetID);
         if (row == stored.end()) {
@@ -204,21 +231,6 @@ void TreeVerification::compareRooms() {
         ++counts_.rooms;
         if (stored.count({room.roomName, room.roomMember}) == 0) {
             report_.add(Finding::roomNotInAccount, room.roomName + " with " + room.roomMember);
-        }
-    }
-}
-
-void TreeVerification::compareAttachments() {
-    counts_.attachments = static_cast<long long>(files_.size());
-    for (const TreeFileName& file : files_) {
-        if (!tools::isConfinedName(file.value) || !tools::isConfinedName(file.accountName)) {
-            report_.add(Rule::attachmentNameRefused);
-        } else if (tools::confinedFileExists(transfer_.rootPath + file.accountFolder, file.accountName)) {
-            ++counts_.attachmentsInAccount;
-        } else if (tools::confinedFileExists(source_.attachments(), file.value)) {
-            ++counts_.attachmentsInTree;
-        } else {
-            report_.add(Finding::attachmentNotInAccount, file.value);
         }
     }
 }

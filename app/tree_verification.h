@@ -10,8 +10,8 @@
 
 #include "app/account.h"
 #include "app/compare_records.h"
+#include "app/tree_attachment_check.h"
 #include "app/tree_contents.h"
-#include "app/tree_file_names.h"
 #include "app/verify_report.h"
 
 namespace app {
@@ -20,16 +20,17 @@ namespace app {
 struct TreeVerifyCounts {
     long long messages = 0;  ///< of the tree
     long long equalMessages = 0;
-    long long contacts = 0;
+    long long contacts = 0;  ///< of the one file that counts
     long long notes = 0;
     long long rooms = 0;
-    long long attachments = 0;  ///< that messages and notes name
-    long long attachmentsInAccount = 0;
-    long long attachmentsInTree = 0;  ///< not moved yet
+    AttachmentCounts attachments;  ///< that messages and notes name; none for the back database
 };
 
 class TreeVerification {
 public:
+    /// The account's recent contacts by conversation.
+    using Contacts = std::map<long long, imsdk::st_dbReContactBean>;
+
     /// `transfer` has the account's database `database` open, and for the main one the plugin database too.
     TreeVerification(TreeSource source, Database database, dbTrans& transfer);
 
@@ -37,6 +38,9 @@ public:
 
     const VerifyReport& report() const { return report_; }
     const TreeVerifyCounts& counts() const { return counts_; }
+    const TreeFacts& facts() const { return facts_; }
+    /// The file of recent contacts, in facts(), that was held against the account. Null when there is none.
+    const TreeContactFile* contactFile() const { return contactFile_; }
 
 private:
     // Messages of the tree with one id; the first of them is the one that an import stores.
@@ -56,16 +60,18 @@ private:
                     const std::vector<PackageMessage>& messages);
     void noteMissing(const Table& table, const imsdk::st_dbMessageBean& message);
     void compareContacts();
+    const TreeContactFile* fileThatCounts(const Contacts& stored) const;
+    void compareContactsOf(const TreeContactFile& file, const Contacts& stored);
     void compareNotes();
     void compareRooms();
-    void compareAttachments();
 
     TreeSource source_;
     Database database_;
     dbTrans& transfer_;
     TreeFacts facts_;
     std::map<long long, Messages> conversations_;
-    std::set<TreeFileName> files_;
+    TreeAttachmentCheck attachments_;
+    const TreeContactFile* contactFile_ = nullptr;
     VerifyReport report_;
     TreeVerifyCounts counts_;
 };

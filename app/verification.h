@@ -29,7 +29,7 @@ struct VerifyCounts {
     long long equalMessages = 0;  ///< as far as the rules let them be
     long long packageContacts = 0;
     long long accountContacts = 0;
-    AttachmentCheck::Counts attachments;
+    AttachmentCounts attachments;
 };
 
 class Verification {

@@ -69,6 +69,8 @@ const char* wordsOf(Rule rule) {
             return "messages are older than the newest 3,000 that an import keeps of a conversation beyond 5,000";
         case Rule::contactKept:
             return "recent contacts are the account's own: an import never overwrites one";
+        case Rule::contactFileReplaced:
+            return "recent contacts stand in other files than the one that counts: an import takes those of one file";
         case Rule::pinConverted:
             return "pins were converted from 1 to 4";
         case Rule::attachmentNameShared:

@@ -38,6 +38,7 @@ enum class Rule {
     idShared,
     tableTrimmed,
     contactKept,
+    contactFileReplaced,
     pinConverted,
     attachmentNameShared,
     attachmentWithoutFolder,

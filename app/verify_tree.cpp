@@ -6,6 +6,7 @@
 #include "app/printable.h"
 #include "app/progress_bar.h"
 #include "app/text_table.h"
+#include "app/tree_contact_files.h"
 #include "app/tree_verification.h"
 #include "app/units.h"
 
@@ -21,9 +22,9 @@ void printSummary(const TreeVerifyCounts& counts, const TreeSource& source, cons
     summary.add("Recent contacts in the tree", counts.contacts);
     summary.add("Notes in the tree", counts.notes);
     summary.add("Rooms in the tree", counts.rooms);
-    summary.add("Attachments named", counts.attachments);
-    summary.add("Attachments in the account", counts.attachmentsInAccount);
-    summary.add("Attachments still in the tree", counts.attachmentsInTree);
+    summary.add("Attachments named", counts.attachments.named);
+    summary.add("Attachments in the account", counts.attachments.inAccount());
+    summary.add("Attachments compared", counts.attachments.both);
     summary.add("Time", humanDuration(watch.seconds()));
     summary.print(std::cout);
 }
@@ -45,6 +46,9 @@ VerifyReport verifyTree(const TreeSource& source, const Account& account, Databa
     verification.run();
     progress.finish();
     printSummary(verification.counts(), source, account.database(database), watch);
+    if (database == Database::main) {
+        printContactFiles(std::cout, verification.facts().contactFiles, verification.contactFile(), "compared");
+    }
     verification.report().print(std::cout, most);
     return verification.report();
 }

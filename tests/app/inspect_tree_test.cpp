@@ -1,5 +1,6 @@
 #include "host/json_owner.h"
 #include "tests/app/sample_tree_fixture.h"
+#include "tests/app/tree_command_fixture.h"
 
 namespace test {
 namespace {
@@ -46,6 +47,16 @@ TEST_F(InspectTree, ReadsEncryptedFilesWithTheKeyAndLeavesNothingBehind) {
     expectWholeSample(run);
     EXPECT_EQ("", listing(at("temporary")));
     EXPECT_EQ("4 encrypted", rowOf(inspect("backup").out, "Message files"));
+}
+
+TEST_F(InspectTree, AsksForTheKeyOnlyOnce) {
+    makeEncryptedTree("backup");
+    const Outcome run = chatTransferOnTerminal({"inspect", at("backup"), "--user", kUser, "--ask-key"},
+                                               {{"Key of the account: ", "secret\r"}});
+    EXPECT_EXIT_CODE(0, run);
+    EXPECT_SAYS_NOT("again", run.out);
+    EXPECT_SAYS("4 encrypted", run.out);
+    EXPECT_SAYS_NOT("cannot be decrypted", run.out);
 }
 
 TEST_F(InspectTree, NamesFilesThatTheKeyDoesNotOpen) {
@@ -103,6 +114,42 @@ TEST_F(InspectTree, PrintsTheSameAsJson) {
     EXPECT_EQ(1, json_object_dotget_number(object, "byType.89"));
     EXPECT_EQ(4, json_object_dotget_number(object, "files.messages.plain"));
     EXPECT_EQ(36, json_object_dotget_number(object, "attachments.present"));
+}
+
+class InspectContactFiles : public TreeCommandTest {
+protected:
+    // A tree of five files, decrypted by an import, so that the next one finds them in the same order.
+    void SetUp() override {
+        makeContactFiles("plain", 5);
+        ASSERT_EXIT_CODE(0, encryptTree("plain", "backup"));
+        ASSERT_EXIT_CODE(0, importTree("first", "backup"));
+    }
+};
+
+TEST_F(InspectContactFiles, SayWhichOneAnImportTakes) {
+    const Outcome run = inspect("backup");
+    EXPECT_EXIT_CODE(0, run);
+    EXPECT_EQ("1", rowOf(run.out, "Recent contacts"));
+    EXPECT_SAYS("There are 5 files of recent contacts", run.out);
+    ASSERT_EXIT_CODE(0, importTree("second", "backup"));
+    const std::string contact = mainRows("second", "select name from im_reContact");
+    EXPECT_SAYS("\n  1  taken  contacts-" + contact.substr(contact.find(' ') + 1) + ".ct.decrypt\n", run.out);
+}
+
+TEST_F(InspectContactFiles, SayTheSameInJson) {
+    const Outcome run = inspect("backup", {"--json"});
+    const tools::JsonDocument document(json_parse_string(run.out.c_str()));
+    const JSON_Array* files = json_object_get_array(json_value_get_object(document.get()), "recentContactFiles");
+    ASSERT_EQ(5U, json_array_get_count(files));
+    int taken = 0;
+    for (std::size_t i = 0; i < 5; ++i)
+        taken += json_object_get_boolean(json_array_get_object(files, i), "taken");
+    EXPECT_EQ(1, taken);
+}
+
+TEST_F(InspectContactFiles, AreNotListedWhenThereIsOnlyOne) {
+    makeTree("single");
+    EXPECT_SAYS_NOT("files of recent contacts", inspect("single", {"--key-file", at("key")}).out);
 }
 
 TEST_F(InspectTree, NamesTheUsersOfTheTrees) {

@@ -1,12 +1,13 @@
 #include "tests/app/sample_tree_fixture.h"
+#include "tests/app/tree_command_fixture.h"
 
 namespace test {
 namespace {
 
 namespace fs = std::filesystem;
 
-// A plain tree "tree", and an unencrypted account "account" that its encrypted form was imported into. The encrypted
-// form has a key of its own only as long as it takes: its decrypted copies are what an unencrypted account reads.
+// A plain tree "plain-backup", and two accounts that it was imported into: "keyed" from its encrypted form "backup",
+// and the unencrypted "account" from the decrypted copies that this left, with the attachments put back.
 class VerifyTree : public SampleTreeTest {
 protected:
     void SetUp() override {
@@ -14,14 +15,19 @@ protected:
         Arguments decrypt = {"import-tree", "--from", at("backup"), "--account", at("keyed"), "--user", kUser};
         decrypt.insert(decrypt.end(), {"--key-file", at("key")});
         ASSERT_EXIT_CODE(0, chatTransfer(decrypt));
+        fs::copy(at("plain-backup/imfiles"), at("backup/qelbackup/") + kUser + "/imfiles",
+                 fs::copy_options::recursive | fs::copy_options::overwrite_existing);
         ASSERT_EXIT_CODE(
             0, chatTransfer({"import-tree", "--from", at("backup"), "--account", at("account"), "--user", kUser}));
     }
 
-    // The plain tree still has its attachments, as a tree has before they are moved.
+    // The plain tree still has its attachments: they are held against those of the account.
     Outcome verifyPlain() const { return verify("plain-backup", "account"); }
 
     void change(const std::string& sql) const { runSql(mainDatabase("account"), {sql}); }
+    std::string firstFileIn(const std::string& folder) const {
+        return fs::directory_iterator(at(folder))->path().string();
+    }
     void changePlugin(const std::string& sql) const { runSql(at("account/db/plugin/kab.db"), {sql}); }
 };
 
@@ -30,7 +36,7 @@ TEST_F(VerifyTree, FindsNothingAfterAnImport) {
     EXPECT_EXIT_CODE(0, run);
     EXPECT_EQ("300", rowOf(run.out, "Messages that agree"));
     EXPECT_EQ("12", rowOf(run.out, "Notes in the tree"));
-    EXPECT_EQ("36", rowOf(run.out, "Attachments still in the tree"));
+    EXPECT_EQ("36", rowOf(run.out, "Attachments compared"));
     EXPECT_SAYS("Nothing is missing and nothing differs.", run.out);
 }
 
@@ -39,6 +45,8 @@ TEST_F(VerifyTree, FindsMovedAttachmentsInTheAccount) {
     EXPECT_EXIT_CODE(0, run);
     EXPECT_EQ("300", rowOf(run.out, "Messages that agree"));
     EXPECT_EQ("36", rowOf(run.out, "Attachments in the account"));
+    EXPECT_EQ("0", rowOf(run.out, "Attachments compared"));
+    EXPECT_SAYS("Nothing is missing and nothing differs.", run.out);
 }
 
 TEST_F(VerifyTree, FindsADeletedMessage) {
@@ -90,11 +98,48 @@ TEST_F(VerifyTree, FindsAMissingRoom) {
     EXPECT_SAYS("Rooms missing in the account: 1\n", run.out);
 }
 
+TEST_F(VerifyTree, FindsOneChangedByteOfAnAttachment) {
+    const std::string path = firstFileIn("account/image");
+    std::string bytes = readFile(path);
+    bytes.back() = static_cast<char>(bytes.back() ^ 1);
+    dir_.write(fs::path(path).lexically_relative(at("")).string(), bytes);
+    const Outcome run = verifyPlain();
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_SAYS("Attachments that differ: 1\n", run.out);
+}
+
+TEST_F(VerifyTree, FindsAShorterAttachment) {
+    const std::string path = firstFileIn("account/audio");
+    fs::resize_file(path, fs::file_size(path) - 1);
+    const Outcome run = verifyPlain();
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_SAYS("Attachments that differ: 1\n  voice/", run.out);
+}
+
+TEST_F(VerifyTree, FindsAttachmentsThatOnlyTheTreeHas) {
+    fs::remove(firstFileIn("account/audio"));
+    const Outcome run = verifyPlain();
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_EQ("35", rowOf(run.out, "Attachments in the account"));
+    EXPECT_SAYS("Attachments missing in the account: 1\n  voice/", run.out);
+    EXPECT_SAYS(", which the tree still has\n", run.out);
+}
+
 TEST_F(VerifyTree, FindsAttachmentsThatAreNowhere) {
     fs::remove_all(at("plain-backup/imfiles/voice"));
+    fs::remove_all(at("account/audio"));
     const Outcome run = verifyPlain();
     EXPECT_EXIT_CODE(1, run);
     EXPECT_SAYS("Attachments missing in the account: 3\n", run.out);
+    EXPECT_SAYS_NOT("which the tree still has", run.out);
+}
+
+TEST_F(VerifyTree, IsContentWithAttachmentsThatOnlyTheAccountHas) {
+    fs::remove_all(at("plain-backup/imfiles/voice"));
+    const Outcome run = verifyPlain();
+    EXPECT_EXIT_CODE(0, run);
+    EXPECT_EQ("36", rowOf(run.out, "Attachments in the account"));
+    EXPECT_EQ("33", rowOf(run.out, "Attachments compared"));
 }
 
 TEST_F(VerifyTree, FindsFilesThatItCannotRead) {
@@ -108,6 +153,62 @@ TEST_F(VerifyTree, RefusesWhatOnlyPackagesHave) {
     const Outcome run = verify("plain-backup", "account", {"--since", "2024-06-30"});
     EXPECT_EXIT_CODE(1, run);
     EXPECT_SAYS("leave out --since and --check", run.err);
+}
+
+// Trees of a few files, of which the plain form "backup-plain" is held against the account.
+class VerifySmallTree : public TreeCommandTest {
+protected:
+    void import() const {
+        ASSERT_EXIT_CODE(0, encryptTree("backup-plain", "backup"));
+        ASSERT_EXIT_CODE(0, importTree("account", "backup"));
+    }
+    Outcome verifyPlain(const Arguments& more = {}) const {
+        Arguments arguments = {"--key-file", at("key")};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return verify("backup-plain", "account", arguments);
+    }
+};
+
+TEST_F(VerifySmallTree, LetsTwoAttachmentsOfOneNameShareAPlace) {
+    makePlainTree("backup-plain");
+    dir_.write("backup-plain/2002/d.mg",
+               plainMessage(4, R"("messageType": 3, "message": "{\"mediaUrl\": \"other/hello.amr\"}")"));
+    dir_.write("backup-plain/imfiles/other/hello.amr", "another voice");
+    import();
+    const Outcome run = verifyPlain();
+    EXPECT_EXIT_CODE(0, run);
+    EXPECT_SAYS("1  attachments share their name with another one", run.out);
+}
+
+TEST_F(VerifySmallTree, FindsAFileThatTookTheNameOfAnAttachment) {
+    makePlainTree("backup-plain");
+    dir_.write("account/audio/hello.amr", "the account's own voice");
+    import();
+    const Outcome run = verifyPlain();
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_SAYS("Attachments that differ: 1\n  voice/hello.amr\n", run.out);
+}
+
+TEST_F(VerifySmallTree, HoldsOnlyTheContactsOfOneFileAgainstTheAccount) {
+    makePlainTree("backup-plain");
+    makeContactFiles("backup-plain", 3);
+    import();
+    const Outcome run = verifyPlain();
+    EXPECT_EXIT_CODE(0, run);
+    EXPECT_EQ("1", rowOf(run.out, "Recent contacts in the tree"));
+    EXPECT_SAYS("There are 4 files of recent contacts", run.out);
+    EXPECT_SAYS("3  recent contacts stand in other files", run.out);
+    EXPECT_EXIT_CODE(1, verifyPlain({"--strict"}));
+}
+
+TEST_F(VerifySmallTree, FindsWhenTheContactsOfNoFileAreThere) {
+    makePlainTree("backup-plain");
+    makeContactFiles("backup-plain", 3);
+    import();
+    runSql(mainDatabase("account"), {"delete from im_reContact"}, kKey);
+    const Outcome run = verifyPlain();
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_SAYS("Recent contacts missing in the account: 1\n", run.out);
 }
 
 }  // namespace
