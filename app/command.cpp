@@ -17,8 +17,7 @@ std::string faultOfUser(const std::string& user) {
 
 std::string refuseKey(const std::string& /*key*/) {
     return "a key is never an argument, since everybody on this machine could read it; use --key-file FILE, the "
-           "environment "
-           "variable CHAT_TRANSFER_KEY or --ask-key";
+           "environment variable CHAT_TRANSFER_KEY or --ask-key";
 }
 
 }  // namespace
@@ -30,7 +29,7 @@ void addFolderOption(CLI::App& command, const std::string& name, std::string& fo
 
 void addAccountOption(CLI::App& command, std::string& account) {
     addFolderOption(command, "--account", account,
-                    "Folder of the account: databases in db/, attachments in audio/, image/, file/");
+                    "Folder of the account: databases in db/, attachments in audio/, image/, file/, video/");
 }
 
 void addPackageOption(CLI::App& command, std::string& from) {
@@ -38,7 +37,7 @@ void addPackageOption(CLI::App& command, std::string& from) {
 }
 
 void addUserOption(CLI::App& command, std::string& user) {
-    command.add_option("--user", user, "The user's id: the name of the user's folder inside a package")
+    command.add_option("--user", user, "The user's id: the name of the user's folder inside a package or in qelbackup")
         ->type_name("ID")
         ->check(faultOfUser)
         ->required();
@@ -46,13 +45,14 @@ void addUserOption(CLI::App& command, std::string& user) {
 
 void addPackageVersionOption(CLI::App& command, std::string& version) {
     version = kDefaultPackageVersion;
-    command.add_option("--package-version", version, "Version text that a package is marked with and must have")
+    command
+        .add_option("--package-version", version, "Version text that a package or tree is marked with and must have")
         ->type_name("TEXT")
         ->capture_default_str();
 }
 
 void addKeyOptions(CLI::App& command, KeyOptions& key) {
-    command.add_option("--key-file", key.keyFile, "File whose one line is the key of the encrypted databases")
+    command.add_option("--key-file", key.keyFile, "File whose one line is the key of encrypted databases and trees")
         ->type_name("FILE");
     command.add_flag("--ask-key", key.askKey, "Ask for the key on the terminal, without echo");
     command

@@ -72,7 +72,7 @@ constexpr const char* kFooter =
     R"(The tree itself stays as it is. Message files (.mg), recent contacts (.ct), notes (.nt) and rooms (.rm) are decrypted
 under their names; decrypted copies that an import left (a.mg.decrypt) become a.mg. All other files, and everything in
 imfiles/, are copied as they are. Files that do not decrypt are listed with the reason, and the exit code is 1 then.
-The result is private messages in the clear: remove it when you are done.
+The result is private messages in the clear: remove it when you are done. To see only how much a tree holds, use inspect.
 
 Example:
   chat-transfer decrypt-tree --from backup --to plain --user 1000000000000001 --key-file ~/.chat-key)";

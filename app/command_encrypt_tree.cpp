@@ -12,6 +12,7 @@
 #include "app/tree_conversion.h"
 #include "app/tree_place.h"
 #include "app/tree_staging.h"
+#include "transfer/tree_format.h"
 
 namespace app {
 namespace {
@@ -25,10 +26,15 @@ struct EncryptTreeOptions {
 
 std::string requireFolder(const std::string& given) {
     std::string folder = resolvedPath(given).string();
+    constexpr const char* kRemedy = "give with --from the folder that holds the conversations' folders";
     std::error_code ignored;
-    if (std::filesystem::is_directory(folder, ignored)) return folder;
-    throw Failure({0, "There is no plain tree", folder, "it is no folder",
-                   "give with --from the folder that holds the conversations' folders"});
+    if (!std::filesystem::is_directory(folder, ignored)) {
+        throw Failure({0, "There is no plain tree", folder, "it is no folder", kRemedy});
+    }
+    if (std::filesystem::is_directory(folder + transfer::kTreeFolder, ignored)) {
+        throw Failure({0, "There is no plain tree", folder, "it holds qelbackup, the folder of whole trees", kRemedy});
+    }
+    return folder;
 }
 
 // A tree from which folders are missing is no copy.
@@ -72,7 +78,8 @@ constexpr const char* kFooter =
     R"(The plain tree is what stands directly in a user's tree: a folder for each conversation, named by its id, with message
 files (.mg), and recent contacts (.ct), notes (.nt) and rooms (.rm) anywhere. These are encrypted under their names. All
 other files, and everything in imfiles/, are copied as they are. Links, FIFOs and the like are left out.
-The tree appears as DIR/qelbackup/ID, and only when it is complete.
+The tree appears as DIR/qelbackup/ID, and only when it is complete: import-tree --from DIR brings it into an account. Its key
+has to be that of the account. For a plain tree to try things with, see sample-tree.
 
 Example:
   chat-transfer encrypt-tree --from plain --to backup --user 1000000000000001 --key-file ~/.chat-key)";

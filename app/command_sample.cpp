@@ -157,7 +157,7 @@ int runSample(const SampleOptions& options) {
 
 constexpr const char* kFooter =
     R"(The same options give the same messages and attachments, on every machine: samples are good for trying and for comparing.
-The last day is always 2024-06-30.
+The last day is always 2024-06-30. For a tree to import, see sample-tree.
 
 Examples:
   chat-transfer sample --account ~/sample --user 1000000000000001

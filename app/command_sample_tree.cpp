@@ -1,6 +1,7 @@
 #include "app/command_sample_tree.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -31,14 +32,15 @@ std::string faultOfId(const std::string& user) {
     const bool digits = std::all_of(user.begin(), user.end(), [](char c) { return c >= '0' && c <= '9'; });
     if (digits && user.size() <= kMostDigits + 1 && user[0] != '0' && tools::atoint64(user.c_str()) < (1LL << 53))
         return "";
-    return "is the user's id in decimal, a number from 1 to 9007199254740991";
+    return "needs the user's id in decimal, a number from 1 to 9007199254740991";
 }
 
 // A sample never mixes with what is there.
 std::string emptyFolder(const std::string& given) {
     std::string path = resolvedPath(given).string();
     if (tools::createDir(path.c_str()) != 0) {
-        throw Failure({0, "The folder for the tree cannot be made", path, "", "choose a place that you may write to"});
+        throw Failure({0, "The folder for the tree cannot be made", path, systemWords(errno),
+                       "choose a place that you may write to"});
     }
     std::error_code error;
     if (std::filesystem::is_empty(path, error) && !error) return path;

@@ -4,7 +4,9 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <sstream>
+#include <utility>
 
 #include "app/command.h"
 #include "app/command_decrypt_tree.h"
@@ -22,7 +24,8 @@
 namespace {
 
 constexpr const char* kDescription =
-    "chat-transfer moves a chat account's history between its databases and backup packages.";
+    "chat-transfer moves a chat account's history between its databases and backup packages, and out of the encrypted "
+    "trees of other clients.";
 
 constexpr const char* kFooter = R"(Try it:
   chat-transfer sample --account demo --user 1000000000000001
@@ -31,11 +34,33 @@ constexpr const char* kFooter = R"(Try it:
   chat-transfer import --from backup --account demo2 --user 1000000000000001
   chat-transfer verify --from backup --account demo2 --user 1000000000000001
 
+The same with a tree; its key is asked for, and becomes the key of the new account:
+  chat-transfer sample-tree --to plain-tree --user 1000000000000001
+  chat-transfer encrypt-tree --from plain-tree --to trees --user 1000000000000001 --ask-key
+  chat-transfer import-tree --from trees --account demo3 --user 1000000000000001 --ask-key
+  chat-transfer verify --from plain-tree --account demo3 --user 1000000000000001 --ask-key
+
 chat-transfer COMMAND --help explains a command.
 Exit codes: 0 done, 1 the operation failed, 2 wrong usage.)";
 
+// The parser's own text without the second empty line that hidden options leave behind.
+class HelpText : public CLI::Formatter {
+public:
+    std::string make_help(const CLI::App* command, std::string name, CLI::AppFormatMode mode) const override {
+        std::string text = CLI::Formatter::make_help(command, std::move(name), mode);
+        for (std::size_t found = text.find(kTwoEmptyLines); found != std::string::npos;
+             found = text.find(kTwoEmptyLines, found))
+            text.erase(found, 1);
+        return text;
+    }
+
+private:
+    static constexpr const char* kTwoEmptyLines = "\n\n\n";
+};
+
 void addCommands(CLI::App& program, app::Job& job) {
     program.require_subcommand(0, 1);
+    program.formatter(std::make_shared<HelpText>());
     program.set_version_flag("--version", "chat-transfer " CHAT_TRANSFER_VERSION, "Print the version and exit");
     program.footer(kFooter);
     app::addSampleCommand(program, job);
@@ -43,10 +68,10 @@ void addCommands(CLI::App& program, app::Job& job) {
     app::addImportCommand(program, job);
     app::addInspectCommand(program, job);
     app::addVerifyCommand(program, job);
-    app::addImportTreeCommand(program, job);
-    app::addEncryptTreeCommand(program, job);
-    app::addDecryptTreeCommand(program, job);
     app::addSampleTreeCommand(program, job);
+    app::addEncryptTreeCommand(program, job);
+    app::addImportTreeCommand(program, job);
+    app::addDecryptTreeCommand(program, job);
 }
 
 // What the parser has to say goes to the terminal with the user's own words in it.

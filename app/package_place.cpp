@@ -51,8 +51,10 @@ PackagePlace findPackage(const std::string& folder, const std::string& user) {
     const fs::path parent = parentOfPackage(folder);
     const fs::path root = parent / kPackageName;
     if (!isFolder(root)) {
-        throw Failure({transfer::kMissing, "There is no package", root.string(), "",
-                       "give the folder that holds qelmsg_0, as an export made it"});
+        throw Failure({transfer::kMissing, "There is no package", root.string(),
+                       isFolder(parent) ? "the folder is missing" : "even the folder that should hold it is missing",
+                       "give the folder that holds qelmsg_0, as an export made it; a tree, in qelbackup, is for "
+                       "import-tree, inspect and verify"});
     }
     const PackagePlace place{parent.string(), (root / transfer::kMessagesFolder / user / "").string(),
                              (root / transfer::kAttachmentsFolder / user / "").string()};

@@ -52,7 +52,7 @@ TreePlace findTree(const std::string& folder, const std::string& user) {
     if (isFolder(place.root)) return place;
     if (!isFolder(trees)) {
         throw Failure({transfer::kMissing, "There is no tree", trees, "the folder is missing",
-                       "give with --from the folder that holds qelbackup"});
+                       "give the folder that holds qelbackup; encrypt-tree makes one out of a plain tree"});
     }
     const std::string users = usersIn(trees);
     throw Failure({transfer::kMissing, "There is no tree of user " + user, place.root, "the folder is missing",

@@ -75,6 +75,14 @@ TEST_F(EncryptTreeCommand, RefusesToEncryptTwice) {
     EXPECT_FALSE(exists(treeFolder("twice")));
 }
 
+TEST_F(EncryptTreeCommand, RefusesTheFolderThatHoldsWholeTrees) {
+    makeTree("backup");
+    const Outcome run = encryptTree("backup", "nested");
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_SAYS("it holds qelbackup", run.err);
+    EXPECT_FALSE(exists(at("nested")));
+}
+
 TEST_F(EncryptTreeCommand, RefusesATargetInsideItsSource) {
     makePlainTree("plain");
     const Outcome run = encryptTree("plain", "plain/backup");

@@ -71,6 +71,20 @@ TEST_F(ImportTreeCommand, WithoutATreeSaysWhatItLookedFor) {
     EXPECT_FALSE(exists(at("account")));
 }
 
+TEST_F(ImportTreeCommand, OfAPlainTreeNamesTheCommandThatEncryptsIt) {
+    makePlainTree("plain");
+    const Outcome run = importTree("account", "plain");
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_SAYS("encrypt-tree makes one out of a plain tree", run.err);
+}
+
+TEST_F(ImportTreeCommand, IsWhatAPackageImportOfATreeNames) {
+    makeTree("backup");
+    const Outcome run = importInto("account", "backup");
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_SAYS("a tree, in qelbackup, is for import-tree", run.err);
+}
+
 TEST_F(ImportTreeCommand, OfAnotherUserNamesTheUsersWhoseTreesAreThere) {
     dir_.makeDir("backup/qelbackup/4711");
     const Outcome run = importTree("account", "backup");

@@ -1,10 +1,41 @@
 // The command line itself: help, wrong usage, exit codes.
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+#include <sstream>
+
 #include "tests/app/fixture.h"
 
 namespace test {
 namespace {
 
-class Usage : public CommandTest {};
+class Usage : public CommandTest {
+protected:
+    static Arguments wordsOf(const std::string& line) {
+        std::istringstream stream(line);
+        return {std::istream_iterator<std::string>(stream), {}};
+    }
+
+    // The commands that the program itself lists.
+    static std::vector<std::string> listedCommands() {
+        const std::string help = chatTransfer({"--help"}).out;
+        std::istringstream lines(help.substr(std::min(help.size(), help.find("Subcommands:"))));
+        std::vector<std::string> commands;
+        std::string line;
+        std::getline(lines, line);
+        while (std::getline(lines, line) && !line.empty()) {
+            // Further lines of a description stand far to the right.
+            if (line.compare(0, 3, "   ") != 0) commands.push_back(wordsOf(line).front());
+        }
+        return commands;
+    }
+
+    std::string keyFile() const {
+        const std::string path = dir_.write("key", "secret");
+        std::filesystem::permissions(path, std::filesystem::perms::owner_read);
+        return path;
+    }
+};
 
 TEST_F(Usage, WithoutACommandShowsTheHelpAndIsWrongUsage) {
     const Outcome run = chatTransfer({});
@@ -14,12 +45,37 @@ TEST_F(Usage, WithoutACommandShowsTheHelpAndIsWrongUsage) {
 }
 
 TEST_F(Usage, HelpOfEveryCommandShowsExamplesAndSucceeds) {
-    for (const char* command : {"sample", "export", "import", "inspect", "verify"}) {
+    const std::vector<std::string> commands = listedCommands();
+    ASSERT_GE(commands.size(), 9U);
+    for (const std::string& command : commands) {
         const Outcome run = chatTransfer({command, "--help"});
         EXPECT_EXIT_CODE(0, run);
-        EXPECT_SAYS(std::string("  chat-transfer ") + command + " ", run.out);
-        EXPECT_SAYS("Example", run.out);
+        EXPECT_SAYS_NOT("\n\n\n", run.out);
+        const std::size_t examples = run.out.find("\nExample");
+        ASSERT_NE(std::string::npos, examples) << run.out;
+        EXPECT_SAYS("\n  chat-transfer " + command + " ", run.out.substr(examples));
     }
+}
+
+TEST_F(Usage, HelpOfTheProgramListsTheCommandsInTheOrderOfTheirUse) {
+    EXPECT_EQ((std::vector<std::string>{"sample", "export", "import", "inspect", "verify", "sample-tree",
+                                        "encrypt-tree", "import-tree", "decrypt-tree"}),
+              listedCommands());
+}
+
+TEST_F(Usage, WhatTheHelpOfTheProgramSaysToTryWorks) {
+    const std::string key = keyFile();
+    std::istringstream lines(chatTransfer({"--help"}).out);
+    int tried = 0;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.compare(0, 16, "  chat-transfer ") != 0) continue;
+        Arguments arguments = wordsOf(line);
+        arguments.erase(arguments.begin());
+        std::replace(arguments.begin(), arguments.end(), std::string("--ask-key"), "--key-file=" + key);
+        EXPECT_EXIT_CODE(0, chatTransfer(arguments, {{}, 0, dir_.path()}));
+        ++tried;
+    }
+    EXPECT_EQ(9, tried);
 }
 
 TEST_F(Usage, HelpOfTheProgramNamesTheExitCodes) {
