@@ -31,7 +31,7 @@ protected:
     }
 
     std::string keyFile() const {
-        const std::string path = dir_.write("key", "secret");
+        std::string path = dir_.write("key", "secret");
         std::filesystem::permissions(path, std::filesystem::perms::owner_read);
         return path;
     }

@@ -22,6 +22,16 @@ std::string rowsOf(imsdk::dbUtils& db, const std::string& sql, int columns) {
     return text;
 }
 
+// The rows of a table as SQL literals.
+std::string literalsOf(imsdk::dbUtils& db, const std::string& table) {
+    std::string columns =
+        R"(select group_concat('quote("' || name || '")', ' || '', '' || ') from pragma_table_info(')";
+    columns.append(table).append("')");
+    std::string rows = "select ";
+    rows.append(rowsOf(db, columns, 1)).append(" from \"").append(table).append("\" order by 1");
+    return rowsOf(db, rows, 1);
+}
+
 }  // namespace
 
 void makeDatabase(imsdk::dbUtils& db, const std::string& path, const char* key) {
@@ -55,12 +65,7 @@ std::string wholeText(const std::string& path, const char* key) {
     std::string text = rowsOf(db, "select sql from sqlite_master order by name", 1) + "\n";
     std::istringstream tables(rowsOf(db, "select name from sqlite_master where type = 'table' order by name", 1));
     for (std::string table; std::getline(tables, table);) {
-        const std::string literals =
-            rowsOf(db,
-                   "select group_concat('quote(\"' || name || '\")', ' || '', '' || ') from pragma_table_info('" +
-                       table + "')",
-                   1);
-        text += table + ":\n" + rowsOf(db, "select " + literals + " from \"" + table + "\" order by 1", 1) + "\n";
+        text.append(table).append(":\n").append(literalsOf(db, table)).append("\n");
     }
     return text;
 }
