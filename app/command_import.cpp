@@ -141,6 +141,7 @@ constexpr const char* kFooter =
     R"(Importing a package again adds nothing twice: a message that its conversation holds already stays as it is, and so do
 image and file attachments. (Voice files are always copied again, over what is there.)
 What of the account is missing is made: folders, and databases that are encrypted when a key is given.
+A tree of encrypted files is no package: import-tree takes it. verify says afterwards whether all has arrived.
 
 Examples:
   chat-transfer import --from ~/backup --account ~/chat2 --user 1000000000000001 --key-file ~/.chat-key

@@ -266,6 +266,7 @@ for another import unless --remove-decrypted is given: then those go of which ev
 Importing a tree again adds nothing twice. A conversation of more than 5000 messages is cut back to its newest 3000.
 What of the account is missing is made: folders, and databases that are encrypted when a key is given. The key is the
 one of the tree and of the databases alike.
+encrypt-tree makes such a tree out of a plain one. verify says afterwards whether all has arrived.
 
 Examples:
   chat-transfer import-tree --from ~/backup --account ~/chat --user 1000000000000001 --key-file ~/.chat-key

@@ -56,8 +56,8 @@ PackagePlace findPackage(const std::string& folder, const std::string& user) {
                        "give the folder that holds qelmsg_0, as an export made it; a tree, in qelbackup, is for "
                        "import-tree, inspect and verify"});
     }
-    const PackagePlace place{parent.string(), (root / transfer::kMessagesFolder / user / "").string(),
-                             (root / transfer::kAttachmentsFolder / user / "").string()};
+    PackagePlace place{parent.string(), (root / transfer::kMessagesFolder / user / "").string(),
+                       (root / transfer::kAttachmentsFolder / user / "").string()};
     for (const std::string& part : {place.messages, place.attachments}) {
         if (isFolder(part)) continue;
         const std::vector<std::string> users = foldersIn(root / transfer::kMessagesFolder);

@@ -66,7 +66,7 @@ std::string printableLines(std::string_view text) {
 }
 
 std::string shortened(std::string_view text, std::size_t most) {
-    const std::string safe = printable(text);
+    std::string safe = printable(text);
     std::string_view rest = safe;
     for (std::size_t count = 0; !rest.empty(); ++count) {
         if (count == most) return safe.substr(0, safe.size() - rest.size()) + "...";

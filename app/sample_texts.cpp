@@ -16,7 +16,7 @@ constexpr std::array<string_view, 48> kSentences = {
     "Never mind, found it.",
     "That made my day.",
     "Let's talk about it tomorrow.",
-    "\"Quoted\", \\backslashed\\ and <b>not bold</b>",
+    R"("Quoted", \backslashed\ and <b>not bold</b>)",
     "Grüße aus Köln! Straßenfest bis 23 Uhr.",
     "Ich hätte gern zwei Brötchen, süß oder salzig?",
     "Das passt, bis gleich.",

@@ -22,7 +22,9 @@ std::string number(std::uint32_t value, int bytes = 4) {
 }
 
 std::string zeros(std::size_t count) {
-    return std::string(count, '\0');
+    std::string text;
+    text.resize(count);
+    return text;
 }
 
 std::string chunk(const std::string& name, const std::string& data) {

@@ -19,11 +19,11 @@ inline void wipe(std::string& text) {
 class SecretText {
 public:
     SecretText() = default;
-    explicit SecretText(std::string&& text) : text_(std::move(text)) { wipe(text); }
+    explicit SecretText(std::string&& text) { take(text); }
     ~SecretText() { wipe(text_); }
     SecretText(const SecretText&) = delete;
     SecretText& operator=(const SecretText&) = delete;
-    SecretText(SecretText&& other) noexcept : text_(std::move(other.text_)) { wipe(other.text_); }
+    SecretText(SecretText&& other) noexcept { take(other.text_); }
     SecretText& operator=(SecretText&& other) noexcept {
         std::swap(text_, other.text_);
         return *this;
@@ -33,6 +33,12 @@ public:
     const std::string& text() const { return text_; }
 
 private:
+    // A short text lies inside the string object: after the exchange its bytes are still in the other one.
+    void take(std::string& text) noexcept {
+        text_.swap(text);
+        wipe(text);
+    }
+
     std::string text_;
 };
 

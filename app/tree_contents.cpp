@@ -1,8 +1,5 @@
 #include "app/tree_contents.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <array>
 #include <filesystem>
 #include <optional>
@@ -15,9 +12,6 @@
 #include "app/tree_files.h"
 #include "app/tree_place.h"
 #include "host/CAES.h"
-#include "host/cipher_container.h"
-#include "host/cipher_error.h"
-#include "host/file_handle.h"
 #include "host/json_owner.h"
 #include "host/tools.h"
 #include "host/whole_file.h"
@@ -54,18 +48,6 @@ bool looksLikeTree(const fs::path& folder) {
         if (isRecordFile(name) || isDecryptedCopy(name)) return true;
     }
     return false;
-}
-
-bool isEncrypted(const std::string& path) {
-    const tools::detail::FileHandle file = tools::detail::openRegularFile(AT_FDCWD, path.c_str(), false);
-    cipher::HeaderBytes bytes{};
-    const ssize_t size = file.valid() ? read(file.get(), bytes.data(), bytes.size()) : -1;
-    try {
-        cipher::decodeHeader(bytes, size > 0 ? static_cast<std::size_t>(size) : 0);
-        return true;
-    } catch (const cipher::Failure&) {
-        return false;
-    }
 }
 
 std::string versionOf(const JSON_Object* file) {

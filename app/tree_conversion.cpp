@@ -1,8 +1,5 @@
 #include "app/tree_conversion.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <array>
 #include <string_view>
 #include <utility>
@@ -12,29 +9,13 @@
 #include "app/failure.h"
 #include "app/tree_files.h"
 #include "host/CAES.h"
-#include "host/cipher_container.h"
-#include "host/cipher_error.h"
 #include "host/confined_files.h"
-#include "host/file_handle.h"
 #include "host/tools.h"
 
 namespace app {
 namespace {
 
 constexpr const char* kDiskRemedy = "check that the place can be written to and is not full";
-
-bool isEncrypted(const std::string& path) {
-    const tools::detail::FileHandle file = tools::detail::openRegularFile(AT_FDCWD, path.c_str(), false);
-    cipher::HeaderBytes header{};
-    const ssize_t size = file.valid() ? read(file.get(), header.data(), header.size()) : -1;
-    if (size < 0) return false;
-    try {
-        cipher::decodeHeader(header, static_cast<std::size_t>(size));
-        return true;
-    } catch (const cipher::Failure&) {
-        return false;
-    }
-}
 
 class Conversion {
 public:

@@ -1,7 +1,9 @@
 #include "app/tree_files.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -10,6 +12,9 @@
 #include <utility>
 
 #include "app/failure.h"
+#include "host/cipher_container.h"
+#include "host/cipher_error.h"
+#include "host/file_handle.h"
 #include "transfer/tree_format.h"
 
 namespace app {
@@ -118,6 +123,19 @@ bool isDecryptedCopy(const std::string& name) {
 
 std::string nameWithoutDecrypted(const std::string& name) {
     return name.substr(0, name.size() - std::string_view(transfer::kDecryptedSuffix).size());
+}
+
+bool isEncrypted(const std::string& path) {
+    const tools::detail::FileHandle file = tools::detail::openRegularFile(AT_FDCWD, path.c_str(), false);
+    cipher::HeaderBytes header{};
+    const ssize_t size = file.valid() ? read(file.get(), header.data(), header.size()) : -1;
+    if (size < 0) return false;
+    try {
+        cipher::decodeHeader(header, static_cast<std::size_t>(size));
+        return true;
+    } catch (const cipher::Failure&) {
+        return false;
+    }
 }
 
 bool isCipherLeftover(const std::string& name) {

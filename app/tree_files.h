@@ -43,6 +43,9 @@ bool isDecryptedCopy(const std::string& name);
 /// "2002/a.mg" for "2002/a.mg.decrypt".
 std::string nameWithoutDecrypted(const std::string& name);
 
+/// True when the file `path` begins like an encrypted one, whatever its name.
+bool isEncrypted(const std::string& path);
+
 /// True for what an interrupted decryption leaves behind: a file that never got its name.
 bool isCipherLeftover(const std::string& name);
 
