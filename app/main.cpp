@@ -1,6 +1,4 @@
 // The program `chat-transfer`: wires the subcommands together and turns what they throw into words and exit codes.
-#include <sys/stat.h>
-
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
@@ -20,6 +18,7 @@
 #include "app/command_verify.h"
 #include "app/failure.h"
 #include "app/printable.h"
+#include "app/private_process.h"
 
 namespace {
 
@@ -115,9 +114,7 @@ int flushed(int code) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    // All that this program writes holds private messages.
-    constexpr mode_t kOthersMayNothing = 077;
-    umask(kOthersMayNothing);
+    app::keepPrivate();
     try {
         return flushed(run(argc, argv));
     } catch (const app::Failure& failure) {
