@@ -106,6 +106,11 @@ int chatTransferJsonExactValue(const void* block, long long* exact) {
     return header->hasExact ? 1 : 0;
 }
 
+void chatTransferJsonSetExactValue(void* block, long long exact) {
+    headerOf(block)->exact = exact;
+    headerOf(block)->hasExact = true;
+}
+
 void chatTransferJsonCopyExactValue(const void* from, void* to) {
     headerOf(to)->exact = headerOf(from)->exact;
     headerOf(to)->hasExact = headerOf(from)->hasExact;

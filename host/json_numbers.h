@@ -32,6 +32,9 @@ void chatTransferJsonSetSource(void* (*allocate)(size_t), void (*release)(void*)
 /// 1 and the exact integer when the block of a JSON value carries one, else 0.
 int chatTransferJsonExactValue(const void* block, long long* exact);
 
+/// Gives the block of a JSON value its exact integer.
+void chatTransferJsonSetExactValue(void* block, long long exact);
+
 /// Gives the block `to` the exact integer of the block `from`, if that has one.
 void chatTransferJsonCopyExactValue(const void* from, void* to);
 

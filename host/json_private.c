@@ -48,6 +48,28 @@
 
 #include CHAT_TRANSFER_PARSON_SOURCE
 
+/* What json_tree.cpp builds trees with. The library's own functions look every name up in the whole object before they
+ * add it, and refuse bytes that its parser takes; here the reader has checked both. */
+JSON_Value *chat_transfer_stock_text(const char *bytes, size_t length) {
+    char *copy = parson_strndup(bytes, length);
+    JSON_Value *value = copy != NULL ? json_value_init_string_no_copy(copy, length) : NULL;
+    if (value == NULL) parson_free(copy);
+    return value;
+}
+
+int chat_transfer_stock_add_member(JSON_Value *owner, const char *name, size_t length, JSON_Value *value) {
+    JSON_Object *object = json_value_get_object(owner);
+    if (object->count == object->capacity) {
+        size_t capacity = MAX(object->capacity * 2, STARTING_CAPACITY);
+        if (json_object_resize(object, capacity) == JSONFailure) return 0;
+    }
+    object->names[object->count] = parson_strndup(name, length);
+    if (object->names[object->count] == NULL) return 0;
+    object->values[object->count++] = value;
+    value->parent = owner;
+    return 1;
+}
+
 /* Before any other code of the process can call the library: a block without the header of json_numbers.h must not
  * exist. */
 __attribute__((constructor(101))) static void installAllocation(void) {

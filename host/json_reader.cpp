@@ -38,6 +38,12 @@ bool isRefusedSpelling(const char* text, const char* end) {
     return literal.find_first_of("xX") != std::string_view::npos;
 }
 
+// An object or array that a walk over a value is in.
+struct OpenContainer {
+    bool isObject;
+    JsonNames names;  // those of the object so far
+};
+
 void appendUtf8(char*& out, unsigned code) {
     const auto put = [&out](unsigned byte) { *out++ = static_cast<char>(byte); };
     if (code < 0x80) {
@@ -234,48 +240,41 @@ JsonNumber JsonReader::readNumber() {
     return {literal.value, literal.hasExact ? literal.exact : truncateTo<long long>(literal.value)};
 }
 
+// One list of open objects and arrays instead of recursion: a text of a stranger must not choose how much stack is used.
 void JsonReader::skip() {
-    switch (next()) {
-        case '{':
-            return skipObject();
-        case '[':
-            return skipArray();
-        case '"':
-            readString();
-            return;
-        case 't':
-            return skipWord("true");
-        case 'f':
-            return skipWord("false");
-        case 'n':
-            return skipWord("null");
-        default:
-            readNumber();
-    }
-}
-
-void JsonReader::skipObject() {
-    JsonNames names;
+    std::vector<OpenContainer> open;
     std::string_view name;
-    enter();
-    while (nextMember(name)) {
-        if (!names.add(name)) reject();
-        skip();
+    do {
+        if (!open.empty()) {
+            OpenContainer& innermost = open.back();
+            if (!(innermost.isObject ? nextMember(name) : nextElement())) {
+                open.pop_back();
+                continue;
+            }
+            if (innermost.isObject && !innermost.names.add(name)) reject();
+        }
+        if (atObject() || atArray()) {
+            open.push_back({atObject(), {}});
+            enter();
+        } else {
+            skipScalar();
+        }
+    } while (!open.empty());
+}
+
+void JsonReader::skipScalar() {
+    if (atString()) {
+        readString();
+    } else if (!readWord("true") && !readWord("false") && !readWord("null")) {
+        readNumber();
     }
 }
 
-void JsonReader::skipArray() {
-    enter();
-    while (nextElement())
-        skip();
-}
-
-void JsonReader::skipWord(std::string_view word) {
-    if (std::strncmp(at_, word.data(), word.size()) == 0) {
-        at_ += word.size();
-    } else {
-        reject();
-    }
+bool JsonReader::readWord(std::string_view word) {
+    next();
+    if (!ok_ || std::strncmp(at_, word.data(), word.size()) != 0) return false;
+    at_ += word.size();
+    return true;
 }
 
 }  // namespace tools

@@ -63,6 +63,9 @@ public:
     std::string_view readString();
     JsonNumber readNumber();
 
+    /// Reads past `word`, which is "true", "false" or "null", if it stands next. False when something else does.
+    bool readWord(std::string_view word);
+
     /// Reads past the value that stands next, whatever it is, checking it on the way.
     void skip();
 
@@ -74,9 +77,7 @@ private:
     bool decodeEscape(char*& out);
     bool decodeUnicode(char*& out);
     bool readHex4(unsigned& code);
-    void skipObject();
-    void skipArray();
-    void skipWord(std::string_view word);
+    void skipScalar();
 
     char* at_;
     const char* end_;

@@ -5,10 +5,21 @@
 
 #include <cstring>
 
+#include "host/json_numbers.h"
 #include "host/json_owner.h"
+#include "host/json_stock.h"
+#include "host/json_tree.h"
 #include "tests/differential/json_generator.h"
 
 namespace {
+
+// The tree that the library's own parser makes.
+tools::JsonDocument parseByLibrary(const std::string& text) {
+    chatTransferJsonBeginParse();
+    tools::JsonDocument document(chat_transfer_stock_parse_string(text.c_str()));
+    chatTransferJsonEndParse(document ? 1 : 0);
+    return document;
+}
 
 // A spelling of values that tells all of them apart; "-0" and "0", and texts with NULs, included.
 void spellNumber(std::string& out, double value, long long exact) {
@@ -88,7 +99,16 @@ const std::string kRefused = "refused";
 
 // Both spell only objects and arrays: other roots are nothing that the transfer reads.
 std::string byLibrary(const std::string& text) {
-    const tools::JsonDocument document(json_parse_string(text.c_str()));
+    const tools::JsonDocument document = parseByLibrary(text);
+    const JSON_Value_Type type = json_value_get_type(document.get());
+    if (type != JSONObject && type != JSONArray) return kRefused;
+    std::string out;
+    spellTree(out, document.get());
+    return out;
+}
+
+std::string byTree(std::string text) {
+    const tools::JsonDocument document = tools::readJsonTree(text);
     const JSON_Value_Type type = json_value_get_type(document.get());
     if (type != JSONObject && type != JSONArray) return kRefused;
     std::string out;
@@ -114,6 +134,7 @@ std::string bySkipping(std::string text) {
 void expectSame(const std::string& text) {
     const std::string expected = byLibrary(text);
     ASSERT_EQ(expected, byReader(text)) << text;
+    ASSERT_EQ(expected, byTree(text)) << text;
     ASSERT_EQ(expected == kRefused, bySkipping(text) == kRefused) << text;
 }
 
@@ -167,6 +188,17 @@ TEST(JsonReader, AgreesWithTheLibraryOnTheDeepestNesting) {
         ASSERT_NO_FATAL_FAILURE(expectSame(nested(depth, ""))) << depth;
         ASSERT_NO_FATAL_FAILURE(expectSame(nested(depth, "1"))) << depth;
         ASSERT_NO_FATAL_FAILURE(expectSame(nested(depth, "{}"))) << depth;
+    }
+}
+
+TEST(JsonTree, HasAnyKindOfRoot) {
+    for (const char* root : {"1", "-0.5e3", "\"x\\u0000y\"", "true", "false", "null", " [] ", "\xEF\xBB\xBF{}", "nul",
+                             "\"x", "truefalse", "1x", ""}) {
+        std::string text = root;
+        const tools::JsonDocument tree = tools::readJsonTree(text);
+        const tools::JsonDocument expected = parseByLibrary(root);
+        ASSERT_EQ(expected == nullptr, tree == nullptr) << root;
+        EXPECT_TRUE(tree == nullptr || json_value_equals(expected.get(), tree.get()) != 0) << root;
     }
 }
 
