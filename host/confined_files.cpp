@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <new>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -155,6 +156,15 @@ int createConfinedDir(const std::string& folder, const std::string& name) {
     if (!place.valid()) return -1;
     mkdirat(place.folder.get(), place.name.c_str(), kOwnerOnly);
     return openFolder(place.folder.get(), place.name.c_str(), false).valid() ? 0 : -1;
+}
+
+bool readConfined(const std::string& folder, const std::string& name, std::string& bytes) try {
+    const Place place = resolve(folder, name, MissingFolders::stay);
+    if (!place.valid()) return false;
+    const FileHandle file = detail::openRegularFile(place.folder.get(), place.name.c_str(), false);
+    return file.valid() && detail::readAll(file.get(), bytes);
+} catch (const std::bad_alloc&) {
+    return false;  // larger than the memory
 }
 
 }  // namespace tools

@@ -48,4 +48,7 @@ FileOutcome moveConfined(const std::string& fromFolder, const std::string& from,
 /// afterwards, -1 when the name is not confined, crosses a symbolic link or cannot be created.
 int createConfinedDir(const std::string& folder, const std::string& name);
 
+/// Reads all of the regular file `name`; false when it is missing, no regular file, or cannot be read.
+bool readConfined(const std::string& folder, const std::string& name, std::string& bytes);
+
 }  // namespace tools

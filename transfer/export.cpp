@@ -9,6 +9,7 @@
 #include "host/tools.h"
 #include "transfer/attachment_body.h"
 #include "transfer/attachment_count.h"
+#include "transfer/backup_place.h"
 #include "transfer/day_entries.h"
 #include "transfer/dbTrans.h"
 #include "transfer/json_fields.h"
@@ -118,8 +119,10 @@ tools::FileOutcome exportAttachment(const dbTrans& transfer, const char* kindFol
     const std::string sourceFolder = transfer.rootPath + kindFolder;
     if (!tools::confinedFileExists(sourceFolder, name)) return tools::FileOutcome::missing;
     // For a path without "/" this makes a folder of the attachment's own name, onto which the copy then fails.
-    tools::createConfinedDir(transfer.imFileDir, transfer::folderOf(path));
-    return tools::copyConfined(sourceFolder, name, transfer.imFileDir, path, tools::Flush::later);
+    const transfer::BackupPlace folder = transfer::attachmentPlace(transfer, transfer::folderOf(path));
+    tools::createConfinedDir(folder.folder, folder.name);
+    const transfer::BackupPlace to = transfer::attachmentPlace(transfer, path);
+    return tools::copyConfined(sourceFolder, name, to.folder, to.name, tools::Flush::later);
 }
 
 }  // namespace

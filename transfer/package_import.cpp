@@ -6,9 +6,9 @@
 #include "host/fixed_text.h"
 #include "host/json_owner.h"
 #include "host/tools.h"
-#include "host/whole_file.h"
 #include "transfer/attachment_body.h"
 #include "transfer/attachment_count.h"
+#include "transfer/backup_place.h"
 #include "transfer/bind_field.h"
 #include "transfer/conversation_writer.h"
 #include "transfer/dbTrans.h"
@@ -64,7 +64,8 @@ FileResult skipFile(dbTrans& transfer, const std::string& path, const char* reas
 
 FileResult readMessageFile(dbTrans& transfer, const std::string& path) {
     std::string text;
-    if (!tools::readWholeFile(path, text)) return skipFile(transfer, path, "the message file cannot be read");
+    if (!transfer::readBackupFile(transfer, path, text))
+        return skipFile(transfer, path, "the message file cannot be read");
     transfer::MessageFileContent file = transfer::readMessageFileText(text);
     if (!file.isObject) return skipFile(transfer, path, "the message file is not a JSON object");
     if (file.version != transfer.packageVersion) {
@@ -90,8 +91,8 @@ st_dbReContactBean readContact(const JSON_Object* object) {
 // --- Attachments ---
 
 void restore(dbTrans& transfer, const std::string& packagePath, const char* kindFolder, const std::string& name) {
-    const tools::FileOutcome outcome =
-        tools::copyConfined(transfer.imFileDir, packagePath, transfer.rootPath + kindFolder, name);
+    const transfer::BackupPlace from = transfer::attachmentPlace(transfer, packagePath);
+    const tools::FileOutcome outcome = tools::copyConfined(from.folder, from.name, transfer.rootPath + kindFolder, name);
     transfer::countAttachment(transfer.report, packagePath, outcome);
 }
 

@@ -5,6 +5,7 @@
 #include "host/tools.h"
 #include "transfer/attachment_body.h"
 #include "transfer/attachment_count.h"
+#include "transfer/backup_place.h"
 #include "transfer/json_fields.h"
 
 namespace transfer {
@@ -30,15 +31,18 @@ std::string asFolder(const std::string& path) {
 
 enum class MissingFolder { stays, isCreated };
 
-tools::FileOutcome moveInto(const std::string& treeFolder, const std::string& value, const std::string& userFolder,
+tools::FileOutcome moveInto(const dbTrans& transfer, const std::string& value, const std::string& userFolder,
                             const std::string& name, MissingFolder missing) {
     constexpr std::size_t kNameBuffer = 256;
     // An empty folder is one that nobody has set: it must not come to mean the working directory.
-    if (treeFolder.empty() || baseNameOf(value).size() >= kNameBuffer) return tools::FileOutcome::missing;
+    if (transfer.imFileDir.empty() || baseNameOf(value).size() >= kNameBuffer) return tools::FileOutcome::missing;
     if (userFolder.empty()) return tools::FileOutcome::failed;
     const std::string folder = asFolder(userFolder);
-    if (missing == MissingFolder::isCreated && tools::confinedFileExists(treeFolder, value)) createDirRe(folder + name);
-    return tools::moveConfined(treeFolder, value, folder, name);
+    const BackupPlace from = attachmentPlace(transfer, value);
+    if (missing == MissingFolder::isCreated && tools::confinedFileExists(from.folder, from.name)) {
+        createDirRe(folder + name);
+    }
+    return tools::moveConfined(from.folder, from.name, folder, name);
 }
 
 class FileMover {
@@ -89,7 +93,7 @@ private:
             ++transfer_.report.attachmentsPresent;
             return;
         }
-        countAttachment(transfer_.report, value, moveInto(transfer_.imFileDir, value, userFolder, name, missing));
+        countAttachment(transfer_.report, value, moveInto(transfer_, value, userFolder, name, missing));
     }
 
     static std::string textOf(const JSON_Object* body, const char* key) {
