@@ -12,7 +12,7 @@ dbDataReader& dbDataReader::operator=(dbDataReader&& other) noexcept = default;
 int dbDataReader::read() {
     // A step after the end would start the query again.
     if (!statement_ || statement_->failed || statement_->atEnd) return 0;
-    const int code = sqlite3_step(statement_->get());
+    const int code = statement_->connection().step(statement_->get());
     statement_->hasRow = code == SQLITE_ROW;
     if (statement_->hasRow) return 1;
     statement_->atEnd = true;

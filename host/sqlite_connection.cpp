@@ -17,6 +17,26 @@ constexpr int kBusyTimeoutMs = 4000;
 // the page cache that costs half as much as with the default of 2 MB. It is an upper limit, not an allocation.
 constexpr const char* kPageCache = "PRAGMA cache_size = -65536";
 
+// What a single row or statement of ours may cost. A database of a stranger can ask for much more with few bytes: columns
+// that compute texts of a gigabyte, triggers that never end, expressions so deep that they exhaust the stack.
+struct Limit {
+    int id;
+    int value;
+};
+constexpr std::array<Limit, 4> kLimits = {{{SQLITE_LIMIT_LENGTH, 64 << 20},
+                                           {SQLITE_LIMIT_SQL_LENGTH, 1 << 20},
+                                           {SQLITE_LIMIT_EXPR_DEPTH, 200},
+                                           {SQLITE_LIMIT_ATTACHED, 0}}};
+
+// Trimming a table of a million rows takes some ten million steps of SQLite's machine.
+constexpr int kStepsAtOnce = 1'000'000;
+constexpr int kMostTimes = 300;
+
+// Called each time that a statement has taken kStepsAtOnce further steps; anything but 0 ends it.
+int countSteps(void* times) {
+    return ++*static_cast<int*>(times) > kMostTimes ? 1 : 0;
+}
+
 bool identify(const char* path, FileIdentity& identity) {
     struct stat status {};
     if (stat(path, &status) != 0 || !S_ISREG(status.st_mode)) return false;
@@ -59,6 +79,7 @@ std::shared_ptr<Connection> Connection::open(const char* path, const char* key, 
     connection->hasKey_ = key != nullptr;
     if (key != nullptr) connection->key_ = key;
     sqlite3_extended_result_codes(handle, 0);
+    connection->defend();
     sqlite3_busy_timeout(handle, kBusyTimeoutMs);
     if ((key != nullptr && !connection->unlock(key)) || !connection->readsSchema()) {
         error = connection->lastError_;
@@ -87,13 +108,23 @@ bool Connection::unlock(const char* key) {
 }
 #endif
 
-void Connection::configure() {
-    // A database file may come from a stranger: its schema must not be able to call functions with side effects, and a
-    // damaged page is noticed when it is read.
+void Connection::defend() {
+    // A database file may come from a stranger: its schema must not be able to call functions with side effects.
     sqlite3_db_config(handle_.get(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(handle_.get(), SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-    execute("PRAGMA cell_size_check = on");
+    for (const Limit& limit : kLimits)
+        sqlite3_limit(handle_.get(), limit.id, limit.value);
+    sqlite3_progress_handler(handle_.get(), kStepsAtOnce, countSteps, &timesStepped_);
+}
+
+void Connection::configure() {
+    execute("PRAGMA cell_size_check = on");  // a damaged page is noticed when it is read
     execute(kPageCache);
+}
+
+int Connection::step(sqlite3_stmt* statement) {
+    timesStepped_ = 0;
+    return sqlite3_step(statement);
 }
 
 bool Connection::stillServes(const char* path, const char* key) {
@@ -134,7 +165,7 @@ bool Connection::runToEnd(sqlite3_stmt* statement) {
     if (refusesWrites()) return false;
     int code = SQLITE_ROW;
     while (code == SQLITE_ROW)
-        code = sqlite3_step(statement);
+        code = step(statement);
     // The reset gives the same code again; the failure has been noted from the step.
     if (code != SQLITE_DONE) noteFailure(code);
     sqlite3_reset(statement);
@@ -173,7 +204,7 @@ bool Connection::execute(const char* sql) {
     if (!statement) return false;
     int code = SQLITE_ROW;
     while (code == SQLITE_ROW)
-        code = sqlite3_step(statement.get());
+        code = step(statement.get());
     if (code == SQLITE_DONE) return true;
     lastFailure_ = code & 0xff;
     lastError_ = sqlite3_errmsg(handle_.get());

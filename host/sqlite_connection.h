@@ -49,6 +49,9 @@ public:
     /// Runs a prepared statement to its end. False when it failed or the current batch is lost.
     bool runToEnd(sqlite3_stmt* statement);
 
+    /// sqlite3_step(), ended with SQLITE_INTERRUPT when it goes on beyond all reason.
+    int step(sqlite3_stmt* statement);
+
     /// Remembers why `code` was returned, and gives the batch up when the reason lies in the machine.
     void noteFailure(int code);
 
@@ -66,10 +69,12 @@ private:
     Connection() = default;
     bool unlock(const char* key);
     StatementHandle refuse(const char* reason);
+    void defend();
     void configure();
     bool execute(const char* sql);
     bool readsSchema();
 
+    int timesStepped_ = 0;  // before the handle, which has its address
     DatabaseHandle handle_;
     std::string path_;
     std::string key_;
