@@ -1,5 +1,5 @@
-// Parsing: into trees by the reader of this component; files only when they are regular, so that a FIFO under the name of
-// a message file cannot hang the import.
+// Parsing: into trees by the reader of this component; files only when they are regular, so that a FIFO under the name
+// of a message file cannot hang the import.
 #include <fcntl.h>
 
 #include <new>

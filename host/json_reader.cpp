@@ -240,7 +240,8 @@ JsonNumber JsonReader::readNumber() {
     return {literal.value, literal.hasExact ? literal.exact : truncateTo<long long>(literal.value)};
 }
 
-// One list of open objects and arrays instead of recursion: a text of a stranger must not choose how much stack is used.
+// One list of open objects and arrays instead of recursion: a text of a stranger must not choose how much stack is
+// used.
 void JsonReader::skip() {
     std::vector<OpenContainer> open;
     std::string_view name;

@@ -28,7 +28,8 @@ private:
         JsonNames names;
     };
 
-    // The value that stands next, objects and arrays without their items; null for what is no value, and without memory.
+    // The value that stands next, objects and arrays without their items; null for what is no value, and without
+    // memory.
     JsonDocument readValue() {
         if (reader_.atObject()) return JsonDocument(json_value_init_object());
         if (reader_.atArray()) return JsonDocument(json_value_init_array());

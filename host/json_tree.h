@@ -11,7 +11,8 @@
 
 namespace tools {
 
-/// The tree of `text`, which is changed by it; null when it is no valid JSON or memory runs out (std::bad_alloc passes).
+/// The tree of `text`, which is changed by it; null when it is no valid JSON or memory runs out (std::bad_alloc
+/// passes).
 JsonDocument readJsonTree(std::string& text);
 
 }  // namespace tools

@@ -17,8 +17,8 @@ constexpr int kBusyTimeoutMs = 4000;
 // the page cache that costs half as much as with the default of 2 MB. It is an upper limit, not an allocation.
 constexpr const char* kPageCache = "PRAGMA cache_size = -65536";
 
-// What a single row or statement of ours may cost. A database of a stranger can ask for much more with few bytes: columns
-// that compute texts of a gigabyte, triggers that never end, expressions so deep that they exhaust the stack.
+// What a single row or statement of ours may cost. A database of a stranger can ask for much more with few bytes:
+// columns that compute texts of a gigabyte, triggers that never end, expressions so deep that they exhaust the stack.
 struct Limit {
     int id;
     int value;

@@ -1,7 +1,7 @@
 // Files of a package or tree, reached without a link anywhere below the folder that the user chose.
 //
-// What stands in that folder may be written by others while a transfer runs, on a memory card for example. A folder that
-// was looked at and then replaced by a link must not give a private file away, nor have one overwritten.
+// What stands in that folder may be written by others while a transfer runs, on a memory card for example. A folder
+// that was looked at and then replaced by a link must not give a private file away, nor have one overwritten.
 #pragma once
 
 #include <string>
@@ -16,11 +16,12 @@ struct BackupPlace {
     std::string name;
 };
 
-/// The attachment `name` of the package or tree at work: beneath backupPath when its attachments are there, else beneath
-/// their own folder.
+/// The attachment `name` of the package or tree at work: beneath backupPath when its attachments are there, else
+/// beneath their own folder.
 BackupPlace attachmentPlace(const dbTrans& transfer, const std::string& name);
 
-/// Reads all of the package's file `path`. False when it is missing, no regular file or behind a link, or cannot be read.
+/// Reads all of the package's file `path`. False when it is missing, no regular file or behind a link, or cannot be
+/// read.
 bool readBackupFile(const dbTrans& transfer, const std::string& path, std::string& bytes);
 
 }  // namespace transfer

@@ -92,7 +92,8 @@ st_dbReContactBean readContact(const JSON_Object* object) {
 
 void restore(dbTrans& transfer, const std::string& packagePath, const char* kindFolder, const std::string& name) {
     const transfer::BackupPlace from = transfer::attachmentPlace(transfer, packagePath);
-    const tools::FileOutcome outcome = tools::copyConfined(from.folder, from.name, transfer.rootPath + kindFolder, name);
+    const tools::FileOutcome outcome =
+        tools::copyConfined(from.folder, from.name, transfer.rootPath + kindFolder, name);
     transfer::countAttachment(transfer.report, packagePath, outcome);
 }
 

@@ -1,0 +1,24 @@
+// Work on a thread with as little stack as phones give to theirs.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+
+namespace test {
+
+inline constexpr std::size_t kSmallStack = std::size_t{256} * 1024;
+
+/// False where the frames of instrumented code are several times as large as those of the product, so that a small
+/// stack shows nothing.
+constexpr bool smallStackIsMeaningful() {
+#if defined(__SANITIZE_ADDRESS__) || !defined(NDEBUG)
+    return false;
+#else
+    return true;
+#endif
+}
+
+/// Runs work() to its end on a thread with a stack of kSmallStack bytes.
+void onSmallStack(const std::function<void()>& work);
+
+}  // namespace test

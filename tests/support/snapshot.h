@@ -1,0 +1,13 @@
+// What stands in a folder, to show that an operation left it alone.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace test {
+
+/// One line for each file, folder and link below `folder`: relative name, kind, permissions, and bytes or target.
+/// Nothing at or below the `except`ed relative names is listed.
+std::string snapshotOf(const std::string& folder, const std::vector<std::string>& except = {});
+
+}  // namespace test
