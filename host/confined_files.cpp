@@ -49,6 +49,8 @@ struct Place {
         folder = std::move(next);
     }
     bool missing() const { return error == ENOENT; }
+    // A name that is none, or a link or a file where a folder should be; anything else is a failure of the machine.
+    bool refused() const { return error == EINVAL || error == ELOOP || error == ENOTDIR; }
     bool valid() const { return folder.valid(); }
 };
 
@@ -104,11 +106,12 @@ FileOutcome transferConfined(const std::string& fromFolder, const std::string& f
                              const std::string& to, Transfer transfer) {
     if (!isConfinedName(from) || !isConfinedName(to)) return FileOutcome::refused;
     const Place source = resolve(fromFolder, from, MissingFolders::stay);
-    if (!source.valid()) return source.missing() ? FileOutcome::missing : FileOutcome::refused;
+    if (source.missing()) return FileOutcome::missing;
+    if (!source.valid()) return source.refused() ? FileOutcome::refused : FileOutcome::failed;
     const Kind kind = kindOf(source);
     if (kind != Kind::regular) return kind == Kind::none ? FileOutcome::missing : FileOutcome::refused;
     const Place target = resolve(toFolder, to, MissingFolders::stay);
-    if (!target.valid()) return target.missing() ? FileOutcome::failed : FileOutcome::refused;
+    if (!target.valid()) return target.refused() ? FileOutcome::refused : FileOutcome::failed;
     return transfer(source, target);
 }
 
@@ -135,6 +138,10 @@ bool confinedFolderExists(const std::string& folder, const std::string& name) {
 bool confinedNameTaken(const std::string& folder, const std::string& name) {
     const Place place = resolve(folder, name, MissingFolders::stay);
     return place.valid() ? kindOf(place) != Kind::none : !place.missing();
+}
+
+bool confinedNameSeen(const std::string& folder, const std::string& name) {
+    return kindOf(resolve(folder, name, MissingFolders::stay)) != Kind::none;
 }
 
 FileOutcome copyConfined(const std::string& fromFolder, const std::string& from, const std::string& toFolder,

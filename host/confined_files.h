@@ -27,12 +27,16 @@ bool confinedFolderExists(const std::string& folder, const std::string& name);
 /// in both cases nothing may be put there.
 bool confinedNameTaken(const std::string& folder, const std::string& name);
 
+/// True when something is seen to stand at `folder` + `name`. Where nobody can look (a link on the way, an input/output
+/// error) it is false, and a copy there says why it fails.
+bool confinedNameSeen(const std::string& folder, const std::string& name);
+
 /// What became of a confined copy or move.
 enum class FileOutcome {
     done,     ///< the target holds the file
     missing,  ///< there is no such source
     refused,  ///< a name leads outside its folder or over a symbolic link, or the source is no regular file
-    failed,   ///< the source is there but could not be transferred
+    failed,   ///< the source could not be read, or the target not be written
 };
 
 /// Copies the regular file `fromFolder` + `from` to `toFolder` + `to`, replacing an existing file, by the rules of

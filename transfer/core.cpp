@@ -76,6 +76,10 @@ void dbTrans::getTables3(imsdk::dbUtils& db, std::vector<std::string>& names) {
     imsdk::dbDataReader reader = db.excuteQuery("select name from sqlite_master where type='table'");
     while (reader.read() != 0)
         names.push_back(reader.getColumnValue(0));
+    if (!reader.failed()) return;
+    // A list of some tables would pass for the list of all, and the conversations behind it for none.
+    names.clear();
+    report.skip("the list of tables", "it could not be read whole: " + db.lastError());
 }
 
 std::string dbTrans::isTableExsit(long long targetID) {

@@ -290,7 +290,7 @@ int dbTrans::exportFile() {
         }
     }
     // Message files and attachments become durable together: a flush for each would cost more than the export.
-    tools::flushFileSystem(imFileDir);
+    if (!tools::flushFileSystem(imFileDir)) report.skip(imFileDir, "the package could not be flushed to the disk");
     transfer::notifyShare(*this, 2, attachmentTotal, attachmentTotal);
     return 1;
 }

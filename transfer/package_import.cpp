@@ -99,7 +99,7 @@ void restore(dbTrans& transfer, const std::string& packagePath, const char* kind
 
 void restoreIfAbsent(dbTrans& transfer, const std::string& packagePath, const char* kindFolder,
                      const std::string& name) {
-    if (tools::isConfinedName(name) && tools::confinedNameTaken(transfer.rootPath + kindFolder, name)) {
+    if (tools::confinedNameSeen(transfer.rootPath + kindFolder, name)) {
         ++transfer.report.attachmentsPresent;
     } else {
         restore(transfer, packagePath, kindFolder, name);

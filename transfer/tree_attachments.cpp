@@ -88,8 +88,7 @@ private:
     void moveUnlessPresent(const std::string& value, const std::string& userFolder, const std::string& name,
                            MissingFolder missing) {
         if (value.empty()) return;
-        if (!userFolder.empty() && tools::isConfinedName(name) &&
-            tools::confinedNameTaken(asFolder(userFolder), name)) {
+        if (!userFolder.empty() && tools::confinedNameSeen(asFolder(userFolder), name)) {
             ++transfer_.report.attachmentsPresent;
             return;
         }
