@@ -53,6 +53,10 @@ void dbUtils::endTransaction() {
     if (connection_) connection_->endBatch();
 }
 
+void dbUtils::abandonTransaction() {
+    if (connection_) connection_->abandonBatch();
+}
+
 bool dbUtils::transactionFailed() const {
     return !connection_ || connection_->batchLost();
 }

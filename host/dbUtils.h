@@ -105,6 +105,9 @@ public:
     /// constraint, an oversized text, a malformed statement) does not spoil the batch. transactionFailed() tells.
     virtual void endTransaction();
 
+    /// Loses the current batch: nothing of it stays when its transaction ends. For a caller that cannot complete it.
+    void abandonTransaction();
+
     /// True from the moment at which the current batch is lost until the next beginTransaction().
     bool transactionFailed() const;
 

@@ -1,5 +1,6 @@
 #include "host/json_tree.h"
 
+#include <new>
 #include <vector>
 
 #include "host/json_numbers.h"
@@ -28,29 +29,35 @@ private:
         JsonNames names;
     };
 
-    // The value that stands next, objects and arrays without their items; null for what is no value, and without
-    // memory.
+    // A new value of the library, which gives none without memory.
+    static JsonDocument made(JSON_Value* value) {
+        if (value == nullptr) throw std::bad_alloc();
+        return JsonDocument(value);
+    }
+
+    // The value that stands next, objects and arrays without their items; null for what is no value.
     JsonDocument readValue() {
-        if (reader_.atObject()) return JsonDocument(json_value_init_object());
-        if (reader_.atArray()) return JsonDocument(json_value_init_array());
+        if (reader_.atObject()) return made(json_value_init_object());
+        if (reader_.atArray()) return made(json_value_init_array());
         if (reader_.atString()) return readText();
         if (reader_.atNumber()) return readNumber();
-        if (reader_.readWord("true")) return JsonDocument(json_value_init_boolean(1));
-        if (reader_.readWord("false")) return JsonDocument(json_value_init_boolean(0));
-        if (reader_.readWord("null")) return JsonDocument(json_value_init_null());
+        if (reader_.readWord("true")) return made(json_value_init_boolean(1));
+        if (reader_.readWord("false")) return made(json_value_init_boolean(0));
+        if (reader_.readWord("null")) return made(json_value_init_null());
         reader_.reject();
         return nullptr;
     }
 
     JsonDocument readText() {
         const std::string_view text = reader_.readString();
-        return JsonDocument(reader_.ok() ? chat_transfer_stock_text(text.data(), text.size()) : nullptr);
+        return reader_.ok() ? made(chat_transfer_stock_text(text.data(), text.size())) : nullptr;
     }
 
     JsonDocument readNumber() {
         const JsonNumber number = reader_.readNumber();
-        JsonDocument value(reader_.ok() ? json_value_init_number(number.value) : nullptr);
-        if (value) chatTransferJsonSetExactValue(value.get(), number.exact);
+        if (!reader_.ok()) return nullptr;
+        JsonDocument value = made(json_value_init_number(number.value));
+        chatTransferJsonSetExactValue(value.get(), number.exact);
         return value;
     }
 
@@ -62,35 +69,24 @@ private:
         reader_.enter();
     }
 
-    // Reads one item of the innermost object or array, or its end. False when the text is invalid or memory runs out.
+    // Reads one item of the innermost object or array, or its end. False when the text is invalid.
     bool readItem() {
-        const bool inObject = json_value_get_type(open_.back().value) == JSONObject;
+        Level& level = open_.back();
+        const bool inObject = json_value_get_type(level.value) == JSONObject;
         std::string_view name;
         if (!(inObject ? reader_.nextMember(name) : reader_.nextElement())) {
             open_.pop_back();
             return reader_.ok();
         }
-        if (inObject && !open_.back().names.add(name)) return false;
+        if (inObject && !level.names.add(name)) return false;
         JsonDocument value = readValue();
         if (!value) return false;
-        JSON_Value* item = value.get();
-        if (!(inObject ? addMember(name, value) : addElement(value))) return false;
-        descend(item);
+        const bool added = inObject
+                               ? chat_transfer_stock_add_member(level.value, name.data(), name.size(), value.get()) != 0
+                               : json_array_append_value(json_value_get_array(level.value), value.get()) == JSONSuccess;
+        if (!added) throw std::bad_alloc();
+        descend(value.release());
         return true;
-    }
-
-    bool addMember(std::string_view name, JsonDocument& value) {
-        const bool added =
-            chat_transfer_stock_add_member(open_.back().value, name.data(), name.size(), value.get()) != 0;
-        if (added) static_cast<void>(value.release());
-        return added;
-    }
-
-    bool addElement(JsonDocument& value) {
-        const bool added =
-            json_array_append_value(json_value_get_array(open_.back().value), value.get()) == JSONSuccess;
-        if (added) static_cast<void>(value.release());
-        return added;
     }
 
     JsonReader reader_;

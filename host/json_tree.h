@@ -11,8 +11,7 @@
 
 namespace tools {
 
-/// The tree of `text`, which is changed by it; null when it is no valid JSON or memory runs out (std::bad_alloc
-/// passes).
+/// The tree of `text`, which is changed by it; null when it is no valid JSON. std::bad_alloc when memory runs out.
 JsonDocument readJsonTree(std::string& text);
 
 }  // namespace tools

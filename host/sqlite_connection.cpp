@@ -5,6 +5,8 @@
 
 #include <array>
 #include <cstring>
+#include <new>
+#include <utility>
 
 namespace imsdk::detail {
 namespace {
@@ -172,9 +174,16 @@ bool Connection::runToEnd(sqlite3_stmt* statement) {
     return code == SQLITE_DONE;
 }
 
-void Connection::noteFailure(int code) {
+// Throws nothing: a transaction ends also when there is no memory for the reason of its failure.
+void Connection::keepReason(int code) noexcept try {
     lastFailure_ = code & 0xff;
     lastError_ = sqlite3_errmsg(handle_.get());
+} catch (const std::bad_alloc&) {
+    lastError_.clear();
+}
+
+void Connection::noteFailure(int code) {
+    keepReason(code);
     // SQLite ends a transaction itself after some failures; statements that followed would then be committed one by
     // one.
     const bool endedByDatabase = sqlite3_get_autocommit(handle_.get()) != 0;
@@ -193,9 +202,9 @@ void Connection::endBatch() {
     const bool stillOpen = sqlite3_get_autocommit(handle_.get()) == 0;
     if (batchLost_ && stillOpen) {
         // The reason of the loss is worth more than that of a failing rollback.
-        const std::string reason = lastError_;
+        std::string reason = std::move(lastError_);
         execute("ROLLBACK");
-        lastError_ = reason;
+        lastError_ = std::move(reason);
     }
 }
 
@@ -206,8 +215,7 @@ bool Connection::execute(const char* sql) {
     while (code == SQLITE_ROW)
         code = step(statement.get());
     if (code == SQLITE_DONE) return true;
-    lastFailure_ = code & 0xff;
-    lastError_ = sqlite3_errmsg(handle_.get());
+    keepReason(code);
     return false;
 }
 

@@ -58,6 +58,7 @@ public:
     /// Batches nest: only the outermost pair begins and ends a transaction.
     void beginBatch();
     void endBatch();
+    void abandonBatch() { batchLost_ = batchLost_ || batchDepth_ > 0; }
     bool batchLost() const { return batchLost_; }
     bool refusesWrites() const { return batchDepth_ > 0 && batchLost_; }
 
@@ -69,6 +70,7 @@ private:
     Connection() = default;
     bool unlock(const char* key);
     StatementHandle refuse(const char* reason);
+    void keepReason(int code) noexcept;
     void defend();
     void configure();
     bool execute(const char* sql);

@@ -340,15 +340,17 @@ int dbTrans::wtRecontactToFile() {
     transfer::setField(object, transfer::kVersionKey, packageVersion);
     transfer::setValue(object, transfer::kRecentContactsKey, JsonDocument(json_value_init_array()));
     JSON_Array* contacts = json_object_get_array(object, transfer::kRecentContactsKey);
+    bool whole = contacts != nullptr && json_object_has_value(object, transfer::kVersionKey) != 0;
     for (const st_dbReContactBean& contact : reContacts) {
         JsonDocument element(json_value_init_object());
-        transfer::forEachRecentContactField(contact, [&element](int /*column*/, const char* name, const auto& field) {
-            transfer::setField(json_value_get_object(element.get()), name, field);
+        transfer::forEachRecentContactField(contact, [&](int /*column*/, const char* name, const auto& field) {
+            whole = transfer::setField(json_value_get_object(element.get()), name, field) && whole;
         });
-        transfer::appendValue(contacts, std::move(element));
+        whole = transfer::appendValue(contacts, std::move(element)) && whole;
     }
     const std::string path = msgFileDir + transfer::kRecentContactFileName;
-    if (json_serialize_to_file(file.get(), path.c_str()) == JSONSuccess) {
+    // Without memory a contact may lack a field, or the list a contact: such a file would pass for the whole list.
+    if (whole && json_serialize_to_file(file.get(), path.c_str()) == JSONSuccess) {
         report.contactsWritten += static_cast<long long>(reContacts.size());
     } else {
         report.skip(path, "the recent-contact file could not be written");

@@ -10,21 +10,21 @@
 
 namespace transfer {
 
-void setField(JSON_Object* object, const char* key, const std::string& text) {
-    if (json_object_set_string(object, key, text.c_str()) == JSONSuccess) return;
-    json_object_set_string(object, key, tools::toWellFormedUtf8(text.c_str()).c_str());
+bool setField(JSON_Object* object, const char* key, const std::string& text) {
+    return json_object_set_string(object, key, text.c_str()) == JSONSuccess ||
+           json_object_set_string(object, key, tools::toWellFormedUtf8(text.c_str()).c_str()) == JSONSuccess;
 }
 
-void setField(JSON_Object* object, const char* key, long long number) {
-    json_object_set_number(object, key, static_cast<double>(number));
+bool setField(JSON_Object* object, const char* key, long long number) {
+    return json_object_set_number(object, key, static_cast<double>(number)) == JSONSuccess;
 }
 
-void setField(JSON_Object* object, const char* key, int number) {
-    json_object_set_number(object, key, number);
+bool setField(JSON_Object* object, const char* key, int number) {
+    return json_object_set_number(object, key, number) == JSONSuccess;
 }
 
-void setField(JSON_Object* object, const char* key, signed char number) {
-    json_object_set_number(object, key, number);
+bool setField(JSON_Object* object, const char* key, signed char number) {
+    return json_object_set_number(object, key, number) == JSONSuccess;
 }
 
 void setValue(JSON_Object* object, const char* key, tools::JsonDocument value) {

@@ -8,11 +8,12 @@
 namespace transfer {
 
 /// Numbers are written as doubles, as the format defines: ids above 2^53 lose their low bits. Texts are written up to
-/// their first NUL, with ill-formed UTF-8 replaced, so that one broken byte does not cost the whole text.
-void setField(JSON_Object* object, const char* key, const std::string& text);
-void setField(JSON_Object* object, const char* key, long long number);
-void setField(JSON_Object* object, const char* key, int number);
-void setField(JSON_Object* object, const char* key, signed char number);
+/// their first NUL, with ill-formed UTF-8 replaced, so that one broken byte does not cost the whole text. False
+/// without memory.
+bool setField(JSON_Object* object, const char* key, const std::string& text);
+bool setField(JSON_Object* object, const char* key, long long number);
+bool setField(JSON_Object* object, const char* key, int number);
+bool setField(JSON_Object* object, const char* key, signed char number);
 
 /// Gives the object a member that it owns from then on; a member that cannot be added is freed.
 void setValue(JSON_Object* object, const char* key, tools::JsonDocument value);

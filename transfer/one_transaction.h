@@ -24,13 +24,21 @@ private:
 
 /// Runs work(), which gives a code, in one transaction on `db` and ends it. The code of work(), or kDatabaseFailed when
 /// the transaction could not begin (work is not run then) or its writes were lost; the counts are those of before then.
+/// An exception out of work() loses the writes, too, and passes.
 template <class Work>
 ErrorCode inOneTransaction(dbTrans& transfer, imsdk::dbUtils& db, const std::string& what, Work work) {
     const RowCounts before(transfer.report);
     ErrorCode result = kDatabaseFailed;
     {
         const DbTranHelper transaction(&db);
-        if (!db.transactionFailed()) result = work();
+        try {
+            if (!db.transactionFailed()) result = work();
+        } catch (...) {
+            // The guard ends the transaction also now: what was written of the batch must not stay without the rest.
+            db.abandonTransaction();
+            before.restoreIn(transfer.report);
+            throw;
+        }
     }
     if (!db.transactionFailed()) return result;
     before.restoreIn(transfer.report);

@@ -1,7 +1,7 @@
 #include "transfer/tree_attachments.h"
 
 #include "host/confined_files.h"
-#include "host/json_owner.h"
+#include "host/json_tree.h"
 #include "host/tools.h"
 #include "transfer/attachment_body.h"
 #include "transfer/attachment_count.h"
@@ -112,7 +112,8 @@ bool carriesTreeFiles(int type) {
 
 int moveTreeFiles(dbTrans& transfer, const std::string& body, int type, const TreeFileKeys& keys) {
     if (!carriesTreeFiles(type)) return 0;
-    const tools::JsonDocument document(json_parse_string(body.c_str()));
+    std::string text = body;
+    const tools::JsonDocument document = tools::readJsonTree(text);
     if (!document) return 0;
     FileMover(transfer, keys).move(json_value_get_object(document.get()), type);
     return 1;
