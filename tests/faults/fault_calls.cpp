@@ -1,0 +1,205 @@
+#include "tests/faults/fault_calls.h"
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+
+namespace test {
+namespace {
+
+struct Plan {
+    bool armed = false;
+    Fault fault{};
+    long long nth = 0;
+    long long seen = 0;
+};
+thread_local Plan plan;
+
+enum class Verdict { pass, fail, cut };
+
+// Counts the call and says what becomes of it; sets errno for a failing one.
+Verdict judge(Call call) {
+    if (!plan.armed || plan.fault.call != call) return Verdict::pass;
+    ++plan.seen;
+    if (plan.seen < plan.nth || (plan.seen > plan.nth && plan.fault.duration == Duration::once)) return Verdict::pass;
+    if (plan.fault.failure == Failure::shortWrite && plan.seen == plan.nth) return Verdict::cut;
+    errno = plan.fault.failure == Failure::inputOutput ? EIO : ENOSPC;
+    return Verdict::fail;
+}
+
+template <class Function>
+Function next(const char* name) {
+    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
+}
+
+// The size of a write that is cut short: never nothing, which would be an end and no progress.
+std::size_t cutSize(std::size_t size) {
+    return std::max<std::size_t>(1, size / 2);
+}
+
+}  // namespace
+
+std::string describe(const Fault& fault) {
+    constexpr std::array<const char*, 8> kCalls = {"open",   "read",   "write", "sync",
+                                                   "rename", "remove", "mkdir", "close"};
+    constexpr std::array<const char*, 3> kFailures = {"EIO", "ENOSPC", "short"};
+    return std::string(kCalls.at(static_cast<std::size_t>(fault.call))) + " " +
+           kFailures.at(static_cast<std::size_t>(fault.failure)) +
+           (fault.duration == Duration::once ? " once" : " from then on");
+}
+
+InjectedFault::InjectedFault(const Fault& fault, long long nth) {
+    plan = {true, fault, nth, 0};
+}
+InjectedFault::~InjectedFault() {
+    plan.armed = false;
+}
+bool InjectedFault::struck() const {
+    return plan.seen >= plan.nth;
+}
+
+}  // namespace test
+
+using test::Call;
+using test::Verdict;
+
+// NOLINTBEGIN(cert-dcl50-cpp,cppcoreguidelines-pro-type-vararg,readability-inconsistent-declaration-parameter-name):
+// the signatures are those of the C library.
+extern "C" {
+
+int open(const char* path, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    if (test::judge(Call::open) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(const char*, int, ...)>("open");
+    return real(path, flags, mode);
+}
+
+int open64(const char* path, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    if (test::judge(Call::open) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(const char*, int, ...)>("open64");
+    return real(path, flags, mode);
+}
+
+int openat(int folder, const char* path, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    if (test::judge(Call::open) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(int, const char*, int, ...)>("openat");
+    return real(folder, path, flags, mode);
+}
+
+ssize_t read(int descriptor, void* bytes, size_t size) {
+    if (test::judge(Call::read) != Verdict::pass) return -1;
+    static const auto real = test::next<ssize_t (*)(int, void*, size_t)>("read");
+    return real(descriptor, bytes, size);
+}
+
+ssize_t pread64(int descriptor, void* bytes, size_t size, off64_t offset) {
+    if (test::judge(Call::read) != Verdict::pass) return -1;
+    static const auto real = test::next<ssize_t (*)(int, void*, size_t, off64_t)>("pread64");
+    return real(descriptor, bytes, size, offset);
+}
+
+ssize_t write(int descriptor, const void* bytes, size_t size) {
+    const Verdict verdict = test::judge(Call::write);
+    if (verdict == Verdict::fail) return -1;
+    static const auto real = test::next<ssize_t (*)(int, const void*, size_t)>("write");
+    return real(descriptor, bytes, verdict == Verdict::cut ? test::cutSize(size) : size);
+}
+
+ssize_t pwrite64(int descriptor, const void* bytes, size_t size, off64_t offset) {
+    const Verdict verdict = test::judge(Call::write);
+    if (verdict == Verdict::fail) return -1;
+    static const auto real = test::next<ssize_t (*)(int, const void*, size_t, off64_t)>("pwrite64");
+    return real(descriptor, bytes, verdict == Verdict::cut ? test::cutSize(size) : size, offset);
+}
+
+ssize_t copy_file_range(int from, off64_t* fromOffset, int to, off64_t* toOffset, size_t size, unsigned flags) {
+    const Verdict verdict = test::judge(Call::write);
+    if (verdict == Verdict::fail) return -1;
+    static const auto real = test::next<ssize_t (*)(int, off64_t*, int, off64_t*, size_t, unsigned)>("copy_file_range");
+    return real(from, fromOffset, to, toOffset, verdict == Verdict::cut ? 1 : size, flags);
+}
+
+int ftruncate64(int descriptor, off64_t size) noexcept {
+    if (test::judge(Call::write) == Verdict::fail) return -1;
+    static const auto real = test::next<int (*)(int, off64_t)>("ftruncate64");
+    return real(descriptor, size);
+}
+
+// What reaches the disk when is not seen by these tests, and waiting for it would make hours of minutes.
+int fsync(int /*descriptor*/) {
+    return test::judge(Call::sync) == Verdict::pass ? 0 : -1;
+}
+int fdatasync(int /*descriptor*/) {
+    return test::judge(Call::sync) == Verdict::pass ? 0 : -1;
+}
+int syncfs(int /*descriptor*/) noexcept {
+    return test::judge(Call::sync) == Verdict::pass ? 0 : -1;
+}
+
+int rename(const char* from, const char* to) noexcept {
+    if (test::judge(Call::rename) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(const char*, const char*)>("rename");
+    return real(from, to);
+}
+
+int renameat(int fromFolder, const char* from, int toFolder, const char* to) noexcept {
+    if (test::judge(Call::rename) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(int, const char*, int, const char*)>("renameat");
+    return real(fromFolder, from, toFolder, to);
+}
+
+int unlink(const char* path) noexcept {
+    if (test::judge(Call::remove) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(const char*)>("unlink");
+    return real(path);
+}
+
+int unlinkat(int folder, const char* path, int flags) noexcept {
+    if (test::judge(Call::remove) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(int, const char*, int)>("unlinkat");
+    return real(folder, path, flags);
+}
+
+int remove(const char* path) noexcept {
+    if (test::judge(Call::remove) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(const char*)>("remove");
+    return real(path);
+}
+
+int mkdir(const char* path, mode_t mode) noexcept {
+    if (test::judge(Call::makeFolder) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(const char*, mode_t)>("mkdir");
+    return real(path, mode);
+}
+
+int mkdirat(int folder, const char* path, mode_t mode) noexcept {
+    if (test::judge(Call::makeFolder) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(int, const char*, mode_t)>("mkdirat");
+    return real(folder, path, mode);
+}
+
+// A close that fails has closed all the same.
+int close(int descriptor) {
+    static const auto real = test::next<int (*)(int)>("close");
+    const int result = real(descriptor);
+    return test::judge(Call::close) == Verdict::pass ? result : -1;
+}
+}
+// NOLINTEND(cert-dcl50-cpp,cppcoreguidelines-pro-type-vararg,readability-inconsistent-declaration-parameter-name)

@@ -1,0 +1,58 @@
+#include "tests/faults/fault_memory.h"
+
+#include <cstdlib>
+#include <new>
+
+#include "host/json.h"
+
+namespace test {
+namespace {
+
+struct Plan {
+    bool armed = false;
+    Memory memory = Memory::objects;
+    long long nth = 0;
+    bool fromThenOn = false;
+    long long seen = 0;
+};
+thread_local Plan plan;
+
+bool refuses(Memory memory) {
+    if (!plan.armed || plan.memory != memory) return false;
+    ++plan.seen;
+    return plan.seen == plan.nth || (plan.seen > plan.nth && plan.fromThenOn);
+}
+
+void* takeJson(std::size_t size) {
+    return refuses(Memory::json) ? nullptr : std::malloc(size);
+}
+
+}  // namespace
+
+RefusedMemory::RefusedMemory(Memory memory, long long nth, bool fromThenOn) {
+    json_set_allocation_functions(takeJson, std::free);
+    plan = {true, memory, nth, fromThenOn, 0};
+}
+RefusedMemory::~RefusedMemory() {
+    plan.armed = false;
+    json_set_allocation_functions(nullptr, nullptr);
+}
+bool RefusedMemory::struck() const {
+    return plan.seen >= plan.nth;
+}
+
+}  // namespace test
+
+// NOLINTBEGIN(misc-new-delete-overloads): the array, aligned and nothrow forms of the library call these
+void* operator new(std::size_t size) {
+    void* block = test::refuses(test::Memory::objects) ? nullptr : std::malloc(size > 0 ? size : 1);
+    if (block == nullptr) throw std::bad_alloc();
+    return block;
+}
+void operator delete(void* block) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, std::size_t /*size*/) noexcept {
+    std::free(block);
+}
+// NOLINTEND(misc-new-delete-overloads)

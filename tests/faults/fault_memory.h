@@ -1,0 +1,22 @@
+// Memory that runs out when a test says so: operator new of the whole test program, and the blocks of JSON values.
+#pragma once
+
+namespace test {
+
+enum class Memory { objects, json };
+
+/// While it lives, the `nth` request (from 1) for memory of the kind on this thread is refused, once or from then on.
+class RefusedMemory {
+public:
+    RefusedMemory(Memory memory, long long nth, bool fromThenOn);
+    ~RefusedMemory();
+    RefusedMemory(const RefusedMemory&) = delete;
+    RefusedMemory& operator=(const RefusedMemory&) = delete;
+    RefusedMemory(RefusedMemory&&) = delete;
+    RefusedMemory& operator=(RefusedMemory&&) = delete;
+
+    /// Whether the request came.
+    bool struck() const;
+};
+
+}  // namespace test
