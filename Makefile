@@ -2,7 +2,7 @@
 PRESET ?= release
 BUILD := build/$(PRESET)
 
-.PHONY: demo test asan bench fuzz build setup format tidy clean
+.PHONY: demo test asan soak bench fuzz build setup format tidy clean
 
 ## Make a sample account, export it, import it elsewhere (twice), verify, and say what moved.
 demo: build
@@ -15,6 +15,12 @@ test: build
 ## The same tests under AddressSanitizer, LeakSanitizer and UBSan.
 asan:
 	$(MAKE) --no-print-directory test PRESET=asan
+
+## The long form of the fault sweeps and of the killed runs: every failure of every call, and KILLS moments (1000). Hours.
+KILLS ?= 1000
+soak: build
+	CHAT_TRANSFER_SOAK=1 $(BUILD)/tests/faults/fault_tests
+	CHAT_TRANSFER_KILLS=$(KILLS) $(BUILD)/tests/app/app_tests --gtest_filter='Killed*'
 
 ## Measure. QUICK=1: small sizes, under two minutes. ROUNDS, SIZES, WORK: rounds, numbers of messages (1000,10000) and
 ## folder to work in. DOCS=1: write docs/performance.md and its plots.

@@ -1,0 +1,169 @@
+// The same operations where the machine is poor: each completes, or says that it did not, and completes once it can.
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <clocale>
+#include <csignal>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+
+#include "tests/faults/fault_world.h"
+#include "tests/support/database.h"
+#include "tests/support/small_stack.h"
+#include "tests/support/temp_dir.h"
+
+namespace fs = std::filesystem;
+
+namespace test {
+namespace {
+
+class PoorMachine : public testing::TestWithParam<Operation> {
+protected:
+    void SetUp() override {
+        makeWorld(GetParam(), home_.makeDir("world"));
+        before_ = stateOf(home_.at("world"));
+        fs::copy(home_.at("world"), home_.at("rich"), fs::copy_options::recursive);
+        ASSERT_TRUE(run(GetParam(), home_.at("rich")).complete);
+        after_ = stateOf(home_.at("rich"));
+    }
+
+    std::string world() const { return home_.at("world"); }
+
+    void expectComplete(const Ending& ending) const {
+        EXPECT_TRUE(ending.complete) << ending.words;
+        EXPECT_EQ(after_, stateOf(world()));
+    }
+
+    /// It failed, said so, left nothing half done, and succeeds now.
+    void expectFailureAndRepair(const Ending& ending) const {
+        EXPECT_FALSE(ending.complete);
+        EXPECT_EQ("", firstHalfDone(before_, after_, stateOf(world()))) << ending.words;
+        prepareAgain(GetParam(), world());
+        expectComplete(run(GetParam(), world()));
+    }
+
+    TempDir home_;
+    State before_;
+    State after_;
+};
+
+TEST_P(PoorMachine, WithAStackOf256KiBSuffices) {
+    if (!smallStackIsMeaningful()) GTEST_SKIP() << "frames of instrumented or unoptimised code are larger";
+    Ending ending;
+    onSmallStack([&] { ending = run(GetParam(), world()); });
+    expectComplete(ending);
+}
+
+TEST_P(PoorMachine, WithTwentyOpenFilesSuffices) {
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit few{20, before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &few);
+    const Ending ending = run(GetParam(), world());
+    setrlimit(RLIMIT_NOFILE, &before);
+    expectComplete(ending);
+}
+
+TEST_P(PoorMachine, WithoutAnyFileToOpenFailsInWords) {
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit none{3, before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    const Ending ending = run(GetParam(), world());
+    setrlimit(RLIMIT_NOFILE, &before);
+    expectFailureAndRepair(ending);
+}
+
+TEST_P(PoorMachine, WithAFullDiskFailsInWords) {
+    const auto signalBefore = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    // The files of a tree are smaller than a page of a database, those of a package are not.
+    const rlimit small{2000, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+    const Ending ending = run(GetParam(), world());
+    setrlimit(RLIMIT_FSIZE, &before);
+    static_cast<void>(std::signal(SIGXFSZ, signalBefore));
+    expectFailureAndRepair(ending);
+}
+
+TEST_P(PoorMachine, WithADecimalCommaIsTheSame) {
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    const char* locale = std::setlocale(LC_ALL, "de_DE.UTF-8");
+    if (locale == nullptr) GTEST_SKIP() << "the locale de_DE.UTF-8 is not installed";
+    const Ending ending = run(GetParam(), world());
+    std::setlocale(LC_ALL, before.c_str());
+    expectComplete(ending);
+}
+
+TEST_P(PoorMachine, InAnotherTimeZoneIsTheSame) {
+    const char* zone = std::getenv("TZ");
+    const std::string before = zone != nullptr ? zone : "";
+    setenv("TZ", "Pacific/Kiritimati", 1);
+    tzset();
+    const Ending ending = run(GetParam(), world());
+    zone != nullptr ? setenv("TZ", before.c_str(), 1) : unsetenv("TZ");
+    tzset();
+    expectComplete(ending);
+}
+
+// Another process that holds the main database for writing.
+class Holder {
+public:
+    Holder(const std::string& database, unsigned milliseconds) {
+        std::array<int, 2> ready{};
+        if (pipe(ready.data()) != 0) throw std::runtime_error("no pipe");
+        child_ = fork();
+        if (child_ == 0) {
+            imsdk::dbUtils db;
+            db.open(database.c_str(), nullptr);
+            db.beginTransaction();
+            static_cast<void>(write(ready[1], "x", 1));
+            usleep(milliseconds * 1000);
+            _exit(0);  // without the end of the transaction, as a process that was killed
+        }
+        char byte = 0;
+        static_cast<void>(read(ready[0], &byte, 1));
+        close(ready[0]);
+        close(ready[1]);
+    }
+    ~Holder() { waitpid(child_, nullptr, 0); }
+    Holder(const Holder&) = delete;
+    Holder& operator=(const Holder&) = delete;
+    Holder(Holder&&) = delete;
+    Holder& operator=(Holder&&) = delete;
+
+private:
+    pid_t child_ = 0;
+};
+
+TEST_P(PoorMachine, WaitsForAProcessThatHoldsTheDatabaseForAMoment) {
+    const Holder holder(world() + "/account/db/imsg.db", 500);
+    expectComplete(run(GetParam(), world()));
+}
+
+TEST_P(PoorMachine, FailsInWordsWhileAnotherProcessHoldsTheDatabaseForLong) {
+    if (GetParam() == Operation::exportAll) GTEST_SKIP() << "a writer does not keep an export from reading";
+    Ending ending;
+    {
+        const Holder holder(world() + "/account/db/imsg.db", 9500);
+        ending = run(GetParam(), world());
+    }
+    expectFailureAndRepair(ending);
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, PoorMachine,
+                         testing::Values(Operation::exportAll, Operation::importFresh, Operation::importExisting,
+                                         Operation::importTree),
+                         [](const auto& parameter) {
+                             constexpr std::array<const char*, 4> kNames = {
+                                 "Export", "ImportIntoAFreshAccount", "ImportIntoAnExistingAccount", "TreeImport"};
+                             return std::string(kNames.at(static_cast<std::size_t>(parameter.param)));
+                         });
+
+}  // namespace
+}  // namespace test
