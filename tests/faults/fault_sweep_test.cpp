@@ -23,12 +23,6 @@ bool soaks() {
     return std::getenv("CHAT_TRANSFER_SOAK") != nullptr;
 }
 
-std::string nameOf(Operation operation) {
-    constexpr std::array<const char*, 4> kNames = {"Export", "ImportIntoAFreshAccount", "ImportIntoAnExistingAccount",
-                                                   "TreeImport"};
-    return kNames.at(static_cast<std::size_t>(operation));
-}
-
 class FaultSweep : public testing::TestWithParam<Operation> {
 protected:
     void SetUp() override {
@@ -149,6 +143,19 @@ TEST(Export, ThatTheDiskDoesNotTakeForGoodSaysSo) {
         operation();
     });
     EXPECT_NE(std::string::npos, ending.words.find("could not be flushed")) << ending.words;
+}
+
+TEST(Database, ThatCannotBeReadDoesNotOpenAndIsLeftAlone) {
+    const TempDir home;
+    makeWorld(Operation::importExisting, home.path());
+    const std::string database = home.path() + "/account/db/imsg.db";
+    const std::string bytes = readFile(database);
+    const Ending ending = run(Operation::importExisting, home.path(), [](const std::function<void()>& operation) {
+        const InjectedFault fault({Call::read, Failure::inputOutput, Duration::fromThenOn}, 1);
+        operation();
+    });
+    EXPECT_NE(std::string::npos, ending.words.find("codes 0 4278190111")) << ending.words;
+    EXPECT_TRUE(bytes == readFile(database));
 }
 
 }  // namespace

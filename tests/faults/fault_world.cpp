@@ -159,6 +159,12 @@ void addDatabase(State& state, const std::string& path, const std::string& name)
 
 }  // namespace
 
+std::string nameOf(Operation operation) {
+    constexpr std::array<const char*, 4> kNames = {"Export", "ImportIntoAFreshAccount", "ImportIntoAnExistingAccount",
+                                                   "TreeImport"};
+    return kNames.at(static_cast<std::size_t>(operation));
+}
+
 void makeWorld(Operation operation, const std::string& path) {
     if (operation == Operation::importTree) {
         makeEmptyAccount(path + "/account");

@@ -17,6 +17,9 @@ struct Ending {
 
 enum class Operation { exportAll, importFresh, importExisting, importTree };
 
+/// As part of the name of a test.
+std::string nameOf(Operation operation);
+
 /// The content of a folder: rows by "<database>:<table>", bytes by file name. Temporary files are left out: they stand
 /// under no final name.
 using State = std::map<std::string, std::string>;

@@ -159,11 +159,7 @@ TEST_P(PoorMachine, FailsInWordsWhileAnotherProcessHoldsTheDatabaseForLong) {
 INSTANTIATE_TEST_SUITE_P(Operations, PoorMachine,
                          testing::Values(Operation::exportAll, Operation::importFresh, Operation::importExisting,
                                          Operation::importTree),
-                         [](const auto& parameter) {
-                             constexpr std::array<const char*, 4> kNames = {
-                                 "Export", "ImportIntoAFreshAccount", "ImportIntoAnExistingAccount", "TreeImport"};
-                             return std::string(kNames.at(static_cast<std::size_t>(parameter.param)));
-                         });
+                         [](const auto& parameter) { return nameOf(parameter.param); });
 
 }  // namespace
 }  // namespace test
