@@ -85,17 +85,17 @@ protected:
     }
 };
 
-TEST_F(KilledImportTree, AtTwentyMomentsAndRunAgainLeavesWhatAnUndisturbedRunLeaves) {
-    constexpr int kMoments = 20;
+TEST_F(KilledImportTree, AtManyMomentsAndRunAgainLeavesWhatAnUndisturbedRunLeaves) {
+    const int moments = killCount(20);
     const microseconds time = timeOfImport("whole");
     const std::string undisturbed = everythingOf("whole");
     const long long all = decryptedFiles("whole");
     std::mt19937 random(20);  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same moments each time
-    std::uniform_int_distribution<int> part(0, static_cast<int>(time.count() / kMoments));
+    std::uniform_int_distribution<int> part(0, static_cast<int>(time.count() / moments));
     int whileDecrypting = 0;
     int behindDecrypting = 0;
-    for (int i = 0; i < kMoments; ++i) {
-        const microseconds moment = time * i / kMoments + microseconds(part(random));
+    for (int i = 0; i < moments; ++i) {
+        const microseconds moment = time * i / moments + microseconds(part(random));
         const std::string account = "killed" + std::to_string(i);
         killImportAfter(moment, account);
         const long long decrypted = decryptedFiles(account);

@@ -13,6 +13,7 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "host/tools.h"
 #include "tests/support/temp_dir.h"
 
 namespace test {
@@ -149,6 +150,11 @@ bool waitUntilThere(const std::string& path) {
         usleep(kPause);
     }
     return false;
+}
+
+int killCount(int usual) {
+    const char* asked = std::getenv("CHAT_TRANSFER_KILLS");
+    return asked != nullptr ? static_cast<int>(tools::atoint64(asked)) : usual;
 }
 
 }  // namespace test

@@ -53,4 +53,7 @@ Outcome waitFor(pid_t child);
 /// Waits until a started child has made something at `path`; false after ten seconds.
 bool waitUntilThere(const std::string& path);
 
+/// At how many moments a test kills the program: `usual`, or what CHAT_TRANSFER_KILLS says.
+int killCount(int usual);
+
 }  // namespace test

@@ -1,10 +1,8 @@
-// The program killed at random moments of an export and of an import, and run again: the result is that of an
-// undisturbed run. (import_tree_command_test.cpp does the same to tree imports.) CHAT_TRANSFER_KILLS says how often.
+// An export and an import of a package that are killed at random moments, and run again.
 #include <unistd.h>
 
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <iostream>
@@ -16,10 +14,7 @@
 namespace test {
 namespace {
 
-int killCount() {
-    const char* asked = std::getenv("CHAT_TRANSFER_KILLS");
-    return asked != nullptr ? std::atoi(asked) : 10;
-}
+constexpr int kUsualKills = 10;
 
 class Killed : public CommandTest {
 protected:
@@ -40,15 +35,15 @@ protected:
         std::mt19937 random(21);  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same moments each time
         std::uniform_int_distribution<long long> moment(0, most * 1000);
         int killed = 0;
-        for (int i = 0; i < killCount(); ++i) {
+        for (int i = 0; i < killCount(kUsualKills); ++i) {
             const pid_t child = startChatTransfer(arguments(i));
             usleep(static_cast<useconds_t>(moment(random)));
             kill(child, SIGKILL);
             if (waitFor(child).killed) ++killed;
             ASSERT_NO_FATAL_FAILURE(check(i));
         }
-        std::cout << killed << " of " << killCount() << " runs were killed before their end\n";
-        EXPECT_GE(killed, killCount() / 4) << "most runs were over before they could be killed";
+        std::cout << killed << " of " << killCount(kUsualKills) << " runs were killed before their end\n";
+        EXPECT_GE(killed, killCount(kUsualKills) / 4) << "most runs were over before they could be killed";
     }
 };
 
