@@ -290,7 +290,9 @@ int dbTrans::exportFile() {
         }
     }
     // Message files and attachments become durable together: a flush for each would cost more than the export.
-    if (!tools::flushFileSystem(imFileDir)) report.skip(imFileDir, "the package could not be flushed to the disk");
+    const bool anythingToFlush = tools::fileExist(imFileDir.c_str());
+    if (anythingToFlush && !tools::flushFileSystem(imFileDir))
+        report.skip(imFileDir, "the package could not be flushed to the disk");
     transfer::notifyShare(*this, 2, attachmentTotal, attachmentTotal);
     return 1;
 }

@@ -5,13 +5,13 @@
 #include <unistd.h>
 
 #include <array>
-#include <clocale>
 #include <csignal>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
 
 #include "tests/faults/fault_world.h"
+#include "tests/support/comma_locale.h"
 #include "tests/support/database.h"
 #include "tests/support/small_stack.h"
 #include "tests/support/temp_dir.h"
@@ -92,11 +92,12 @@ TEST_P(PoorMachine, WithAFullDiskFailsInWords) {
 }
 
 TEST_P(PoorMachine, WithADecimalCommaIsTheSame) {
-    const std::string before = std::setlocale(LC_ALL, nullptr);
-    const char* locale = std::setlocale(LC_ALL, "de_DE.UTF-8");
-    if (locale == nullptr) GTEST_SKIP() << "the locale de_DE.UTF-8 is not installed";
-    const Ending ending = run(GetParam(), world());
-    std::setlocale(LC_ALL, before.c_str());
+    Ending ending;
+    {
+        const CommaLocale locale;
+        if (!CommaLocale::isSet()) GTEST_SKIP() << "no locale with a decimal comma";
+        ending = run(GetParam(), world());
+    }
     expectComplete(ending);
 }
 

@@ -1,10 +1,6 @@
 // A host may have set a locale whose decimal point is a comma.
-#include <clocale>
-#include <cstdlib>
-#include <string>
-
 #include "tests/host/json_document.h"
-#include "tests/support/temp_dir.h"
+#include "tests/support/comma_locale.h"
 
 namespace {
 
@@ -16,24 +12,11 @@ using tools::JsonDocument;
 class CommaLocaleTest : public testing::Test {
 protected:
     void SetUp() override {
-        if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) useOwnLocale();
-        if (std::localeconv()->decimal_point != std::string(",")) GTEST_SKIP() << "no locale with a decimal comma";
-    }
-    void TearDown() override {
-        (void)std::setlocale(LC_ALL, "C");
-        unsetenv("LOCPATH");
+        if (!test::CommaLocale::isSet()) GTEST_SKIP() << "no locale with a decimal comma";
     }
 
 private:
-    // The machine has not installed the locale; its definition may be there.
-    void useOwnLocale() {
-        const std::string command = "localedef -i de_DE -f UTF-8 " + dir_.at("de_DE.UTF-8") + " >/dev/null 2>&1";
-        if (std::system(command.c_str()) != 0) return;  // NOLINT(cert-env33-c): a fixed command
-        setenv("LOCPATH", dir_.path().c_str(), 1);      // NOLINT(concurrency-mt-unsafe)
-        (void)std::setlocale(LC_ALL, "de_DE.UTF-8");
-    }
-
-    test::TempDir dir_;
+    test::CommaLocale locale_;
 };
 
 TEST_F(CommaLocaleTest, NumbersAreReadWithAPoint) {
