@@ -50,15 +50,15 @@
 
 /* What json_tree.cpp builds trees with. The library's own functions look every name up in the whole object before they
  * add it, and refuse bytes that its parser takes; here the reader has checked both. */
-JSON_Value *chat_transfer_stock_text(const char *bytes, size_t length) {
-    char *copy = parson_strndup(bytes, length);
-    JSON_Value *value = copy != NULL ? json_value_init_string_no_copy(copy, length) : NULL;
+JSON_Value* chat_transfer_stock_text(const char* bytes, size_t length) {
+    char* copy = parson_strndup(bytes, length);
+    JSON_Value* value = copy != NULL ? json_value_init_string_no_copy(copy, length) : NULL;
     if (value == NULL) parson_free(copy);
     return value;
 }
 
-int chat_transfer_stock_add_member(JSON_Value *owner, const char *name, size_t length, JSON_Value *value) {
-    JSON_Object *object = json_value_get_object(owner);
+int chat_transfer_stock_add_member(JSON_Value* owner, const char* name, size_t length, JSON_Value* value) {
+    JSON_Object* object = json_value_get_object(owner);
     if (object->count == object->capacity) {
         size_t capacity = MAX(object->capacity * 2, STARTING_CAPACITY);
         if (json_object_resize(object, capacity) == JSONFailure) return 0;
