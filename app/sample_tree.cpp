@@ -138,7 +138,7 @@ void TreeSample::writeMessages(const SampleConversation& conversation, const std
         }
         std::string path = folder;
         path.append("/msg_").append(std::to_string(++number)).append(transfer::kMessageExtension);
-        writeNewFile(path, text.finish());
+        writeNewFile(path, std::string(text.finish()));
         ++counts_.messageFiles;
     }
     for (const st_dbMessageBean& message : messages)

@@ -100,7 +100,7 @@ std::string fileText() {
     transfer::MessageFileText file(bench::kVersion);
     file.begin();
     file.addDay({2019, 3, 7}, messages().data(), messages().data() + messages().size());
-    return file.finish();
+    return std::string(file.finish());
 }
 
 void countMessages(benchmark::State& state) {

@@ -7,30 +7,56 @@
 #include <cerrno>
 #include <cstdio>
 #include <new>
-#include <string_view>
-#include <utility>
-#include <vector>
 
-#include "host/file_handle.h"
 #include "host/tools.h"
 
 namespace tools {
+
+// A name resolved down to the directory that holds its last component. The directory stays open until its
+// ConfinedFolder resolves another name.
+struct detail::ConfinedPlace {
+    int folder = -1;
+    std::string name;
+    int error = 0;  // why the directory could not be reached
+
+    bool missing() const { return error == ENOENT; }
+    // A name that is none, or a link or a file where a folder should be; anything else is a failure of the machine.
+    bool refused() const { return error == EINVAL || error == ELOOP || error == ENOTDIR; }
+    bool valid() const { return folder >= 0; }
+};
+
 namespace {
 
 using detail::FileHandle;
+using detail::MissingFolders;
+using Place = detail::ConfinedPlace;
 
 constexpr std::size_t kLongestComponent = 255;  // NAME_MAX of the usual file systems
 constexpr mode_t kOwnerOnly = 0700;
 
-std::vector<std::string> componentsOf(std::string_view name) {
-    std::vector<std::string> components;
-    while (!name.empty()) {
-        const std::size_t slash = name.find('/');
-        const std::string_view component = name.substr(0, slash);
-        if (!component.empty() && component != ".") components.emplace_back(component);
-        name.remove_prefix(slash == std::string_view::npos ? name.size() : slash + 1);
+// Takes the next component off the front of `rest`: empty ones and "." count for nothing. False when there is none.
+bool nextComponent(std::string_view& rest, std::string_view& component) {
+    while (!rest.empty()) {
+        const std::size_t slash = rest.find('/');
+        const std::string_view next = rest.substr(0, slash);
+        rest.remove_prefix(slash == std::string_view::npos ? rest.size() : slash + 1);
+        if (next.empty() || next == ".") continue;
+        component = next;
+        return true;
     }
-    return components;
+    return false;
+}
+
+bool hasComponent(std::string_view name) {
+    std::string_view component;
+    return nextComponent(name, component);
+}
+
+std::string_view lastComponentOf(std::string_view name) {
+    std::string_view component;
+    while (nextComponent(name, component)) {
+    }
+    return component;
 }
 
 FileHandle openFolder(int parent, const char* name, bool followLinks) {
@@ -38,140 +64,194 @@ FileHandle openFolder(int parent, const char* name, bool followLinks) {
     return FileHandle(openat(parent, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | links));
 }
 
-// A name beneath a folder, resolved down to the directory that holds its last component.
-struct Place {
-    FileHandle folder;
-    std::string name;
-    int error = 0;  // why the folder could not be reached
-
-    void enter(FileHandle next) {
-        error = next.valid() ? 0 : errno;
-        folder = std::move(next);
+// The folder `parents` beneath the open folder `from`; an invalid handle, with the reason in errno, when it cannot be
+// reached without following a link.
+FileHandle walk(int from, std::string_view parents, MissingFolders missing) {
+    FileHandle reached;
+    std::string_view component;
+    while (nextComponent(parents, component)) {
+        const int at = reached.valid() ? reached.get() : from;
+        const std::string name(component);
+        if (missing == MissingFolders::create) mkdirat(at, name.c_str(), kOwnerOnly);
+        // Packages without their attachments are usual, and asking costs half of what an open costs that fails.
+        struct stat status {};
+        if (fstatat(at, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return {};
+        FileHandle next = openFolder(at, name.c_str(), false);
+        if (!next.valid()) return {};
+        reached = std::move(next);
     }
-    bool missing() const { return error == ENOENT; }
-    // A name that is none, or a link or a file where a folder should be; anything else is a failure of the machine.
-    bool refused() const { return error == EINVAL || error == ELOOP || error == ENOTDIR; }
-    bool valid() const { return folder.valid(); }
-};
-
-enum class MissingFolders { stay, create };
-
-Place resolve(const std::string& folder, const std::string& name, MissingFolders missing) {
-    Place place;
-    if (!isConfinedName(name)) {
-        place.error = EINVAL;
-        return place;
-    }
-    std::vector<std::string> components = componentsOf(name);
-    place.name = components.back();
-    components.pop_back();
-    place.enter(openFolder(AT_FDCWD, folder.empty() ? "." : folder.c_str(), true));
-    for (const std::string& component : components) {
-        if (!place.valid()) break;
-        if (missing == MissingFolders::create) mkdirat(place.folder.get(), component.c_str(), kOwnerOnly);
-        place.enter(openFolder(place.folder.get(), component.c_str(), false));
-    }
-    return place;
+    return reached;
 }
 
 enum class Kind { none, regular, other };
 
 Kind kindOf(const Place& place) {
     struct stat status {};
-    if (!place.valid() || fstatat(place.folder.get(), place.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (!place.valid() || fstatat(place.folder, place.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
         return Kind::none;
     }
     return S_ISREG(status.st_mode) ? Kind::regular : Kind::other;
 }
 
 FileOutcome copyBetween(const Place& source, const Place& target, Flush flush) {
-    const FileHandle from = detail::openRegularFile(source.folder.get(), source.name.c_str(), false);
+    const FileHandle from = detail::openRegularFile(source.folder, source.name.c_str(), false);
     if (!from.valid()) return FileOutcome::failed;
-    detail::NewFile to(target.folder.get(), target.name);
+    detail::NewFile to(target.folder, target.name);
     const bool copied = to.valid() && detail::copyBytes(from.get(), to.get()) && to.commit(flush);
     return copied ? FileOutcome::done : FileOutcome::failed;
 }
 
 FileOutcome moveBetween(const Place& source, const Place& target) {
-    if (renameat(source.folder.get(), source.name.c_str(), target.folder.get(), target.name.c_str()) == 0) {
+    if (renameat(source.folder, source.name.c_str(), target.folder, target.name.c_str()) == 0) {
         return FileOutcome::done;
     }
     if (errno != EXDEV || copyBetween(source, target, Flush::now) != FileOutcome::done) return FileOutcome::failed;
-    return unlinkat(source.folder.get(), source.name.c_str(), 0) == 0 ? FileOutcome::done : FileOutcome::failed;
-}
-
-// transfer(source, target) with both names resolved.
-template <class Transfer>
-FileOutcome transferConfined(const std::string& fromFolder, const std::string& from, const std::string& toFolder,
-                             const std::string& to, Transfer transfer) {
-    if (!isConfinedName(from) || !isConfinedName(to)) return FileOutcome::refused;
-    const Place source = resolve(fromFolder, from, MissingFolders::stay);
-    if (source.missing()) return FileOutcome::missing;
-    if (!source.valid()) return source.refused() ? FileOutcome::refused : FileOutcome::failed;
-    const Kind kind = kindOf(source);
-    if (kind != Kind::regular) return kind == Kind::none ? FileOutcome::missing : FileOutcome::refused;
-    const Place target = resolve(toFolder, to, MissingFolders::stay);
-    if (!target.valid()) return target.refused() ? FileOutcome::refused : FileOutcome::failed;
-    return transfer(source, target);
+    return unlinkat(source.folder, source.name.c_str(), 0) == 0 ? FileOutcome::done : FileOutcome::failed;
 }
 
 }  // namespace
 
 bool isConfinedName(const std::string& name) {
     if (name.find('\0') != std::string::npos) return false;
-    const std::vector<std::string> components = componentsOf(name);
-    for (const std::string& component : components) {
+    std::string_view rest = name;
+    std::string_view component;
+    while (nextComponent(rest, component)) {
         if (component == ".." || component.size() > kLongestComponent) return false;
     }
-    return !components.empty();
+    return hasComponent(name);
 }
 
-bool confinedFileExists(const std::string& folder, const std::string& name) {
-    return kindOf(resolve(folder, name, MissingFolders::stay)) == Kind::regular;
+// --- One folder ---
+
+// Opens the folder itself; when that fails the reason is in errno.
+bool ConfinedFolder::open(MissingFolders missing) {
+    if (itself_.valid()) return true;
+    FileHandle start = openFolder(AT_FDCWD, path_.empty() ? "." : path_.c_str(), true);
+    itself_ = start.valid() && hasComponent(below_) ? walk(start.get(), below_, missing) : std::move(start);
+    return itself_.valid();
 }
 
-bool confinedFolderExists(const std::string& folder, const std::string& name) {
-    const Place place = resolve(folder, name, MissingFolders::stay);
-    return place.valid() && openFolder(place.folder.get(), place.name.c_str(), false).valid();
+// The directory at `parents`, or -1 with the reason in errno.
+int ConfinedFolder::enter(std::string_view parents, MissingFolders missing) {
+    if (!open(missing) || !hasComponent(parents)) return itself_.get();
+    while (parents.back() == '/')
+        parents.remove_suffix(1);
+    if (inner_.valid() && innerName_ == parents) return inner_.get();
+    FileHandle reached = walk(itself_.get(), parents, missing);
+    if (!reached.valid()) return -1;
+    inner_ = std::move(reached);
+    innerName_ = parents;
+    return inner_.get();
 }
 
-bool confinedNameTaken(const std::string& folder, const std::string& name) {
-    const Place place = resolve(folder, name, MissingFolders::stay);
+Place ConfinedFolder::find(const std::string& name) {
+    Place place;
+    if (!isConfinedName(name)) {
+        place.error = EINVAL;
+        return place;
+    }
+    const std::string_view last = lastComponentOf(name);
+    place.name = last;
+    const std::string_view parents(name.data(), static_cast<std::size_t>(last.data() - name.data()));
+    place.folder = enter(parents, MissingFolders::stay);
+    if (!place.valid()) place.error = errno;
+    return place;
+}
+
+bool ConfinedFolder::hasFile(const std::string& name) {
+    return kindOf(find(name)) == Kind::regular;
+}
+
+bool ConfinedFolder::hasFolder(const std::string& name) {
+    return isConfinedName(name) && enter(name, MissingFolders::stay) >= 0;
+}
+
+bool ConfinedFolder::isTaken(const std::string& name) {
+    const Place place = find(name);
     return place.valid() ? kindOf(place) != Kind::none : !place.missing();
 }
 
+bool ConfinedFolder::sees(const std::string& name) {
+    return kindOf(find(name)) != Kind::none;
+}
+
+bool ConfinedFolder::read(const std::string& name, std::string& bytes) try {
+    const Place place = find(name);
+    if (!place.valid()) return false;
+    const FileHandle file = detail::openRegularFile(place.folder, place.name.c_str(), false);
+    return file.valid() && detail::readAll(file.get(), bytes);
+} catch (const std::bad_alloc&) {
+    return false;  // larger than the memory
+}
+
+int ConfinedFolder::createFolder(const std::string& name) {
+    if (hasComponent(name) && !isConfinedName(name)) return -1;
+    if (enter(name, MissingFolders::create) >= 0) return 0;
+    const bool again = errno == ENOENT && createDir(path_.c_str()) == 0;
+    return again && enter(name, MissingFolders::create) >= 0 ? 0 : -1;
+}
+
+// transfer(source, target) with both names resolved.
+template <class Transfer>
+FileOutcome ConfinedFolder::transferTo(ConfinedFolder& to, const std::string& source, const std::string& target,
+                                       Transfer transfer) {
+    if (&to == this) {  // resolving the target would close the directory of the source
+        ConfinedFolder again(path_, below_);
+        return transferTo(again, source, target, transfer);
+    }
+    if (!isConfinedName(source) || !isConfinedName(target)) return FileOutcome::refused;
+    const Place from = find(source);
+    if (from.missing()) return FileOutcome::missing;
+    if (!from.valid()) return from.refused() ? FileOutcome::refused : FileOutcome::failed;
+    const Kind kind = kindOf(from);
+    if (kind != Kind::regular) return kind == Kind::none ? FileOutcome::missing : FileOutcome::refused;
+    const Place place = to.find(target);
+    if (!place.valid()) return place.refused() ? FileOutcome::refused : FileOutcome::failed;
+    return transfer(from, place);
+}
+
+FileOutcome ConfinedFolder::copyTo(ConfinedFolder& to, const std::string& source, const std::string& target,
+                                   Flush flush) {
+    return transferTo(to, source, target,
+                      [flush](const Place& from, const Place& place) { return copyBetween(from, place, flush); });
+}
+
+FileOutcome ConfinedFolder::moveTo(ConfinedFolder& to, const std::string& source, const std::string& target) {
+    return transferTo(to, source, target, moveBetween);
+}
+
+// --- Single names ---
+
+bool confinedFileExists(const std::string& folder, const std::string& name) {
+    return ConfinedFolder(folder).hasFile(name);
+}
+
+bool confinedFolderExists(const std::string& folder, const std::string& name) {
+    return ConfinedFolder(folder).hasFolder(name);
+}
+
+bool confinedNameTaken(const std::string& folder, const std::string& name) {
+    return ConfinedFolder(folder).isTaken(name);
+}
+
 bool confinedNameSeen(const std::string& folder, const std::string& name) {
-    return kindOf(resolve(folder, name, MissingFolders::stay)) != Kind::none;
+    return ConfinedFolder(folder).sees(name);
 }
 
 FileOutcome copyConfined(const std::string& fromFolder, const std::string& from, const std::string& toFolder,
                          const std::string& to, Flush flush) {
-    return transferConfined(fromFolder, from, toFolder, to, [flush](const Place& source, const Place& target) {
-        return copyBetween(source, target, flush);
-    });
+    ConfinedFolder target(toFolder);
+    return ConfinedFolder(fromFolder).copyTo(target, from, to, flush);
 }
 
 FileOutcome moveConfined(const std::string& fromFolder, const std::string& from, const std::string& toFolder,
                          const std::string& to) {
-    return transferConfined(fromFolder, from, toFolder, to, moveBetween);
+    ConfinedFolder target(toFolder);
+    return ConfinedFolder(fromFolder).moveTo(target, from, to);
 }
 
 int createConfinedDir(const std::string& folder, const std::string& name) {
-    if (componentsOf(name).empty()) return createDir(folder.c_str());
-    Place place = resolve(folder, name, MissingFolders::create);
-    if (place.missing() && createDir(folder.c_str()) == 0) place = resolve(folder, name, MissingFolders::create);
-    if (!place.valid()) return -1;
-    mkdirat(place.folder.get(), place.name.c_str(), kOwnerOnly);
-    return openFolder(place.folder.get(), place.name.c_str(), false).valid() ? 0 : -1;
-}
-
-bool readConfined(const std::string& folder, const std::string& name, std::string& bytes) try {
-    const Place place = resolve(folder, name, MissingFolders::stay);
-    if (!place.valid()) return false;
-    const FileHandle file = detail::openRegularFile(place.folder.get(), place.name.c_str(), false);
-    return file.valid() && detail::readAll(file.get(), bytes);
-} catch (const std::bad_alloc&) {
-    return false;  // larger than the memory
+    return ConfinedFolder(folder).createFolder(name);
 }
 
 }  // namespace tools

@@ -6,30 +6,23 @@
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <utility>
 
+#include "host/file_handle.h"
 #include "host/flush.h"
 
 namespace tools {
+
+namespace detail {
+struct ConfinedPlace;
+enum class MissingFolders { stay, create };
+}  // namespace detail
 
 /// True when `name`, appended to a folder, cannot name anything outside it: it is not empty, has no ".." component, no
 /// NUL, and no component longer than 255 bytes. A leading "/" or a text such as "http://host/a" is fine: names are
 /// appended, not resolved, and empty components count for nothing.
 bool isConfinedName(const std::string& name);
-
-/// True when `folder` + `name` is a regular file that can be reached without following a symbolic link beneath
-/// `folder`.
-bool confinedFileExists(const std::string& folder, const std::string& name);
-
-/// True when `folder` + `name` is a directory that can be reached without following a symbolic link beneath `folder`.
-bool confinedFolderExists(const std::string& folder, const std::string& name);
-
-/// True when anything at all stands at `folder` + `name`, a symbolic link included, or when the name is not confined:
-/// in both cases nothing may be put there.
-bool confinedNameTaken(const std::string& folder, const std::string& name);
-
-/// True when something is seen to stand at `folder` + `name`. Where nobody can look (a link on the way, an input/output
-/// error) it is false, and a copy there says why it fails.
-bool confinedNameSeen(const std::string& folder, const std::string& name);
 
 /// What became of a confined copy or move.
 enum class FileOutcome {
@@ -39,20 +32,70 @@ enum class FileOutcome {
     failed,   ///< the source could not be read, or the target not be written
 };
 
-/// Copies the regular file `fromFolder` + `from` to `toFolder` + `to`, replacing an existing file, by the rules of
-/// copyFile(). Folders of `to` that are missing are not created.
+/// A folder and the names beneath it. The folder and the one of its subfolders that was used last stay open as long as
+/// the object lives, so that thousands of attachments do not walk the same way again: an object belongs to one loop.
+class ConfinedFolder {
+public:
+    /// The folder is `below`, beneath `path`: `path` may be reached through links, `below` may not. Names are appended
+    /// as they are, without a separator.
+    explicit ConfinedFolder(std::string path, std::string below = "")
+        : path_(std::move(path)), below_(std::move(below)) {}
+
+    const std::string& path() const { return path_; }
+
+    /// True when `name` is a regular file that can be reached without following a symbolic link beneath the folder.
+    bool hasFile(const std::string& name);
+
+    /// True when `name` is a directory that can be reached without following a symbolic link beneath the folder.
+    bool hasFolder(const std::string& name);
+
+    /// True when anything at all stands at `name`, a symbolic link included, or when the name is not confined: in both
+    /// cases nothing may be put there.
+    bool isTaken(const std::string& name);
+
+    /// True when something is seen to stand at `name`. Where nobody can look (a link on the way, an input/output error)
+    /// it is false, and a copy there says why it fails.
+    bool sees(const std::string& name);
+
+    /// Reads all of the regular file `name`; false when it is missing, no regular file, or cannot be read.
+    bool read(const std::string& name, std::string& bytes);
+
+    /// Creates the folder `name` with its missing parents, the folder itself included; 0 when it is there afterwards,
+    /// -1 when the name is not confined, crosses a symbolic link or cannot be created.
+    int createFolder(const std::string& name);
+
+    /// Copies the regular file `source` to `target` in the folder `to`, replacing an existing file, by the rules of
+    /// copyFile(). Folders of `target` that are missing are not created.
+    FileOutcome copyTo(ConfinedFolder& to, const std::string& source, const std::string& target,
+                       Flush flush = Flush::now);
+
+    /// Moves it instead, by the rules of moveFile().
+    FileOutcome moveTo(ConfinedFolder& to, const std::string& source, const std::string& target);
+
+private:
+    detail::ConfinedPlace find(const std::string& name);
+    bool open(detail::MissingFolders missing);
+    int enter(std::string_view parents, detail::MissingFolders missing);
+    template <class Transfer>
+    FileOutcome transferTo(ConfinedFolder& to, const std::string& source, const std::string& target, Transfer transfer);
+
+    std::string path_;
+    std::string below_;
+    detail::FileHandle itself_;
+    detail::FileHandle inner_;  // the subfolder used last
+    std::string innerName_;
+};
+
+// --- The same for a single name beneath `folder` ---
+
+bool confinedFileExists(const std::string& folder, const std::string& name);
+bool confinedFolderExists(const std::string& folder, const std::string& name);
+bool confinedNameTaken(const std::string& folder, const std::string& name);
+bool confinedNameSeen(const std::string& folder, const std::string& name);
 FileOutcome copyConfined(const std::string& fromFolder, const std::string& from, const std::string& toFolder,
                          const std::string& to, Flush flush = Flush::now);
-
-/// Moves it instead, by the rules of moveFile().
 FileOutcome moveConfined(const std::string& fromFolder, const std::string& from, const std::string& toFolder,
                          const std::string& to);
-
-/// Creates the folder `folder` + `name` with its missing parents, `folder` itself included; 0 when it is there
-/// afterwards, -1 when the name is not confined, crosses a symbolic link or cannot be created.
 int createConfinedDir(const std::string& folder, const std::string& name);
-
-/// Reads all of the regular file `name`; false when it is missing, no regular file, or cannot be read.
-bool readConfined(const std::string& folder, const std::string& name, std::string& bytes);
 
 }  // namespace tools

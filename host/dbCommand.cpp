@@ -19,9 +19,12 @@ void dbCommand::setCommandText(const char* sql) {
 }
 
 bool dbCommand::prepare() {
-    if (db_ == nullptr || !db_->connection_) return false;
-    if (statement_ && statement_->belongsTo(db_->connection_)) return true;
-    if (prepareFailed_) return false;
+    const bool prepared = statement_ && statement_->belongsTo(db_->connection_);
+    return prepared || prepareAnew();
+}
+
+bool dbCommand::prepareAnew() {
+    if (db_ == nullptr || !db_->connection_ || prepareFailed_) return false;
     detail::StatementHandle handle = db_->connection_->prepare(sql_);
     prepareFailed_ = !handle;
     if (prepareFailed_) return false;

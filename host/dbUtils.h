@@ -159,6 +159,7 @@ public:
 private:
     friend class dbUtils;
     bool prepare();
+    bool prepareAnew();
     template <class Bind>
     void bindWith(Bind bind);
 

@@ -60,7 +60,7 @@ void unlink(BlockHeader* header) {
 }  // namespace
 
 double chatTransferJsonToDouble(const char* text, char** end) {
-    const tools::detail::JsonLiteral literal = tools::detail::readJsonLiteral(text);
+    const tools::detail::JsonLiteral literal = tools::detail::readJsonLiteral(text, text);
     pendingLiteral = {literal.exact, literal.hasExact};
     *end = const_cast<char*>(literal.end);  // NOLINT(cppcoreguidelines-pro-type-const-cast): strtod's own signature
     return literal.value;

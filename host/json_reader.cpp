@@ -1,5 +1,6 @@
 #include "host/json_reader.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdint>
@@ -7,26 +8,19 @@
 
 #include "host/byte_lanes.h"
 #include "host/json_literal.h"
-#include "host/numeric.h"
 
 namespace tools {
 namespace {
 
-constexpr int kDeepest = 2048;  // the library's limit
 constexpr std::size_t kFewNames = 32;
 
-bool isBlank(char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-// True when none of the eight bytes ends a string, begins an escape or is a control character.
-bool allOrdinary(const char* eight) {
-    std::uint64_t bytes = 0;
-    std::memcpy(&bytes, eight, sizeof(bytes));
-    return (anyControl(bytes) | anyZero(bytes ^ eachByte('"')) | anyZero(bytes ^ eachByte('\\'))) == 0;
+// Flags those of eight bytes that end a string, begin an escape or are control characters.
+std::uint64_t notOrdinary(std::uint64_t bytes) {
+    return anyControl(bytes) | anyZero(bytes ^ eachByte('"')) | anyZero(bytes ^ eachByte('\\'));
 }
 
 // The spellings of numbers that strtod takes and the library then refuses. A "-" before something else is none of them:
@@ -81,22 +75,6 @@ JsonReader::JsonReader(std::string& text) : at_(text.data()), end_(text.data() +
     if (std::strncmp(at_, "\xEF\xBB\xBF", 3) == 0) at_ += 3;
 }
 
-void JsonReader::skipBlanks() {
-    while (isBlank(*at_))
-        ++at_;
-}
-
-char JsonReader::next() {
-    if (!ok_) return '\0';
-    skipBlanks();
-    return *at_;
-}
-
-bool JsonReader::atNumber() {
-    const char c = next();
-    return c == '-' || isDigit(c);
-}
-
 void JsonReader::enter() {
     if (!ok_) return;
     ++at_;
@@ -104,72 +82,74 @@ void JsonReader::enter() {
     first_ = true;
 }
 
-// True when another member or element follows; false at the closing bracket, which is passed, and for errors.
-bool JsonReader::nextItem(char closing) {
-    const char c = next();
-    if (!ok_) return false;
-    if (c == closing) {
-        ++at_;
-        --depth_;
-        first_ = false;
-        return false;
-    }
-    if (!first_ && c == ',') {
-        ++at_;
-        skipBlanks();
-    } else if (!first_) {
+std::string_view JsonReader::readName() {
+    bool escaped = false;
+    const std::string_view name = readQuoted(escaped);
+    const bool hasNul = escaped && name.find('\0') != std::string_view::npos;
+    if (next() != ':' || hasNul) {
         reject();
-    }
-    first_ = false;
-    // A comma in front of the bracket, and a value below the deepest level.
-    if (*at_ == closing || depth_ > kDeepest) reject();
-    return ok_;
-}
-
-bool JsonReader::nextElement() {
-    return nextItem(']');
-}
-
-bool JsonReader::nextMember(std::string_view& name) {
-    if (!nextItem('}')) return false;
-    name = readString();
-    if (next() != ':' || name.find('\0') != std::string_view::npos) {
-        reject();
-        return false;
+        return {};
     }
     ++at_;
-    return true;
+    return name;
 }
 
 std::string_view JsonReader::readString() {
+    bool escaped = false;
+    return readQuoted(escaped);
+}
+
+std::string_view JsonReader::readText() {
+    bool escaped = false;
+    const std::string_view text = readQuoted(escaped);
+    // A NUL has to be spelled as an escape.
+    return escaped ? text.substr(0, text.find('\0')) : text;
+}
+
+std::string_view JsonReader::readQuoted(bool& escaped) {
     if (!atString()) {
         reject();
         return {};
     }
     char* begin = ++at_;
-    while (end_ - at_ >= 8 && allOrdinary(at_))
-        at_ += 8;
-    while (static_cast<unsigned char>(*at_) >= 0x20 && *at_ != '"' && *at_ != '\\')
-        ++at_;
+    passOrdinary();
     std::string_view text(begin, static_cast<std::size_t>(at_ - begin));
     if (*at_ == '"') {
         ++at_;
         return text;
     }
-    if (*at_ != '\\' || !decodeString(begin, text)) reject();
-    return ok_ ? text : std::string_view();
+    escaped = true;
+    if (*at_ == '\\' && decodeString(begin, text)) return text;
+    reject();
+    return {};
+}
+
+// Passes what stands for itself in a string.
+void JsonReader::passOrdinary() {
+    while (end_ - at_ >= 8) {
+        const std::uint64_t flags = notOrdinary(lanesAt(at_));
+        if (flags != 0) {
+            at_ += firstFlagged(flags);
+            return;
+        }
+        at_ += 8;
+    }
+    while (static_cast<unsigned char>(*at_) >= 0x20 && *at_ != '"' && *at_ != '\\')
+        ++at_;
 }
 
 // Goes on from the first escape of a string, moving its decoded text together.
 bool JsonReader::decodeString(char* begin, std::string_view& text) {
     char* out = at_;
     while (*at_ != '"') {
-        if (static_cast<unsigned char>(*at_) < 0x20) return false;
-        if (*at_ != '\\') {
-            *out++ = *at_++;
-        } else if (!decodeEscape(out)) {
-            return false;
+        if (*at_ == '\\') {
+            if (!decodeEscape(out)) return false;
+            continue;
         }
+        char* const run = at_;
+        passOrdinary();
+        if (at_ == run) return false;  // a control character
+        out = std::copy(run, at_, out);
     }
     ++at_;
     text = std::string_view(begin, static_cast<std::size_t>(out - begin));
@@ -228,8 +208,7 @@ JsonNumber JsonReader::readNumber() {
         reject();
         return {};
     }
-    errno = 0;
-    const detail::JsonLiteral literal = detail::readJsonLiteral(at_);
+    const detail::JsonLiteral literal = detail::readJsonLiteral(at_, end_);
     const bool refused =
         !literal.plainInteger && (errno != 0 || isRefusedSpelling(at_, literal.end) || !std::isfinite(literal.value));
     if (refused) {
@@ -237,7 +216,7 @@ JsonNumber JsonReader::readNumber() {
         return {};
     }
     at_ += literal.end - at_;
-    return {literal.value, literal.hasExact ? literal.exact : truncateTo<long long>(literal.value)};
+    return {literal.value, literal.exact};
 }
 
 // One list of open objects and arrays instead of recursion: a text of a stranger must not choose how much stack is

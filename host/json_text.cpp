@@ -1,10 +1,8 @@
 #include "host/json_text.h"
 
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 
 #include "host/byte_lanes.h"
 #include "host/utf8.h"
@@ -37,7 +35,7 @@ char escapeOf(char c, bool escapeSlashes) {
     }
 }
 
-void appendEscaped(std::string& out, char c, char escape) {
+void appendEscaped(TextBuffer& out, char c, char escape) {
     out += '\\';
     out += escape;
     if (escape != 'u') return;
@@ -48,20 +46,21 @@ void appendEscaped(std::string& out, char c, char escape) {
     out += kHex[code & 0xFU];
 }
 
-// True when all eight bytes are ASCII characters that stand for themselves; false also for some that do.
-bool allPlain(const char* eight) {
-    std::uint64_t bytes = 0;
-    std::memcpy(&bytes, eight, sizeof(bytes));
+// Flags those of eight bytes that do not stand for themselves, and all that are not ASCII.
+std::uint64_t notPlain(std::uint64_t bytes) {
     const std::uint64_t special =
         anyZero(bytes ^ eachByte('"')) | anyZero(bytes ^ eachByte('\\')) | anyZero(bytes ^ eachByte('/'));
     const std::uint64_t controlOrHigh = ((bytes - eachByte(0x20)) | bytes) & eachByte(0x80);
-    return (special | controlOrHigh) == 0;
+    return special | controlOrHigh;
 }
 
-// Where the run of characters ends, from `position` on, that can be skipped eight at a time. Most text is such runs.
+// Where the run of characters that need no look at them ends, from `position` on, or less than eight bytes before the
+// end of the text. Most text is such runs.
 std::size_t skipPlain(std::string_view text, std::size_t position) {
-    while (text.size() - position >= 8 && allPlain(text.data() + position))
-        position += 8;
+    for (; text.size() - position >= 8; position += 8) {
+        const std::uint64_t flags = notPlain(lanesAt(text.data() + position));
+        if (flags != 0) return position + firstFlagged(flags);
+    }
     return position;
 }
 
@@ -84,13 +83,13 @@ Step stepAt(std::string_view text, std::size_t position, bool escapeSlashes) {
 }
 
 template <Utf8 utf8>
-void appendQuoted(std::string& out, std::string_view text, bool escapeSlashes) {
+void appendQuoted(TextBuffer& out, std::string_view text, bool escapeSlashes) {
     out += '"';
     std::size_t kept = 0;  // where the run of bytes begins that are copied as they are
     for (std::size_t i = skipPlain(text, 0); i < text.size(); i = skipPlain(text, i)) {
         const Step step = stepAt<utf8>(text, i, escapeSlashes);
         if (step.escape != '\0' || step.illFormed) {
-            out.append(text, kept, i - kept);
+            out += text.substr(kept, i - kept);
             if (step.illFormed) {
                 out += kReplacement;
             } else {
@@ -100,39 +99,39 @@ void appendQuoted(std::string& out, std::string_view text, bool escapeSlashes) {
         }
         i += step.length;
     }
-    out.append(text, kept, text.size() - kept);
+    out += text.substr(kept);
     out += '"';
 }
 
 }  // namespace
 
-void appendJsonString(std::string& out, std::string_view text, bool escapeSlashes) {
+void appendJsonString(TextBuffer& out, std::string_view text, bool escapeSlashes) {
     appendQuoted<Utf8::asIs>(out, text, escapeSlashes);
 }
 
-void appendJsonText(std::string& out, std::string_view text) {
+void appendJsonText(TextBuffer& out, std::string_view text) {
     appendQuoted<Utf8::repaired>(out, text, true);
 }
 
-void appendJsonNumber(std::string& out, double number) {
-    // The largest double has 309 digits before the point.
-    std::array<char, 320> digits;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by to_chars
+void appendJsonNumber(TextBuffer& out, double number) {
+    constexpr std::size_t kLongest = 320;  // the largest double has 309 digits before the point
+    char* const begin = out.reserve(kLongest);
     const bool integral = std::trunc(number) == number;
     const std::to_chars_result result =
-        integral ? std::to_chars(digits.data(), digits.data() + digits.size(), number, std::chars_format::fixed, 0)
-                 : std::to_chars(digits.data(), digits.data() + digits.size(), number, std::chars_format::general, 17);
-    out.append(digits.data(), result.ptr);
+        integral ? std::to_chars(begin, begin + kLongest, number, std::chars_format::fixed, 0)
+                 : std::to_chars(begin, begin + kLongest, number, std::chars_format::general, 17);
+    out.extendTo(result.ptr);
 }
 
-void appendJsonNumber(std::string& out, long long number) {
+void appendJsonNumber(TextBuffer& out, long long number) {
     constexpr long long kExactInDouble = 1LL << 53;
     if (number > kExactInDouble || number < -kExactInDouble) {
         appendJsonNumber(out, static_cast<double>(number));
         return;
     }
-    std::array<char, 20> digits;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by to_chars
-    const std::to_chars_result result = std::to_chars(digits.data(), digits.data() + digits.size(), number);
-    out.append(digits.data(), result.ptr);
+    constexpr std::size_t kLongest = 20;
+    char* const begin = out.reserve(kLongest);
+    out.extendTo(std::to_chars(begin, begin + kLongest, number).ptr);
 }
 
 }  // namespace tools

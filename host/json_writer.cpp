@@ -43,7 +43,7 @@ public:
         }
     }
 
-    std::string takeText() { return std::move(out_); }
+    std::string text() const { return std::string(out_.text()); }
 
 private:
     bool writeArray(const JSON_Array* array, int level) {
@@ -86,10 +86,10 @@ private:
 
     void newLine(int level) {
         out_ += '\n';
-        out_.append(static_cast<size_t>(level) * 4, ' ');
+        out_ += std::string(static_cast<size_t>(level) * 4, ' ');
     }
 
-    std::string out_;
+    tools::TextBuffer out_;
     bool pretty_;
     bool slashes_;
 };
@@ -98,7 +98,7 @@ private:
 bool textOf(const JSON_Value* value, bool pretty, std::string& text) try {
     TreeWriter writer(pretty);
     if (!writer.write(value)) return false;
-    text = writer.takeText();
+    text = writer.text();
     return true;
 } catch (const std::bad_alloc&) {
     return false;

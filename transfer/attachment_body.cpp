@@ -15,8 +15,7 @@ bool readText(tools::JsonReader& reader, std::string& field) {
         reader.skip();
         return false;
     }
-    const std::string_view text = reader.readString();
-    field.assign(text.substr(0, text.find('\0')));
+    field.assign(reader.readText());
     return true;
 }
 

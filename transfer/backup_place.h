@@ -6,19 +6,14 @@
 
 #include <string>
 
+#include "host/confined_files.h"
 #include "transfer/dbTrans.h"
 
 namespace transfer {
 
-/// A name beneath a folder, as host/confined_files.h takes them.
-struct BackupPlace {
-    std::string folder;  ///< may be, and may lie behind, a link of the user
-    std::string name;
-};
-
-/// The attachment `name` of the package or tree at work: beneath backupPath when its attachments are there, else
-/// beneath their own folder.
-BackupPlace attachmentPlace(const dbTrans& transfer, const std::string& name);
+/// The attachments of the package or tree at work: a folder beneath backupPath when they are there, which may itself
+/// be, and may lie behind, a link of the user.
+tools::ConfinedFolder attachmentFolder(const dbTrans& transfer);
 
 /// Reads all of the package's file `path`. False when it is missing, no regular file or behind a link, or cannot be
 /// read.

@@ -37,6 +37,7 @@ public:
     /// of an overflow entry does not fit its buffer.
     MessagesOfDay* withRoom(const imsdk::st_dbMessageBean& message) {
         Day& day = dayOf(message);
+        if (day.open->size() == kFewMessages) day.open->reserve(kMessagesPerEntry);
         if (day.open->size() < kMessagesPerEntry) return day.open;
         MessagesOfDay* next = nextOverflow(days_, day.key, day.overflow);
         if (next != nullptr) day.open = next;
@@ -54,6 +55,10 @@ public:
     }
 
 private:
+    // An entry that has so many gets the room of a full one: growing further step by step would move its records again,
+    // and the blocks left behind would stay in the heap as holes.
+    static constexpr std::size_t kFewMessages = 32;
+
     using Date = std::array<int, 3>;
 
     struct Day {
@@ -64,17 +69,23 @@ private:
     };
 
     Day& dayOf(const imsdk::st_dbMessageBean& message) {
-        Day& day = known_[{message.year_, message.mon, message.day_}];
-        if (day.first == nullptr) {
-            day.key = dayKeyOf(message, separator_);
-            day.first = day.open = &days_[day.key];
+        const Date date = {message.year_, message.mon, message.day_};
+        if (last_ != nullptr && lastDate_ == date) return *last_;
+        last_ = &known_[date];
+        lastDate_ = date;
+        if (last_->first == nullptr) {
+            last_->key = dayKeyOf(message, separator_);
+            last_->first = last_->open = &days_[last_->key];
         }
-        return day;
+        return *last_;
     }
 
     DayMessages& days_;
     char separator_;
     std::map<Date, Day> known_;
+    // The messages of a table mostly come in the order of their days.
+    Day* last_ = nullptr;
+    Date lastDate_{};
 };
 
 }  // namespace transfer

@@ -9,7 +9,7 @@
 #include "host/tools.h"
 #include "transfer/attachment_body.h"
 #include "transfer/attachment_count.h"
-#include "transfer/backup_place.h"
+#include "transfer/attachment_folders.h"
 #include "transfer/day_entries.h"
 #include "transfer/dbTrans.h"
 #include "transfer/json_fields.h"
@@ -42,7 +42,7 @@ SelectStatement selectStatement(const std::string& table, const FirstDay& since)
         table.c_str(), since.year, since.year, since.mon, since.year, since.mon, since.day);
 }
 
-// Calls take(message) for each row. False when they could not all be read.
+// Calls take(message) for each row; the message may be moved from. False when they could not all be read.
 template <class Take>
 bool selectMessages(imsdk::dbUtils& db, const SelectStatement& statement, Take take) {
     imsdk::dbDataReader reader = db.excuteQuery(statement.text());
@@ -112,17 +112,15 @@ JsonDocument makeMessage(const st_dbMessageBean& record) {
 // --- Attachments ---
 
 // `path` is relative to the package; the file itself lies flat in the account's folder for its kind.
-tools::FileOutcome exportAttachment(const dbTrans& transfer, const char* kindFolder, const std::string& path) {
+tools::FileOutcome exportAttachment(tools::ConfinedFolder& account, tools::ConfinedFolder& package,
+                                    const std::string& path) {
     std::string name;
     tools::getNameFromPath(path, name);
     if (!tools::isConfinedName(path) || !tools::isConfinedName(name)) return tools::FileOutcome::refused;
-    const std::string sourceFolder = transfer.rootPath + kindFolder;
-    if (!tools::confinedFileExists(sourceFolder, name)) return tools::FileOutcome::missing;
+    if (!account.hasFile(name)) return tools::FileOutcome::missing;
     // For a path without "/" this makes a folder of the attachment's own name, onto which the copy then fails.
-    const transfer::BackupPlace folder = transfer::attachmentPlace(transfer, transfer::folderOf(path));
-    tools::createConfinedDir(folder.folder, folder.name);
-    const transfer::BackupPlace to = transfer::attachmentPlace(transfer, path);
-    return tools::copyConfined(sourceFolder, name, to.folder, to.name, tools::Flush::later);
+    package.createFolder(transfer::folderOf(path));
+    return account.copyTo(package, name, path, tools::Flush::later);
 }
 
 }  // namespace
@@ -135,9 +133,9 @@ unsigned int dbTrans::rdMsgFromDB(int year, int mon, int day) {
     getTables();
     if (tableNames.empty()) return transfer::kNoTables;
     transfer::DayEntries days(dayMsgMap, ':');
-    selectFromAllTables(*this, {year, mon, day}, [&](const st_dbMessageBean& message) {
+    selectFromAllTables(*this, {year, mon, day}, [&](st_dbMessageBean& message) {
         if (transfer::MessagesOfDay* entry = days.withRoom(message)) {
-            entry->push_back(message);
+            entry->push_back(std::move(message));
         } else {
             noteUnplaced(report, transfer::dayKeyOf(message, ':'));
         }
@@ -152,7 +150,7 @@ unsigned int dbTrans::rdMsgFromDB2(int year, int mon, int day) {
     if (tableNames.empty()) return transfer::kNoTables;
     transfer::DayEntries days(dayMsgMap, '_');
     selectFromAllTables(*this, {year, mon, day},
-                        [&](const st_dbMessageBean& message) { days.of(message).push_back(message); });
+                        [&](st_dbMessageBean& message) { days.of(message).push_back(std::move(message)); });
     return transfer::kSuccess;
 }
 
@@ -273,18 +271,18 @@ std::string dbTrans::getSavePath(const char* path, std::string& dirPart) {
 int dbTrans::exportFile() {
     struct Pass {
         const std::vector<std::string>& paths;
-        const char* folder;
+        tools::ConfinedFolder& folder;
     };
-    const std::array<Pass, 3> passes = {{{audioPaths, transfer::kAudioFolder},
-                                         {filePaths, transfer::kFileFolder},
-                                         {imagePaths, transfer::kImageFolder}}};
+    transfer::AttachmentFolders folders(*this);
+    const std::array<Pass, 3> passes = {
+        {{audioPaths, folders.audio}, {filePaths, folders.file}, {imagePaths, folders.image}}};
     const std::size_t attachments = audioPaths.size() + filePaths.size() + imagePaths.size();
     attachmentTotal = static_cast<long long>(attachments);
     transfer::ProgressThrottle throttle;
     long long position = 0;
     for (const Pass& pass : passes) {
         for (const std::string& path : pass.paths) {
-            transfer::countAttachment(report, path, exportAttachment(*this, pass.folder, path));
+            transfer::countAttachment(report, path, exportAttachment(pass.folder, folders.package, path));
             if (throttle.due(false)) transfer::notifyShare(*this, 2, position, attachmentTotal);
             ++position;
         }

@@ -1,5 +1,6 @@
 #include "transfer/message_text.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -18,8 +19,7 @@ using tools::JsonReader;
 // Texts end at their first NUL, as they do for the JSON library.
 void readValue(JsonReader& reader, std::string& field) {
     if (!reader.atString()) return reader.skip();
-    const std::string_view text = reader.readString();
-    field.assign(text.substr(0, text.find('\0')));
+    field.assign(reader.readText());
 }
 
 void readValue(JsonReader& reader, long long& field) {
@@ -77,18 +77,26 @@ MessageKeys messageKeys() {
     return keys;
 }
 
+// Calls visit(readValue) for each key in file order; readValue() reads the value that stands next into the key's field.
+template <class Visit>
+void forEachValue(JsonReader& reader, ReadKeys wanted, st_dbMessageBean& message, Visit visit) {
+    forEachMessageKey(message, [&](const char* key, KeyUse use, auto& field) {
+        visit(key, [&] {
+            if (use == KeyUse::always || wanted == ReadKeys::all) {
+                readValue(reader, field);
+            } else {
+                reader.skip();
+            }
+        });
+    });
+    forEachMessageList(message,
+                       [&](const char* key, std::string& joined) { visit(key, [&] { readList(reader, joined); }); });
+}
+
 void readMember(JsonReader& reader, std::size_t index, ReadKeys wanted, st_dbMessageBean& message) {
     std::size_t current = 0;
-    forEachMessageKey(message, [&](const char* /*key*/, KeyUse use, auto& field) {
-        if (current++ != index) return;
-        if (use == KeyUse::always || wanted == ReadKeys::all) {
-            readValue(reader, field);
-        } else {
-            reader.skip();
-        }
-    });
-    forEachMessageList(message, [&](const char* /*key*/, std::string& joined) {
-        if (current++ == index) readList(reader, joined);
+    forEachValue(reader, wanted, message, [&](const char* /*key*/, auto readIt) {
+        if (current++ == index) readIt();
     });
 }
 
@@ -98,7 +106,21 @@ void readMessage(JsonReader& reader, ReadKeys wanted, st_dbMessageBean& message)
     static const MessageKeys keys = messageKeys();
     message.status = kImportedStatus;
     message.extraValue2 = -1;
-    tools::readJsonObject(reader, keys, [&](std::size_t index) { readMember(reader, index, wanted, message); });
+    reader.enter();
+    bool more = reader.nextMember();
+    // As the writer leaves them, members stand in the order of the keys: one pass over the keys reads them all, and no
+    // name is looked up. What stands otherwise is left to the general loop.
+    std::array<bool, kScalarKeys + kListKeys> seen{};
+    std::size_t index = 0;
+    forEachValue(reader, wanted, message, [&](const char* key, auto readIt) {
+        const std::size_t current = index++;
+        if (!more || !reader.passName(key)) return;
+        seen[current] = true;
+        readIt();
+        more = reader.nextMember();
+    });
+    tools::readJsonMembers(reader, more, keys, seen,
+                           [&](std::size_t member) { readMember(reader, member, wanted, message); });
 }
 
 CalendarDay readDate(JsonReader& reader) {
@@ -114,8 +136,14 @@ CalendarDay readDate(JsonReader& reader) {
 }
 
 void readMessages(JsonReader& reader, ReadKeys wanted, std::vector<st_dbMessageBean>& messages) {
+    // Growing step by step moves each record once more. The room that a day does not need is given back: a file may
+    // have a hundred thousand days.
+    constexpr std::size_t kShortMessage = 300;
+    constexpr std::size_t kUsualDay = 250;
     if (!reader.atArray()) return reader.skip();
+    messages.reserve(std::min(kUsualDay, reader.bytesLeft() / kShortMessage));
     readObjects(reader, [&] { readMessage(reader, wanted, messages.emplace_back()); });
+    if (messages.size() < messages.capacity() / 2) messages.shrink_to_fit();
 }
 
 MessageDay readDay(JsonReader& reader, ReadKeys wanted) {

@@ -8,6 +8,7 @@
 #include "host/tools.h"
 #include "transfer/attachment_body.h"
 #include "transfer/attachment_count.h"
+#include "transfer/attachment_folders.h"
 #include "transfer/backup_place.h"
 #include "transfer/bind_field.h"
 #include "transfer/conversation_writer.h"
@@ -27,6 +28,45 @@ using tools::JsonDocument;
 
 namespace {
 
+// --- Attachments ---
+
+void restore(TransferReport& report, tools::ConfinedFolder& package, const std::string& packagePath,
+             tools::ConfinedFolder& account, const std::string& name) {
+    transfer::countAttachment(report, packagePath, package.copyTo(account, packagePath, name));
+}
+
+void restoreIfAbsent(TransferReport& report, tools::ConfinedFolder& package, const std::string& packagePath,
+                     tools::ConfinedFolder& account, const std::string& name) {
+    if (account.sees(name)) {
+        ++report.attachmentsPresent;
+    } else {
+        restore(report, package, packagePath, account, name);
+    }
+}
+
+void restoreImage(TransferReport& report, transfer::AttachmentFolders& folders, const std::string& packagePath) {
+    std::string name;
+    tools::getNameFromPath(packagePath, name);
+    restoreIfAbsent(report, folders.package, packagePath, folders.image, name);
+}
+
+int restoreAttachments(TransferReport& report, transfer::AttachmentFolders& folders, const std::string& body,
+                       int msgType) {
+    const transfer::AttachmentBody attachments = transfer::readAttachmentBody(body, msgType);
+    if (!attachments.recognised) return 0;
+    if (!attachments.complete) return 1;
+    if (msgType == transfer::kFileMessage) {
+        restoreIfAbsent(report, folders.package, attachments.packagePath(), folders.file, attachments.fileName);
+    } else if (msgType == transfer::kVoiceMessage) {
+        // Voice files are copied again each time, unlike the others.
+        restore(report, folders.package, attachments.packagePath(), folders.audio, attachments.fileName);
+    } else {
+        restoreImage(report, folders, attachments.mediaUrl);
+        restoreImage(report, folders, attachments.thumbUrl);
+    }
+    return 1;
+}
+
 // --- Reading ---
 
 int countMessageFiles(const std::string& folder) {
@@ -36,17 +76,36 @@ int countMessageFiles(const std::string& folder) {
     return number;
 }
 
-// Takes over the messages of one day, attachments restored on the way.
-void takeDay(dbTrans& transfer, transfer::MessageDay& day) {
-    for (st_dbMessageBean& message : day.messages) {
-        if (transfer::carriesAttachments(message.msgType)) transfer.importFile(message.body, message.msgType);
-        // The lists of the day object count, for all its messages; those that stand in the messages do not.
-        message.limitRange = day.limitRange;
-        message.relatedUsers = day.relatedUsers;
-        transfer.msgMap[message.targetID].push_back(std::move(message));
+// Takes over what message files hold, attachments restored on the way.
+class MessageTaker {
+public:
+    explicit MessageTaker(dbTrans& transfer) : transfer_(transfer), folders_(transfer) {}
+
+    void take(transfer::MessageDay& day) {
+        for (st_dbMessageBean& message : day.messages) {
+            if (transfer::carriesAttachments(message.msgType))
+                restoreAttachments(transfer_.report, folders_, message.body, message.msgType);
+            // The lists of the day object count, for all its messages; those that stand in the messages do not.
+            message.limitRange = day.limitRange;
+            message.relatedUsers = day.relatedUsers;
+            messagesOf(message.targetID).push_back(std::move(message));
+        }
+        transfer_.report.messagesRead += static_cast<long long>(day.messages.size());
     }
-    transfer.report.messagesRead += static_cast<long long>(day.messages.size());
-}
+
+private:
+    // Within a day, the messages of a conversation mostly stand together.
+    std::vector<st_dbMessageBean>& messagesOf(long long targetID) {
+        if (last_ == nullptr || targetID != lastID_) last_ = &transfer_.msgMap[targetID];
+        lastID_ = targetID;
+        return *last_;
+    }
+
+    dbTrans& transfer_;
+    transfer::AttachmentFolders folders_;
+    long long lastID_ = 0;
+    std::vector<st_dbMessageBean>* last_ = nullptr;
+};
 
 // Whether the user's folder of that kind is there, and is one: a package whose folder is a symbolic link would make the
 // import read files from wherever the link leads.
@@ -62,8 +121,8 @@ FileResult skipFile(dbTrans& transfer, const std::string& path, const char* reas
     return FileResult::skipped;
 }
 
-FileResult readMessageFile(dbTrans& transfer, const std::string& path) {
-    std::string text;
+// `text` is the buffer of all files.
+FileResult readMessageFile(dbTrans& transfer, const std::string& path, std::string& text, MessageTaker& messages) {
     if (!transfer::readBackupFile(transfer, path, text))
         return skipFile(transfer, path, "the message file cannot be read");
     transfer::MessageFileContent file = transfer::readMessageFileText(text);
@@ -74,7 +133,7 @@ FileResult readMessageFile(dbTrans& transfer, const std::string& path) {
     }
     if (!file.hasDays) return skipFile(transfer, path, "the message file has no list of days");
     for (transfer::MessageDay& day : file.days)
-        takeDay(transfer, day);
+        messages.take(day);
     return FileResult::read;
 }
 
@@ -86,30 +145,6 @@ st_dbReContactBean readContact(const JSON_Object* object) {
         contact, [object](int /*column*/, const char* name, auto& field) { transfer::getField(object, name, field); });
     if (contact.top == kPinnedInPackage) contact.top = transfer::kPinnedBit;
     return contact;
-}
-
-// --- Attachments ---
-
-void restore(dbTrans& transfer, const std::string& packagePath, const char* kindFolder, const std::string& name) {
-    const transfer::BackupPlace from = transfer::attachmentPlace(transfer, packagePath);
-    const tools::FileOutcome outcome =
-        tools::copyConfined(from.folder, from.name, transfer.rootPath + kindFolder, name);
-    transfer::countAttachment(transfer.report, packagePath, outcome);
-}
-
-void restoreIfAbsent(dbTrans& transfer, const std::string& packagePath, const char* kindFolder,
-                     const std::string& name) {
-    if (tools::confinedNameSeen(transfer.rootPath + kindFolder, name)) {
-        ++transfer.report.attachmentsPresent;
-    } else {
-        restore(transfer, packagePath, kindFolder, name);
-    }
-}
-
-void restoreImage(dbTrans& transfer, const std::string& packagePath) {
-    std::string name;
-    tools::getNameFromPath(packagePath, name);
-    restoreIfAbsent(transfer, packagePath, transfer::kImageFolder, name);
 }
 
 // --- Writing ---
@@ -211,10 +246,12 @@ unsigned int dbTrans::rdMsgFromFile() {
     const int fileCount = countMessageFiles(msgFileDir);
     std::string contactFile = msgFileDir + transfer::kRecentContactFileName;
     rdRecontactFromFile(contactFile);
+    MessageTaker messages(*this);
+    std::string text;
     for (int i = 0;; ++i) {
         const std::string path = transfer::messageFilePath(msgFileDir, i);
         if (tools::isFileExsit(path) == 0) return transfer::kSuccess;
-        const FileResult result = readMessageFile(*this, path);
+        const FileResult result = readMessageFile(*this, path, text, messages);
         if (result == FileResult::wrongVersion) return transfer::kWrongVersion;
         if (result == FileResult::skipped) continue;
         if (throttle.due(i == fileCount - 1)) transfer::notifyShare(*this, 2, i + 1, fileCount);
@@ -244,19 +281,8 @@ unsigned int dbTrans::rdRecontactFromFile(std::string& path) {
 }
 
 int dbTrans::importFile(std::string body, int msgType) {
-    const transfer::AttachmentBody attachments = transfer::readAttachmentBody(body, msgType);
-    if (!attachments.recognised) return 0;
-    if (!attachments.complete) return 1;
-    if (msgType == transfer::kFileMessage) {
-        restoreIfAbsent(*this, attachments.packagePath(), transfer::kFileFolder, attachments.fileName);
-    } else if (msgType == transfer::kVoiceMessage) {
-        // Voice files are copied again each time, unlike the others.
-        restore(*this, attachments.packagePath(), transfer::kAudioFolder, attachments.fileName);
-    } else {
-        restoreImage(*this, attachments.mediaUrl);
-        restoreImage(*this, attachments.thumbUrl);
-    }
-    return 1;
+    transfer::AttachmentFolders folders(*this);
+    return restoreAttachments(report, folders, body, msgType);
 }
 
 unsigned int dbTrans::wtMsgToDB() {

@@ -26,14 +26,14 @@ std::vector<std::string> buildKeyTexts() {
 }
 
 // Texts end at their first NUL, as they do for the JSON library.
-void appendValue(std::string& out, const std::string& text) {
+void appendValue(tools::TextBuffer& out, const std::string& text) {
     tools::appendJsonText(out, std::string_view(text.data(), std::strlen(text.c_str())));
 }
-void appendValue(std::string& out, long long number) {
+void appendValue(tools::TextBuffer& out, long long number) {
     tools::appendJsonNumber(out, number);
 }
 
-void appendList(std::string& out, const std::string& joined) {
+void appendList(tools::TextBuffer& out, const std::string& joined) {
     out += '[';
     if (!joined.empty()) {
         const char* separator = "";
@@ -46,13 +46,15 @@ void appendList(std::string& out, const std::string& joined) {
     out += ']';
 }
 
-void appendKey(std::string& out, const char* before, const char* key) {
-    out.append(before).append(key).append("\":");
+void appendKey(tools::TextBuffer& out, const char* before, const char* key) {
+    out += before;
+    out += key;
+    out += "\":";
 }
 
 }  // namespace
 
-void appendMessage(std::string& out, const st_dbMessageBean& message) {
+void appendMessage(tools::TextBuffer& out, const st_dbMessageBean& message) {
     static const std::vector<std::string> keyTexts = buildKeyTexts();
     auto keyText = keyTexts.begin();
     forEachMessageKey(message, [&](const char* /*key*/, KeyUse /*use*/, const auto& field) {
@@ -95,9 +97,9 @@ void MessageFileText::addDay(const CalendarDay& day, const st_dbMessageBean* fir
     text_ += "}}";
 }
 
-const std::string& MessageFileText::finish() {
+std::string_view MessageFileText::finish() {
     text_ += "]}";
-    return text_;
+    return text_.text();
 }
 
 }  // namespace transfer

@@ -4,14 +4,16 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
+#include "host/text_buffer.h"
 #include "transfer/package_format.h"
 #include "transfer/records.h"
 
 namespace transfer {
 
 /// Appends the message object, as json_serialize_to_string() writes dbTrans::makeJson(2, &message).
-void appendMessage(std::string& out, const imsdk::st_dbMessageBean& message);
+void appendMessage(tools::TextBuffer& out, const imsdk::st_dbMessageBean& message);
 
 /// Builds the text of one message file in a buffer that is used again for the next.
 class MessageFileText {
@@ -25,11 +27,11 @@ public:
     void addDay(const CalendarDay& day, const imsdk::st_dbMessageBean* first, const imsdk::st_dbMessageBean* last);
 
     /// Completes the file; the text is valid until the next begin().
-    const std::string& finish();
+    std::string_view finish();
 
 private:
     std::string version_;
-    std::string text_;
+    tools::TextBuffer text_;
     bool hasDay_ = false;
 };
 

@@ -4,7 +4,7 @@
 
 #include <cstddef>
 #include <string>
-#include <utility>
+#include <string_view>
 #include <vector>
 
 /// Counts add up over the operations of one object until the host assigns a fresh TransferReport.
@@ -44,8 +44,8 @@ struct TransferReport {
 
     static constexpr std::size_t kMostSkipped = 1000;
 
-    void skip(std::string what, std::string reason) {
+    void skip(std::string_view what, std::string_view reason) {
         ++skippedCount;
-        if (skipped.size() < kMostSkipped) skipped.push_back({std::move(what), std::move(reason)});
+        if (skipped.size() < kMostSkipped) skipped.push_back({std::string(what), std::string(reason)});
     }
 };

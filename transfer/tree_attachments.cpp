@@ -1,6 +1,5 @@
 #include "transfer/tree_attachments.h"
 
-#include "host/confined_files.h"
 #include "host/json_tree.h"
 #include "host/tools.h"
 #include "transfer/attachment_body.h"
@@ -26,32 +25,29 @@ std::string baseNameOf(const std::string& value) {
 }
 
 std::string asFolder(const std::string& path) {
-    return path.back() == '/' ? path : path + "/";
+    return path.empty() || path.back() == '/' ? path : path + "/";
 }
 
 enum class MissingFolder { stays, isCreated };
 
-tools::FileOutcome moveInto(const dbTrans& transfer, const std::string& value, const std::string& userFolder,
+tools::FileOutcome moveInto(tools::ConfinedFolder& tree, const std::string& value, tools::ConfinedFolder& user,
                             const std::string& name, MissingFolder missing) {
     constexpr std::size_t kNameBuffer = 256;
     // An empty folder is one that nobody has set: it must not come to mean the working directory.
-    if (transfer.imFileDir.empty() || baseNameOf(value).size() >= kNameBuffer) return tools::FileOutcome::missing;
-    if (userFolder.empty()) return tools::FileOutcome::failed;
-    const std::string folder = asFolder(userFolder);
-    const BackupPlace from = attachmentPlace(transfer, value);
-    if (missing == MissingFolder::isCreated && tools::confinedFileExists(from.folder, from.name)) {
-        createDirRe(folder + name);
-    }
-    return tools::moveConfined(from.folder, from.name, folder, name);
+    if (tree.path().empty() || baseNameOf(value).size() >= kNameBuffer) return tools::FileOutcome::missing;
+    if (user.path().empty()) return tools::FileOutcome::failed;
+    if (missing == MissingFolder::isCreated && tree.hasFile(value)) createDirRe(user.path() + name);
+    return tree.moveTo(user, value, name);
 }
 
 class FileMover {
 public:
-    FileMover(dbTrans& transfer, const TreeFileKeys& keys) : transfer_(transfer), keys_(keys) {}
+    FileMover(TransferReport& report, TreeFileFolders& folders, const TreeFileKeys& keys)
+        : report_(report), folders_(folders), keys_(keys) {}
 
     void move(const JSON_Object* body, int type) {
-        if (type == kVoiceMessage) moveByName(body, keys_.voice, transfer_.userAudioDir);
-        if (type == kFileMessage) moveByName(body, keys_.file, transfer_.userFileDir);
+        if (type == kVoiceMessage) moveByName(body, keys_.voice, folders_.audio);
+        if (type == kFileMessage) moveByName(body, keys_.file, folders_.file);
         if (type == kImageMessage) moveImage(body);
         if (type == kVideoMessage) moveVideo(body);
         if (type == kPicturesMessage) {
@@ -62,8 +58,8 @@ public:
 
 private:
     void moveImage(const JSON_Object* body) {
-        moveByUrl(body, keys_.image, transfer_.userImageDir);
-        moveByUrl(body, keys_.thumbnail, transfer_.userImageDir);
+        moveByUrl(body, keys_.image, folders_.image);
+        moveByUrl(body, keys_.thumbnail, folders_.image);
     }
 
     // A preview without its video, or the other way round, would be shown as a broken video.
@@ -71,28 +67,28 @@ private:
         const bool complete = json_object_get_string(body, keys_.preview) != nullptr &&
                               json_object_get_string(body, keys_.video) != nullptr;
         if (!complete) return;
-        moveByUrl(body, keys_.preview, transfer_.userImageDir);
-        moveByUrl(body, keys_.video, transfer_.userVideoDir);
+        moveByUrl(body, keys_.preview, folders_.image);
+        moveByUrl(body, keys_.video, folders_.video);
     }
 
-    void moveByName(const JSON_Object* body, const char* key, const std::string& userFolder) {
+    void moveByName(const JSON_Object* body, const char* key, tools::ConfinedFolder& user) {
         const std::string value = textOf(body, key);
-        moveUnlessPresent(value, userFolder, baseNameOf(value), MissingFolder::stays);
+        moveUnlessPresent(value, user, baseNameOf(value), MissingFolder::stays);
     }
 
-    void moveByUrl(const JSON_Object* body, const char* key, const std::string& userFolder) {
+    void moveByUrl(const JSON_Object* body, const char* key, tools::ConfinedFolder& user) {
         const std::string value = textOf(body, key);
-        moveUnlessPresent(value, userFolder, tools::getUniqueNameByUrl(value, true), MissingFolder::isCreated);
+        moveUnlessPresent(value, user, tools::getUniqueNameByUrl(value, true), MissingFolder::isCreated);
     }
 
-    void moveUnlessPresent(const std::string& value, const std::string& userFolder, const std::string& name,
+    void moveUnlessPresent(const std::string& value, tools::ConfinedFolder& user, const std::string& name,
                            MissingFolder missing) {
         if (value.empty()) return;
-        if (!userFolder.empty() && tools::confinedNameSeen(asFolder(userFolder), name)) {
-            ++transfer_.report.attachmentsPresent;
+        if (!user.path().empty() && user.sees(name)) {
+            ++report_.attachmentsPresent;
             return;
         }
-        countAttachment(transfer_.report, value, moveInto(transfer_, value, userFolder, name, missing));
+        countAttachment(report_, value, moveInto(folders_.tree, value, user, name, missing));
     }
 
     static std::string textOf(const JSON_Object* body, const char* key) {
@@ -100,22 +96,31 @@ private:
         return text != nullptr ? text : "";
     }
 
-    dbTrans& transfer_;
+    TransferReport& report_;
+    TreeFileFolders& folders_;
     const TreeFileKeys& keys_;
 };
 
 }  // namespace
 
+TreeFileFolders::TreeFileFolders(const dbTrans& transfer)
+    : tree(attachmentFolder(transfer)),
+      audio(asFolder(transfer.userAudioDir)),
+      file(asFolder(transfer.userFileDir)),
+      image(asFolder(transfer.userImageDir)),
+      video(asFolder(transfer.userVideoDir)) {}
+
 bool carriesTreeFiles(int type) {
     return carriesAttachments(type) || type == kPicturesMessage || type == kVideoMessage;
 }
 
-int moveTreeFiles(dbTrans& transfer, const std::string& body, int type, const TreeFileKeys& keys) {
+int moveTreeFiles(TransferReport& report, TreeFileFolders& folders, const std::string& body, int type,
+                  const TreeFileKeys& keys) {
     if (!carriesTreeFiles(type)) return 0;
     std::string text = body;
     const tools::JsonDocument document = tools::readJsonTree(text);
     if (!document) return 0;
-    FileMover(transfer, keys).move(json_value_get_object(document.get()), type);
+    FileMover(report, folders, keys).move(json_value_get_object(document.get()), type);
     return 1;
 }
 

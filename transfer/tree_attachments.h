@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "host/confined_files.h"
 #include "transfer/dbTrans.h"
 
 namespace transfer {
@@ -29,8 +30,21 @@ inline constexpr TreeFileKeys kMessageFileKeys{"mediaUrl",  "mediaUrl",   "media
                                                "serverUrl", "preImgPath", "videoFileName"};
 inline constexpr TreeFileKeys kNoteFileKeys{"mediaUrl", "url", "mainUrl", "thumbUrl", "nine", "preImgUrl", "fileUrl"};
 
-/// Moves the files that `body` names from imFileDir into the user's folders; what stands there already stays. 1 when
-/// the type carries files and the body is JSON, else 0. The report counts the files.
-int moveTreeFiles(dbTrans& transfer, const std::string& body, int type, const TreeFileKeys& keys);
+/// The tree's folder of attachments and the user's, open for one loop over messages or notes. An empty path stands for
+/// one that nobody has set.
+struct TreeFileFolders {
+    explicit TreeFileFolders(const dbTrans& transfer);
+
+    tools::ConfinedFolder tree;
+    tools::ConfinedFolder audio;
+    tools::ConfinedFolder file;
+    tools::ConfinedFolder image;
+    tools::ConfinedFolder video;
+};
+
+/// Moves the files that `body` names from the tree into the user's folders; what stands there already stays. 1 when the
+/// type carries files and the body is JSON, else 0. The report counts the files.
+int moveTreeFiles(TransferReport& report, TreeFileFolders& folders, const std::string& body, int type,
+                  const TreeFileKeys& keys);
 
 }  // namespace transfer

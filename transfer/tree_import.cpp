@@ -143,11 +143,13 @@ int dbTrans::wtSingleMsgToDbNJ(imsdk::st_dbMessageBean& record, imsdk::dbUtils& 
 }
 
 int dbTrans::importFile2(std::string body, int msgType) {
-    return transfer::moveTreeFiles(*this, body, msgType, transfer::kMessageFileKeys);
+    transfer::TreeFileFolders folders(*this);
+    return transfer::moveTreeFiles(report, folders, body, msgType, transfer::kMessageFileKeys);
 }
 
 int dbTrans::importFile3(std::string content, int type) {
-    return transfer::moveTreeFiles(*this, content, type, transfer::kNoteFileKeys);
+    transfer::TreeFileFolders folders(*this);
+    return transfer::moveTreeFiles(report, folders, content, type, transfer::kNoteFileKeys);
 }
 
 int dbTrans::readNoteFromFileNJ() {

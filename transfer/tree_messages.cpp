@@ -3,7 +3,6 @@
 #include "host/tools.h"
 #include "transfer/conversation_writer.h"
 #include "transfer/progress_report.h"
-#include "transfer/tree_attachments.h"
 #include "transfer/tree_document.h"
 #include "transfer/tree_walk.h"
 
@@ -15,7 +14,8 @@ TreeMessageImport::TreeMessageImport(dbTrans& transfer, imsdk::dbUtils& db, Tree
       options_(options),
       ownID_(tools::atoint64(transfer.packageSubDir.c_str())),
       index_(transfer.tableNames),
-      insert_(&db) {}
+      insert_(&db),
+      folders_(transfer) {}
 
 ErrorCode TreeMessageImport::take(const std::vector<std::string>& paths) {
     listed_ = paths.size();
@@ -82,7 +82,7 @@ void TreeMessageImport::takeMessage(imsdk::st_dbMessageBean& message) {
     // A message to the user belongs to the conversation with its sender.
     message.targetID = message.toUserID == ownID_ ? message.fromeUserID : message.toUserID;
     if (options_.movesAttachments && carriesTreeFiles(message.msgType)) {
-        transfer_.importFile2(message.body, message.msgType);
+        moveTreeFiles(transfer_.report, folders_, message.body, message.msgType, kMessageFileKeys);
     }
     transfer_.wtSingleMsgToDbNJ(message, db_, insert_);
 }

@@ -8,6 +8,7 @@
 #include "transfer/dbTrans.h"
 #include "transfer/message_text.h"
 #include "transfer/table_index.h"
+#include "transfer/tree_attachments.h"
 
 namespace transfer {
 
@@ -44,6 +45,7 @@ private:
     imsdk::dbCommand insert_;
     std::optional<long long> conversation_;  // the one that insert_ is prepared for
     bool tableOpen_ = false;                 // and whether it has a table
+    TreeFileFolders folders_;
     std::size_t listed_ = 0;
     std::size_t done_ = 0;
     std::vector<std::string> stored_;

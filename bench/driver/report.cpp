@@ -53,7 +53,7 @@ public:
         tools::appendJsonNumber(text_, number);
         return *this;
     }
-    std::string take() { return std::move(text_) + "\n"; }
+    std::string take() const { return std::string(text_.text()) + "\n"; }
 
 private:
     void separate() {
@@ -61,7 +61,7 @@ private:
         first_ = false;
     }
 
-    std::string text_;
+    tools::TextBuffer text_;
     bool first_ = true;
 };
 

@@ -4,13 +4,17 @@
 //
 //   floor-import FROM ACCOUNT
 //
-// Attachments are left out: the packages that it is measured on name some but have none.
+// Attachments are part of the work: the bodies that name some are scanned, and each file is looked for in the package,
+// and in the account where one that is there is kept, by one plain stat each. The packages that it is measured on have
+// none; a file that is there is copied without more ado.
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -21,6 +25,7 @@
 #include "bench/floor/json_scan.h"
 #include "bench/names.h"
 #include "bench/sqlite_handles.h"
+#include "transfer/attachment_body.h"
 #include "transfer/message_table.h"
 #include "transfer/recent_contact_table.h"
 
@@ -111,6 +116,72 @@ private:
     std::vector<Message>* last_ = nullptr;
 };
 
+// --- Attachments ---
+
+bool isThere(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0;
+}
+
+// Puts the attachments of a package back into the account.
+class Attachments {
+public:
+    Attachments(const std::string& from, const std::string& account)
+        : package_(from + kAttachmentFolder), account_(account) {}
+
+    void restore(int type, std::string_view body) {
+        if (type == transfer::kImageMessage) {
+            const std::size_t second = body.find(kThumbKey);
+            if (!begins(body, kMediaKey) || second == std::string_view::npos) return;
+            restoreImage(textAt(body, kMediaKey.size()));
+            restoreImage(textAt(body, second + kThumbKey.size()));
+        } else {
+            const std::size_t second = body.find(kSecondMediaKey);
+            if (!begins(body, kNameKey) || second == std::string_view::npos) return;
+            const std::string_view name = textAt(body, kNameKey.size());
+            const std::string_view media = textAt(body, second + kSecondMediaKey.size());
+            restoreFile(type, media.substr(0, media.rfind('/')), name);
+        }
+    }
+
+private:
+    static constexpr std::string_view kMediaKey = R"({"mediaUrl":")";
+    static constexpr std::string_view kThumbKey = R"(","thumbUrl":")";
+    static constexpr std::string_view kNameKey = R"({"fileName":")";
+    static constexpr std::string_view kSecondMediaKey = R"(","mediaUrl":")";
+
+    static bool begins(std::string_view body, std::string_view key) { return body.substr(0, key.size()) == key; }
+
+    static std::string_view textAt(std::string_view body, std::size_t begin) {
+        return body.substr(begin, body.find('"', begin) - begin);
+    }
+
+    void restoreImage(std::string_view path) {
+        target_.assign(account_).append(transfer::kImageFolder).append(path.substr(path.rfind('/') + 1));
+        source_.assign(package_).append(path);
+        if (!isThere(target_)) copy();
+    }
+
+    void restoreFile(int type, std::string_view folder, std::string_view name) {
+        const bool voice = type == transfer::kVoiceMessage;
+        target_.assign(account_).append(voice ? transfer::kAudioFolder : transfer::kFileFolder).append(name);
+        source_.assign(package_).append(folder).append("/").append(name);
+        if (voice || !isThere(target_)) copy();
+    }
+
+    void copy() const {
+        if (isThere(source_))
+            std::filesystem::copy_file(source_, target_, std::filesystem::copy_options::overwrite_existing);
+    }
+
+    std::string package_;
+    std::string account_;
+    std::string source_;
+    std::string target_;
+};
+
+// --- Reading ---
+
 // Reads one message; the conversation stands near its end.
 long long scanMessage(Scanner& scan, Message& message) {
     scan.expect("{\"sendUserID\":");
@@ -177,7 +248,7 @@ void scanVersion(Scanner& scan) {
     if (scan.text() != kVersion) throw std::runtime_error("another version");
 }
 
-void readMessages(const std::string& folder, TextStore& texts, Conversations& conversations) {
+void readMessages(const std::string& folder, TextStore& texts, Attachments& attachments, Conversations& conversations) {
     FileReader files;
     std::string_view text;
     std::vector<std::pair<long long, Message>> day;
@@ -188,8 +259,10 @@ void readMessages(const std::string& folder, TextStore& texts, Conversations& co
         while (!scan.next("]")) {
             scan.next(",");
             scanDay(scan, day);
-            for (const auto& [conversation, message] : day)
+            for (const auto& [conversation, message] : day) {
+                if (transfer::carriesAttachments(message.type)) attachments.restore(message.type, message.body);
                 conversations.add(conversation) = message;
+            }
         }
     }
 }
@@ -233,6 +306,8 @@ std::vector<Contact> readContacts(const std::string& folder, TextStore& texts) {
     }
     return contacts;
 }
+
+// --- Writing ---
 
 // The placeholders that stand for the same value in every imported row keep what is bound here.
 void bindConstants(sqlite3_stmt* insert, long long conversation) {
@@ -309,7 +384,8 @@ void importPackage(const std::string& from, const std::string& account) {
     TextStore texts;
     Conversations conversations;
     const std::vector<Contact> contacts = readContacts(from + kMessageFolder, texts);
-    readMessages(from + kMessageFolder, texts, conversations);
+    Attachments attachments(from, account);
+    readMessages(from + kMessageFolder, texts, attachments, conversations);
     const Database db = openDatabase(account + "/db/imsg.db");
     for (const auto& [conversation, messages] : conversations.inOrder())
         writeConversation(db.get(), conversation, *messages);

@@ -183,6 +183,31 @@ TEST(JsonReader, AgreesWithTheLibraryOnEveryFlippedBit) {
     }
 }
 
+TEST(JsonReader, AgreesWithTheLibraryOnDigitsOfEveryCount) {
+    const std::string digits = "1234567890123456789012";
+    for (std::size_t count = 1; count <= digits.size(); ++count) {
+        for (const char* behind : {"", ",7", " ", ".5", "e2", "/", ":", "0", "x", "\x80"}) {
+            const std::string number = digits.substr(0, count) + behind;
+            ASSERT_NO_FATAL_FAILURE(expectSame("[" + number + "]"));
+            ASSERT_NO_FATAL_FAILURE(expectSame("[-" + number + "]"));
+            ASSERT_NO_FATAL_FAILURE(expectSame("[" + number));
+            ASSERT_NO_FATAL_FAILURE(expectSame("[" + number + ",                    8]"));
+        }
+    }
+}
+
+TEST(JsonReader, AgreesWithTheLibraryOnSpecialBytesAtEveryPlaceOfAText) {
+    const std::string letters = "abcdefghijklmnopqrstuvwxyz";
+    for (std::size_t place = 0; place <= letters.size(); ++place) {
+        for (const char* special : {"\\n", "\\u0000", "\\\"", "\\x", "\"", "\n", "\x1F", "\x7F", "\x80", "\xFF", "/"}) {
+            const std::string text = letters.substr(0, place) + special + letters.substr(place);
+            ASSERT_NO_FATAL_FAILURE(expectSame("[\"" + text + "\"]"));
+            ASSERT_NO_FATAL_FAILURE(expectSame("[\"" + text + special + "\",\"" + text + "\"]"));
+            ASSERT_NO_FATAL_FAILURE(expectSame("{\"" + text + "\":1}"));
+        }
+    }
+}
+
 TEST(JsonReader, AgreesWithTheLibraryOnTheDeepestNesting) {
     for (int depth : {2047, 2048, 2049, 2050, 5000}) {
         ASSERT_NO_FATAL_FAILURE(expectSame(nested(depth, ""))) << depth;

@@ -21,9 +21,9 @@ std::string byTree(imsdk::st_dbMessageBean message) {
 }
 
 std::string byText(const imsdk::st_dbMessageBean& message) {
-    std::string out;
+    tools::TextBuffer out;
     transfer::appendMessage(out, message);
-    return out;
+    return std::string(out.text());
 }
 
 class Messages {
@@ -94,7 +94,7 @@ TEST(PackageText, WritesAFileLikeTheTreeOfItsParts) {
     file.begin();
     file.addDay({2019, 3, 7}, records.data(), records.data() + 2);
     file.addDay({-1, 0, 12}, records.data() + 2, records.data() + 3);
-    const tools::JsonDocument document(json_parse_string(file.finish().c_str()));
+    const tools::JsonDocument document(json_parse_string(std::string(file.finish()).c_str()));
     ASSERT_NE(nullptr, document);
     char* text = json_serialize_to_string(document.get());
     EXPECT_EQ(file.finish().substr(0, std::string(text).size()), text);
@@ -105,7 +105,7 @@ TEST(PackageText, UsesItsBufferAgainWithoutATraceOfTheLastFile) {
     transfer::MessageFileText file("1");
     file.begin();
     file.addDay({1, 2, 3}, nullptr, nullptr);
-    const std::string first = file.finish();
+    const std::string first(file.finish());
     file.begin();
     file.addDay({1, 2, 3}, nullptr, nullptr);
     EXPECT_EQ(first, file.finish());

@@ -290,4 +290,54 @@ TEST_F(ConfinedFilesTest, NoFolderIsMadeWhereAFileStands) {
     EXPECT_EQ("bytes", read("inside/file"));
 }
 
+// --- One folder for many names ---
+
+TEST_F(ConfinedFilesTest, AFolderGoesFromOneSubfolderToAnother) {
+    dir.write("inside/sub/below/file", "below");
+    dir.write("inside/other/file", "other");
+    tools::ConfinedFolder inside(dir.at("inside"));
+    tools::ConfinedFolder target(dir.at("target"));
+    for (const char* name : {"sub/file", "sub/below/file", "sub//file", "other/file", "file", "sub/below/file"}) {
+        EXPECT_TRUE(inside.hasFile(name)) << name;
+        EXPECT_EQ(FileOutcome::done, inside.copyTo(target, name, "to")) << name;
+        EXPECT_EQ(read(std::string("inside/") + name), read("target/to")) << name;
+    }
+    for (const char* name : {"other/below", "sub/other", "sub/fil", "su/file"})
+        EXPECT_FALSE(inside.isTaken(name)) << name;
+}
+
+TEST_F(ConfinedFilesTest, AFolderFindsWhatAppearsLater) {
+    tools::ConfinedFolder later(dir.at("later/"));
+    EXPECT_FALSE(later.hasFile("sub/file"));
+    EXPECT_FALSE(later.isTaken("sub/file"));
+    EXPECT_EQ(0, later.createFolder("sub"));
+    EXPECT_FALSE(later.hasFile("sub/file"));
+    dir.write("later/sub/file", "bytes");
+    EXPECT_TRUE(later.hasFile("sub/file"));
+    EXPECT_EQ(0, later.createFolder("sub"));
+    EXPECT_EQ(0, later.createFolder("sub/"));
+}
+
+TEST_F(ConfinedFilesTest, AFolderRefusesEachNameThatLeadsOverALink) {
+    link("outside", "folder-out");
+    tools::ConfinedFolder inside(dir.at("inside"));
+    tools::ConfinedFolder target(dir.at("target"));
+    EXPECT_TRUE(inside.hasFile("sub/file"));
+    for (const char* name : {"folder-out/secret", "folder-out/missing", "sub/../../outside/secret", "file/below"}) {
+        EXPECT_EQ(FileOutcome::refused, inside.copyTo(target, name, "to")) << name;
+        EXPECT_TRUE(inside.isTaken(name)) << name;
+    }
+    EXPECT_EQ(FileOutcome::missing, inside.copyTo(target, "missing/secret", "to"));
+    EXPECT_EQ("", targets());
+}
+
+TEST_F(ConfinedFilesTest, AFolderCopiesWithinItself) {
+    tools::ConfinedFolder inside(dir.at("inside"));
+    EXPECT_EQ(FileOutcome::done, inside.copyTo(inside, "sub/file", "copied"));
+    EXPECT_EQ(0, inside.createFolder("new"));
+    EXPECT_EQ(FileOutcome::done, inside.moveTo(inside, "sub/file", "new/moved"));
+    EXPECT_EQ("sub bytes", read("inside/copied"));
+    EXPECT_EQ("sub bytes", read("inside/new/moved"));
+}
+
 }  // namespace

@@ -32,9 +32,9 @@ std::string smallFile(long long conversation, long long id) {
 }
 
 std::string quoted(const std::string& text) {
-    std::string json;
+    tools::TextBuffer json;
     tools::appendJsonString(json, text);
-    return json;
+    return std::string(json.text());
 }
 
 imsdk::st_dbMessageBean messageOf(long long conversation, long long id, const std::string& body) {

@@ -1,0 +1,25 @@
+// The folders that attachments are copied between: the package's, and the account's for each kind. They stay open for
+// one loop over attachments.
+#pragma once
+
+#include "host/confined_files.h"
+#include "transfer/attachment_body.h"
+#include "transfer/backup_place.h"
+#include "transfer/dbTrans.h"
+
+namespace transfer {
+
+struct AttachmentFolders {
+    explicit AttachmentFolders(const dbTrans& transfer)
+        : package(attachmentFolder(transfer)),
+          audio(transfer.rootPath + kAudioFolder),
+          file(transfer.rootPath + kFileFolder),
+          image(transfer.rootPath + kImageFolder) {}
+
+    tools::ConfinedFolder package;
+    tools::ConfinedFolder audio;
+    tools::ConfinedFolder file;
+    tools::ConfinedFolder image;
+};
+
+}  // namespace transfer
