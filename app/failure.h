@@ -7,9 +7,6 @@
 
 namespace app {
 
-/// The meaning of a result code of the transfer, in one clause.
-const char* meaningOf(unsigned int code);
-
 /// A result code as users see it, for example "0xff00001f".
 std::string hexCode(unsigned int code);
 

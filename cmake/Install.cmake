@@ -5,7 +5,7 @@ include(CMakePackageConfigHelpers)
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/chat_transfer")
 set(include_dir "${CMAKE_INSTALL_INCLUDEDIR}/chat_transfer")
 
-set(exported chat_transfer_host chat_transfer_transfer chat_transfer_sqlite)
+set(exported chat_transfer_host chat_transfer_transfer chat_transfer_c chat_transfer_sqlite)
 if(TARGET chat_transfer_sqlite3mc)
   list(APPEND exported chat_transfer_sqlite3mc)
 endif()
@@ -30,6 +30,7 @@ endif()
 install(FILES host/dbUtils.h host/tools.h host/CAES.h host/json.h "${PROJECT_BINARY_DIR}/host/generated/host/json_names.h"
         DESTINATION "${include_dir}/host")
 install(FILES "${PROJECT_BINARY_DIR}/host/generated/chat_transfer/parson.h" DESTINATION "${include_dir}/chat_transfer")
+install(FILES c/chat_transfer.h DESTINATION "${include_dir}/c")
 install(FILES transfer/dbTrans.h transfer/error_codes.h transfer/progress_listener.h transfer/records.h
               transfer/transaction_guard.h transfer/transfer_report.h DESTINATION "${include_dir}/transfer")
 if(TARGET chat-transfer)

@@ -19,7 +19,7 @@ std::string written(const MessageFileContent& content) {
     file.begin();
     for (const MessageDay& day : content.days)
         file.addDay(day.date, day.messages.data(), day.messages.data() + day.messages.size());
-    return file.finish();
+    return std::string(file.finish());
 }
 
 MessageFileContent readAll(std::string text) {

@@ -22,6 +22,10 @@ enum ErrorCode : unsigned int {
     kWrongVersion = 0xff000024,
 };
 
+/// The meaning of a code in one English clause, for example "a database could not be opened or written"; "an unknown
+/// result" for other numbers.
+const char* meaningOf(unsigned int code);
+
 /// The code as the int that some operations return: the same 32 bits.
 inline int asInt(ErrorCode code) {
     return static_cast<int>(static_cast<unsigned int>(code));

@@ -13,10 +13,10 @@ namespace {
 TEST(FailureWords, GiveEveryCodeAMeaningOfItsOwn) {
     std::set<std::string> meanings;
     for (unsigned int code = transfer::kPackageExists; code <= transfer::kWrongVersion; ++code) {
-        meanings.insert(meaningOf(code));
+        meanings.insert(transfer::meaningOf(code));
     }
     EXPECT_EQ(7U, meanings.size());
-    EXPECT_EQ(0U, meanings.count(meaningOf(0xff000025)));
+    EXPECT_EQ(0U, meanings.count(transfer::meaningOf(0xff000025)));
 }
 
 TEST(FailureWords, ShowCodesInHexadecimal) {
