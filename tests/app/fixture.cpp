@@ -69,7 +69,7 @@ std::string CommandTest::insertMessage(const std::string& table, long long id, c
 std::vector<std::string> CommandTest::tablesOf(const std::string& account) const {
     std::istringstream names(
         queryText(mainDatabase(account),
-                  "select name from sqlite_master where name like 'im\\_msg\\_%' escape '\\' order by name", 1));
+                  R"(select name from sqlite_master where name like 'im\_msg\_%' escape '\' order by name)", 1));
     std::vector<std::string> tables;
     for (std::string name; std::getline(names, name);)
         tables.push_back(name);

@@ -11,7 +11,7 @@ constexpr const char* kKey = "Tr0ub4dor&3";
 class Key : public CommandTest {
 protected:
     std::string keyFile(const std::string& bytes, mode_t mode = 0600) const {
-        const std::string path = dir_.write("key", bytes);
+        std::string path = dir_.write("key", bytes);
         chmod(path.c_str(), mode);
         return path;
     }

@@ -21,7 +21,9 @@ TEST(Printable, SpellsOutTheSecondSetOfControlCharacters) {
 }
 
 TEST(Printable, SpellsOutMarksThatReverseTheDirection) {
-    EXPECT_EQ("\\u202egpj.exe\\u2066\\u2069\\u2028", printable("\u202egpj.exe\u2066\u2069\u2028"));
+    // U+202E, U+2066, U+2069 and U+2028
+    EXPECT_EQ("\\u202egpj.exe\\u2066\\u2069\\u2028",
+              printable("\xE2\x80\xAEgpj.exe\xE2\x81\xA6\xE2\x81\xA9\xE2\x80\xA8"));
 }
 
 TEST(Printable, ReplacesIllFormedBytes) {

@@ -34,7 +34,7 @@ void prepareChild(const Setting& setting) {
     for (const std::string& variable : setting.environment)
         putenv(strdup(variable.c_str()));
     if (setting.largestFile > 0) {
-        signal(SIGXFSZ, SIG_IGN);  // the write fails instead
+        static_cast<void>(signal(SIGXFSZ, SIG_IGN));  // the write fails instead
         const rlimit limit{static_cast<rlim_t>(setting.largestFile), static_cast<rlim_t>(setting.largestFile)};
         setrlimit(RLIMIT_FSIZE, &limit);
     }

@@ -24,7 +24,7 @@ TEST(SecretText, LeavesNothingInTheTextThatItTookOver) {
         std::string source(length, 'k');
         const SecretText key(std::move(source));
         EXPECT_EQ(std::string(length, 'k'), key.text());
-        source.resize(source.capacity());
+        source.resize(source.capacity());  // NOLINT(bugprone-use-after-move): what is left of it is the question
         EXPECT_EQ(0, std::count(source.begin(), source.end(), 'k'));
     }
 }

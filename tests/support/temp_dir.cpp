@@ -26,7 +26,7 @@ TempDir::~TempDir() {
 }
 
 std::string TempDir::write(const std::string& name, const std::string& bytes) const {
-    const std::string path = at(name);
+    std::string path = at(name);
     fs::create_directories(fs::path(path).parent_path());
     std::ofstream file(path, std::ios::binary);
     file << bytes;
