@@ -33,11 +33,9 @@ bool beginsWith(std::string_view name, std::string_view beginning) {
 }
 
 bool hasRecordEnding(std::string_view name) {
-    for (const char* ending : {transfer::kMessageExtension, transfer::kContactExtension, transfer::kNoteExtension,
-                               transfer::kRoomExtension}) {
-        if (endsWith(name, ending)) return true;
-    }
-    return false;
+    const auto endings = {transfer::kMessageExtension, transfer::kContactExtension, transfer::kNoteExtension,
+                          transfer::kRoomExtension};
+    return std::any_of(endings.begin(), endings.end(), [name](const char* ending) { return endsWith(name, ending); });
 }
 
 bool isAttachmentPath(std::string_view name) {

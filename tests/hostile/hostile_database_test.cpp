@@ -193,9 +193,10 @@ TEST_F(HostileDatabase, OfAFewBytesDoesNotGrowIntoGigabytes) {
 
 TEST_F(HostileDatabase, WithDeepExpressionsInItsSchemaDoesNotExhaustASmallStack) {
     if (!smallStackIsMeaningful()) GTEST_SKIP() << "frames of instrumented or unoptimised code are larger";
-    std::string expression = "year_";
-    for (int i = 0; i < 900; ++i)
-        expression = "(" + expression + "+1)";
+    constexpr int kLevels = 900;
+    std::string expression = std::string(kLevels, '(') + "year_";
+    for (int i = 0; i < kLevels; ++i)
+        expression += "+1)";
     forgeTable("im_msg_5", "create table im_msg_5(year_, x as (" + expression + "))", "2");
     onSmallStack([this] { exportAll(); });
 }
