@@ -1,21 +1,22 @@
 // An import of a tree that is killed, and run again.
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <filesystem>
+#include <functional>
 #include <random>
 #include <sstream>
 
 #include "tests/app/tree_command_fixture.h"
+#include "tests/support/seconds_of.h"
 
 namespace test {
 namespace {
 
 namespace fs = std::filesystem;
 using std::chrono::microseconds;
-using std::chrono::steady_clock;
+
+constexpr int kUsualKills = 7;
 
 // Empty for equal texts, else the beginning of the first lines that are not the same: the texts are long and hold
 // binary files.
@@ -53,26 +54,46 @@ protected:
         return startChatTransfer(importArguments(account, treeOf(account)));
     }
 
-    // The shorter of two undisturbed imports.
-    microseconds timeOfImport(const std::string& account) const {
-        microseconds shortest = microseconds::max();
-        for (int i = 0; i < 2; ++i) {
-            const pid_t child = startImport(account);
-            const auto start = steady_clock::now();
-            EXPECT_EQ(0, waitFor(child).code);
-            shortest = std::min(shortest, std::chrono::duration_cast<microseconds>(steady_clock::now() - start));
-        }
-        return shortest;
+    // Starts an import and waits until it has decrypted that many files.
+    pid_t startAndWaitFor(long long files, const std::string& account) const {
+        const pid_t child = startImport(account);
+        while (decryptedFiles(account) < files && !isOver(child))
+            usleep(100);
+        return child;
     }
 
-    // A machine that is faster now has the import done before the moment: then an earlier one is taken.
-    void killImportAfter(microseconds moment, const std::string& account) const {
-        for (bool killed = false; !killed; moment = moment * 9 / 10) {
-            const pid_t child = startImport(account);
-            usleep(static_cast<useconds_t>(moment.count()));
-            kill(child, SIGKILL);
-            killed = waitFor(child).killed;
+    template <class Work>
+    static microseconds timeOf(Work work) {
+        return std::chrono::duration_cast<microseconds>(std::chrono::duration<double>(secondsOf(work)));
+    }
+
+    // Kills what start() starts at random moments within `most`, and lets the import be run again after each.
+    void killEach(microseconds most, const std::function<pid_t(const std::string&)>& start,
+                  const std::string& undisturbed) const {
+        std::mt19937 random(20);  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same moments each time
+        std::uniform_int_distribution<microseconds::rep> moment(0, most.count());
+        for (int i = 0; i < killCount(kUsualKills); ++i) {
+            const std::string account = "killed" + std::to_string(i);
+            killAfter(microseconds(moment(random)), [&] { return start(account); });
+            expectThatARepeatedImportEndsAs(undisturbed, account);
         }
+    }
+
+    // Kills an import that has decrypted at least so many files, but not all of them.
+    void killWhileItDecrypts(long long files, long long all, const std::string& account) const {
+        constexpr int kTries = 100;
+        for (int i = 0; i < kTries; ++i) {
+            killAfter(microseconds(0), [&] { return startAndWaitFor(files, account); });
+            if (decryptedFiles(account) < all) return;
+        }
+        ADD_FAILURE() << "no kill hit the decryption of the tree";
+    }
+
+    void expectThatARepeatedImportEndsAs(const std::string& undisturbed, const std::string& account) const {
+        ASSERT_EXIT_CODE(0, importTree(account, treeOf(account)));
+        EXPECT_EQ("", firstDifference(undisturbed, everythingOf(account))) << account;
+        fs::remove_all(at(account));
+        fs::remove_all(at(treeOf(account)));
     }
 
     long long decryptedFiles(const std::string& account) const { return countEnding(at(treeOf(account)), ".decrypt"); }
@@ -85,30 +106,36 @@ protected:
     }
 };
 
-TEST_F(KilledImportTree, AtManyMomentsAndRunAgainLeavesWhatAnUndisturbedRunLeaves) {
-    const int moments = killCount(20);
-    const microseconds time = timeOfImport("whole");
+TEST_F(KilledImportTree, BeforeTheDecryptionAndRunAgainLeavesWhatAnUndisturbedRunLeaves) {
+    ASSERT_EQ(0, waitFor(startImport("whole")).code);
+    const std::string undisturbed = everythingOf("whole");
+    pid_t child = 0;
+    const microseconds most = timeOf([&] { child = startAndWaitFor(1, "timed"); });
+    EXPECT_EQ(0, waitFor(child).code);
+    killEach(
+        most, [&](const std::string& account) { return startImport(account); }, undisturbed);
+}
+
+TEST_F(KilledImportTree, WhileItDecryptsAndRunAgainLeavesWhatAnUndisturbedRunLeaves) {
+    ASSERT_EQ(0, waitFor(startImport("whole")).code);
     const std::string undisturbed = everythingOf("whole");
     const long long all = decryptedFiles("whole");
-    std::mt19937 random(20);  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same moments each time
-    std::uniform_int_distribution<int> part(0, static_cast<int>(time.count() / moments));
-    int whileDecrypting = 0;
-    int behindDecrypting = 0;
+    const int moments = killCount(kUsualKills);
     for (int i = 0; i < moments; ++i) {
-        const microseconds moment = time * i / moments + microseconds(part(random));
         const std::string account = "killed" + std::to_string(i);
-        killImportAfter(moment, account);
-        const long long decrypted = decryptedFiles(account);
-        if (decrypted > 0 && decrypted < all) ++whileDecrypting;
-        if (decrypted == all) ++behindDecrypting;
-        ASSERT_EXIT_CODE(0, importTree(account, treeOf(account)));
-        EXPECT_EQ("", firstDifference(undisturbed, everythingOf(account)))
-            << "killed after " << moment.count() << " of " << time.count() << " microseconds";
-        fs::remove_all(at(account));
-        fs::remove_all(at(treeOf(account)));
+        killWhileItDecrypts(1 + (all - 2) * i / moments, all, account);
+        expectThatARepeatedImportEndsAs(undisturbed, account);
     }
-    EXPECT_GT(whileDecrypting, 0) << "no kill hit the decryption of the tree";
-    EXPECT_GT(behindDecrypting, 0) << "no kill hit the import behind it";
+}
+
+TEST_F(KilledImportTree, BehindTheDecryptionAndRunAgainLeavesWhatAnUndisturbedRunLeaves) {
+    ASSERT_EQ(0, waitFor(startImport("whole")).code);
+    const std::string undisturbed = everythingOf("whole");
+    const long long all = decryptedFiles("whole");
+    const pid_t child = startAndWaitFor(all, "timed");
+    const microseconds most = timeOf([child] { EXPECT_EQ(0, waitFor(child).code); });
+    killEach(
+        most, [&](const std::string& account) { return startAndWaitFor(all, account); }, undisturbed);
 }
 
 }  // namespace

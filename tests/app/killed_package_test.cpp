@@ -1,18 +1,17 @@
 // An export and an import of a package that are killed at random moments, and run again.
-#include <unistd.h>
-
 #include <chrono>
-#include <csignal>
 #include <filesystem>
 #include <functional>
-#include <iostream>
 #include <random>
 
 #include "tests/app/fixture.h"
+#include "tests/support/seconds_of.h"
 #include "tests/support/snapshot.h"
 
 namespace test {
 namespace {
+
+using std::chrono::microseconds;
 
 constexpr int kUsualKills = 10;
 
@@ -23,38 +22,36 @@ protected:
         ASSERT_EXIT_CODE(0, exportFrom("account", "package"));
     }
 
-    static long long millisecondsOf(const std::function<void()>& work) {
-        const auto start = std::chrono::steady_clock::now();
-        work();
-        return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
+    template <class Work>
+    static microseconds timeOf(Work work) {
+        return std::chrono::duration_cast<microseconds>(std::chrono::duration<double>(secondsOf(work)));
     }
 
-    // Kills `arguments(i)` at a random moment within `most` milliseconds, for each i; then checks(i).
-    static void killEach(long long most, const std::function<Arguments(int)>& arguments,
+    // Kills what start(i) starts within `most`, for each i; then check(i).
+    static void killEach(microseconds most, const std::function<pid_t(int)>& start,
                          const std::function<void(int)>& check) {
         std::mt19937 random(21);  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same moments each time
-        std::uniform_int_distribution<long long> moment(0, most * 1000);
-        int killed = 0;
+        std::uniform_int_distribution<microseconds::rep> moment(0, most.count());
         for (int i = 0; i < killCount(kUsualKills); ++i) {
-            const pid_t child = startChatTransfer(arguments(i));
-            usleep(static_cast<useconds_t>(moment(random)));
-            kill(child, SIGKILL);
-            if (waitFor(child).killed) ++killed;
+            killAfter(microseconds(moment(random)), [&] { return start(i); });
             ASSERT_NO_FATAL_FAILURE(check(i));
         }
-        std::cout << killed << " of " << killCount(kUsualKills) << " runs were killed before their end\n";
-        EXPECT_GE(killed, killCount(kUsualKills) / 4) << "most runs were over before they could be killed";
+    }
+
+    pid_t startAnew(const std::string& folder, const Arguments& arguments) const {
+        std::filesystem::remove_all(at(folder));
+        return startChatTransfer(arguments);
     }
 };
 
 TEST_F(Killed, ExportLeavesNoPackageOrAWholeOneAndCanBeRepeated) {
     const std::string whole = snapshotOf(at("package"));
-    const long long most = millisecondsOf([this] { exportFrom("account", "timed"); });
+    const microseconds most = timeOf([this] { exportFrom("account", "timed"); });
     killEach(
         most,
         [this](int i) {
-            return Arguments{
-                "export", "--account", at("account"), "--user", kUser, "--to", at("to" + std::to_string(i))};
+            const std::string to = "to" + std::to_string(i);
+            return startAnew(to, {"export", "--account", at("account"), "--user", kUser, "--to", at(to)});
         },
         [&](int i) {
             const std::string to = "to" + std::to_string(i);
@@ -67,12 +64,12 @@ TEST_F(Killed, ExportLeavesNoPackageOrAWholeOneAndCanBeRepeated) {
 }
 
 TEST_F(Killed, ImportCanBeRepeatedAndEndsAsIfUndisturbed) {
-    const long long most = millisecondsOf([this] { importInto("timed", "package"); });
+    const microseconds most = timeOf([this] { importInto("timed", "package"); });
     killEach(
         most,
         [this](int i) {
-            return Arguments{"import", "--from", at("package"), "--account", at("into" + std::to_string(i)),
-                             "--user", kUser};
+            const std::string into = "into" + std::to_string(i);
+            return startAnew(into, {"import", "--from", at("package"), "--account", at(into), "--user", kUser});
         },
         [&](int i) {
             const std::string into = "into" + std::to_string(i);

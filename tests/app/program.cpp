@@ -142,6 +142,23 @@ Outcome waitFor(pid_t child) {
     return run;
 }
 
+bool isOver(pid_t child) {
+    siginfo_t end = {};
+    return waitid(P_PID, static_cast<id_t>(child), &end, WEXITED | WNOHANG | WNOWAIT) != 0 || end.si_pid == child;
+}
+
+void killAfter(std::chrono::microseconds pause, const std::function<pid_t()>& start) {
+    constexpr int kTries = 100;
+    for (int i = 0; i < kTries; ++i) {
+        const pid_t child = start();
+        usleep(static_cast<useconds_t>(pause.count()));
+        kill(child, SIGKILL);
+        if (waitFor(child).killed) return;
+        pause = pause * 3 / 4;
+    }
+    ADD_FAILURE() << "the program was always over before it could be killed";
+}
+
 bool waitUntilThere(const std::string& path) {
     constexpr int kTries = 10000;
     constexpr useconds_t kPause = 1000;
