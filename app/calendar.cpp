@@ -3,6 +3,8 @@
 #include <array>
 #include <cstddef>
 
+#include "host/fixed_text.h"
+
 namespace app {
 namespace {
 
@@ -27,6 +29,10 @@ CivilDay civilDay(long long days) {
         days -= length;
     result.day += static_cast<int>(days);
     return result;
+}
+
+std::string dayText(int year, int month, int day) {
+    return tools::FixedText<40>("%04d-%02d-%02d", year, month, day).text();
 }
 
 }  // namespace app

@@ -1,6 +1,8 @@
 // Days of the calendar, counted from 1970-01-01 (UTC).
 #pragma once
 
+#include <string>
+
 namespace app {
 
 struct CivilDay {
@@ -11,6 +13,9 @@ struct CivilDay {
 
 /// The calendar day with the number `days`.
 CivilDay civilDay(long long days);
+
+/// The day as "2024-06-30".
+std::string dayText(int year, int month, int day);
 
 /// 28 to 31.
 int daysOfMonth(int year, int month);

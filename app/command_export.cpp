@@ -9,7 +9,6 @@
 #include "app/account.h"
 #include "app/export_check.h"
 #include "app/failure.h"
-#include "app/host_transfer.h"
 #include "app/left_out.h"
 #include "app/paths.h"
 #include "app/printable.h"
@@ -17,6 +16,7 @@
 #include "app/staging_folder.h"
 #include "app/text_table.h"
 #include "app/units.h"
+#include "transfer/dbTrans.h"
 
 namespace app {
 namespace {
@@ -109,7 +109,7 @@ int runExport(const ExportOptions& options) {
     const Account account(options.account);
     const Layout layout = layoutOf(options);
     const SecretText key = findKey(options.key, account);
-    HostTransfer transfer;
+    dbTrans transfer;
     transfer.dbKey = key.text();
     openDatabase(transfer, account, Database::main);
     if (layout == Layout::days) openDatabase(transfer, account, Database::back);

@@ -8,7 +8,6 @@
 
 #include "app/account.h"
 #include "app/failure.h"
-#include "app/host_transfer.h"
 #include "app/left_out.h"
 #include "app/package_files.h"
 #include "app/package_place.h"
@@ -17,6 +16,7 @@
 #include "app/ready_account.h"
 #include "app/text_table.h"
 #include "app/units.h"
+#include "transfer/dbTrans.h"
 
 namespace app {
 namespace {
@@ -115,7 +115,7 @@ int runImport(const ImportOptions& options) {
     requireVersion(place, options.packageVersion);
     const Account account(options.account);
     const SecretText key = findKey(options.key, account);
-    HostTransfer transfer;
+    dbTrans transfer;
     transfer.dbKey = key.text();
     makeAccountReady(account, key.text());
     // Opened before the package is read, which restores attachments: a wrong key must not leave them behind.

@@ -11,7 +11,6 @@
 
 #include "app/account.h"
 #include "app/failure.h"
-#include "app/host_transfer.h"
 #include "app/left_out.h"
 #include "app/printable.h"
 #include "app/progress_bar.h"
@@ -24,6 +23,8 @@
 #include "host/file_handle.h"
 #include "host/tools.h"
 #include "transfer/attachment_body.h"
+#include "transfer/dbTrans.h"
+#include "transfer/tree_document.h"
 #include "transfer/tree_format.h"
 
 namespace app {
@@ -88,7 +89,7 @@ void setUserFolders(dbTrans& transfer, const Account& account) {
                        "nothing doubles"};
     const auto& skipped = transfer.report.skipped;
     const auto other = std::find_if(skipped.rbegin(), skipped.rend(), [](const TransferReport::Skipped& one) {
-        return one.reason.compare(0, 19, "has another version") == 0;
+        return one.reason.rfind(transfer::kOtherVersionReason, 0) == 0;
     });
     if (other != skipped.rend()) {
         words.path = other->what;
@@ -225,7 +226,7 @@ int runImportTree(const ImportTreeOptions& options) {
     const TreePlace place = findTree(options.from, options.user);
     const Account account(options.account);
     const SecretText key = findKey(options.key, account);
-    HostTransfer transfer;
+    dbTrans transfer;
     transfer.dbKey = key.text();
     // Before the tree is touched: what an account has cannot be opened with the wrong key.
     const Database into = databaseOf(options);

@@ -6,7 +6,6 @@
 
 #include "app/account.h"
 #include "app/failure.h"
-#include "app/host_transfer.h"
 #include "app/printable.h"
 #include "app/progress_bar.h"
 #include "app/sample_attachment.h"
@@ -18,6 +17,7 @@
 #include "host/tools.h"
 #include "transfer/attachment_body.h"
 #include "transfer/conversation_writer.h"
+#include "transfer/dbTrans.h"
 #include "transfer/progress_report.h"
 
 namespace app {
@@ -140,7 +140,7 @@ int runSample(const SampleOptions& options) {
     const Account account(options.account);
     refuseExistingAccount(account);
     const SecretText key = findKey(options.key, account);
-    HostTransfer transfer;
+    dbTrans transfer;
     transfer.dbKey = key.text();
     makeMissingParts(account, key.text());
     openDatabase(transfer, account, Database::main);

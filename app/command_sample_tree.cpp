@@ -7,7 +7,6 @@
 #include <memory>
 
 #include "app/failure.h"
-#include "app/host_transfer.h"
 #include "app/package_summary.h"
 #include "app/paths.h"
 #include "app/printable.h"
@@ -16,6 +15,7 @@
 #include "app/text_table.h"
 #include "app/units.h"
 #include "host/tools.h"
+#include "transfer/dbTrans.h"
 #include "transfer/progress_report.h"
 
 namespace app {
@@ -73,7 +73,7 @@ int runSampleTree(const SampleTreeOptions& options) {
     settings.ownId = tools::atoint64(options.user.c_str());
 
     ProgressBar progress;
-    HostTransfer reporter;
+    dbTrans reporter;
     reporter.progressListener = &progress;
     progress.begin("Making the sample tree", {{1, "Writing conversations"}});
     const auto total = static_cast<int>(settings.plan.conversations);

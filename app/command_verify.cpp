@@ -4,12 +4,12 @@
 #include <memory>
 
 #include "app/failure.h"
-#include "app/host_transfer.h"
 #include "app/printable.h"
 #include "app/text_table.h"
 #include "app/units.h"
 #include "app/verification.h"
 #include "app/verify_tree.h"
+#include "transfer/dbTrans.h"
 
 namespace app {
 namespace {
@@ -63,7 +63,7 @@ int runVerifyTree(const VerifyOptions& options, const TreeSource& tree) {
     }
     const Account account(options.account);
     const SecretText key = findKey(options.key, account);
-    HostTransfer transfer;
+    dbTrans transfer;
     transfer.dbKey = key.text();
     return exitCodeOf(verifyTree(tree, account, databaseOf(options), transfer, options.most), options);
 }
@@ -76,7 +76,7 @@ int runVerify(const VerifyOptions& options) {
     const Account account(options.account);
     const Database database = databaseOf(options);
     const SecretText key = findKey(options.key, account);
-    HostTransfer transfer;
+    dbTrans transfer;
     transfer.dbKey = key.text();
     openDatabase(transfer, account, database);
 

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "app/failure.h"
+#include "app/file_version.h"
 #include "app/left_out.h"
 #include "host/fixed_text.h"
 #include "host/json_owner.h"
@@ -21,16 +22,8 @@ namespace {
 using tools::JsonDocument;
 using Take = std::function<void(PackageMessage)>;
 
-constexpr const char* kNoVersion = "(none)";
-
 std::string messagePath(const PackagePlace& place, int number) {
     return place.messages + tools::FixedText<50>(transfer::kMessageFileName, number).text();
-}
-
-std::string versionOf(const JSON_Object* file) {
-    const char* version = json_object_get_string(file, transfer::kVersionKey);
-    return version != nullptr ? std::string(version, json_object_get_string_len(file, transfer::kVersionKey))
-                              : kNoVersion;
 }
 
 std::shared_ptr<const DayLists> listsOf(transfer::MessageDay& day) {
@@ -70,11 +63,7 @@ void readContacts(const PackagePlace& place, PackageFacts& facts) {
     }
     ++facts.versions[versionOf(file)];
     transfer::forEachObject(contacts, [&facts](const JSON_Object* object) {
-        imsdk::st_dbReContactBean contact;
-        transfer::forEachRecentContactField(contact, [object](int /*column*/, const char* name, auto& field) {
-            transfer::getField(object, name, field);
-        });
-        facts.contacts.push_back(std::move(contact));
+        facts.contacts.push_back(transfer::readRecentContact(object));
     });
 }
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "app/attachment_check.h"
+#include "app/calendar.h"
 #include "app/json_texts.h"
 #include "app/paths.h"
 #include "app/printable.h"
-#include "host/fixed_text.h"
 #include "host/json_owner.h"
 #include "transfer/attachment_body.h"
 #include "transfer/tree_attachments.h"
@@ -99,7 +99,7 @@ PackageSummary summarise(const PackagePlace& place) {
 }
 
 std::string dayText(const PackageSummary::Day& day) {
-    return tools::FixedText<40>("%04d-%02d-%02d", std::get<0>(day), std::get<1>(day), std::get<2>(day)).text();
+    return app::dayText(std::get<0>(day), std::get<1>(day), std::get<2>(day));
 }
 
 void addAttachments(JSON_Object* object, const AttachmentCounts& counts) {

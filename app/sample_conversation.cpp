@@ -6,7 +6,6 @@
 
 #include "app/calendar.h"
 #include "app/sample_texts.h"
-#include "host/fixed_text.h"
 #include "transfer/recent_contact_table.h"
 
 namespace app {
@@ -25,10 +24,6 @@ void setDay(imsdk::st_dbMessageBean& message) {
     message.year_ = day.year;
     message.mon = day.month;
     message.day_ = day.day;
-}
-
-std::string dayText(const imsdk::st_dbMessageBean& message) {
-    return tools::FixedText<40>("%04d-%02d-%02d", message.year_, message.mon, message.day_).text();
 }
 
 long long pickId(Random& random, const std::vector<long long>& ids) {
@@ -110,7 +105,7 @@ void SampleWriter::fill(imsdk::st_dbMessageBean& message, const SampleConversati
 
 void SampleWriter::attach(imsdk::st_dbMessageBean& message, int msgType, Random& random) {
     message.msgType = msgType;
-    message.body = makeAttachment_(msgType, message.msgID, dayText(message), random);
+    message.body = makeAttachment_(msgType, message.msgID, dayText(message.year_, message.mon, message.day_), random);
 }
 
 imsdk::st_dbReContactBean SampleWriter::contact(const SampleConversation& conversation,

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "app/failure.h"
+#include "app/file_version.h"
 #include "app/paths.h"
 #include "app/private_folder.h"
 #include "app/tree_files.h"
@@ -28,8 +29,6 @@ namespace {
 namespace fs = std::filesystem;
 using tools::JsonDocument;
 
-constexpr const char* kNoVersion = "(none)";
-
 bool isFolder(const fs::path& path) {
     std::error_code ignored;
     return fs::is_directory(path, ignored);
@@ -48,12 +47,6 @@ bool looksLikeTree(const fs::path& folder) {
         if (isRecordFile(name) || isDecryptedCopy(name)) return true;
     }
     return false;
-}
-
-std::string versionOf(const JSON_Object* file) {
-    const char* version = json_object_get_string(file, transfer::kVersionKey);
-    return version != nullptr ? std::string(version, json_object_get_string_len(file, transfer::kVersionKey))
-                              : kNoVersion;
 }
 
 const char* listKeyOf(const std::string& ending) {
@@ -180,11 +173,7 @@ private:
         } else if (ending == transfer::kRoomExtension) {
             facts_.rooms.push_back(transfer::readRoom(object));
         } else {
-            imsdk::st_dbReContactBean contact;
-            transfer::forEachRecentContactField(contact, [object](int /*column*/, const char* name, auto& field) {
-                transfer::getField(object, name, field);
-            });
-            facts_.contactFiles.back().contacts.push_back(std::move(contact));
+            facts_.contactFiles.back().contacts.push_back(transfer::readRecentContact(object));
         }
     }
 

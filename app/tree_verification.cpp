@@ -44,8 +44,7 @@ TreeVerification::Contacts readContacts(imsdk::dbUtils& db) {
         db.excuteQuery((std::string("select * from ") + transfer::kRecentContactTable).c_str());
     while (reader.read() != 0) {
         st_dbReContactBean row;
-        transfer::forEachRecentContactField(
-            row, [&reader](int column, const char* /*name*/, auto& field) { reader.getColumnValue(column, field); });
+        transfer::readRecentContactRow(reader, row);
         contacts.emplace(row.targetID, std::move(row));
     }
     return contacts;

@@ -45,11 +45,6 @@ bool forEachRow(imsdk::dbUtils& db, const std::string& table, ReadRow readRow, T
     return !reader.failed();
 }
 
-void readContactRow(imsdk::dbDataReader& reader, st_dbReContactBean& record) {
-    transfer::forEachRecentContactField(
-        record, [&reader](int column, const char* /*name*/, auto& field) { reader.getColumnValue(column, field); });
-}
-
 }  // namespace
 
 Verification::Verification(VerifySettings settings, PackagePlace place, dbTrans& transfer)
@@ -157,8 +152,9 @@ void Verification::compareContactTable() {
     counts_.packageContacts = static_cast<long long>(facts_.contacts.size());
     const auto& names = transfer_.tableNames;
     const bool hasTable = std::find(names.begin(), names.end(), transfer::kRecentContactTable) != names.end();
-    const bool whole = !hasTable || forEachRow<st_dbReContactBean>(db(), transfer::kRecentContactTable, readContactRow,
-                                                                   [this](const auto& row) { compareContact(row); });
+    const bool whole =
+        !hasTable || forEachRow<st_dbReContactBean>(db(), transfer::kRecentContactTable, transfer::readRecentContactRow,
+                                                    [this](const auto& row) { compareContact(row); });
     if (!whole) report_.add(Finding::tableUnreadable, transfer::kRecentContactTable);
     if (!facts_.hasContacts && counts_.accountContacts > 0 && settings_.direction != Direction::imported) {
         report_.add(Finding::contactNotInPackage, "all " + grouped(counts_.accountContacts) + ": the package has no " +

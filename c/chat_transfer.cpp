@@ -26,7 +26,7 @@ public:
 
 struct chat_transfer {
     chat_transfer() { core.progressListener = &listener; }
-    ~chat_transfer() { tools::wipe(core.dbKey); }
+    ~chat_transfer() = default;
     chat_transfer(const chat_transfer&) = delete;
     chat_transfer& operator=(const chat_transfer&) = delete;
     chat_transfer(chat_transfer&&) = delete;

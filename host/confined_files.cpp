@@ -234,20 +234,10 @@ bool confinedNameTaken(const std::string& folder, const std::string& name) {
     return ConfinedFolder(folder).isTaken(name);
 }
 
-bool confinedNameSeen(const std::string& folder, const std::string& name) {
-    return ConfinedFolder(folder).sees(name);
-}
-
 FileOutcome copyConfined(const std::string& fromFolder, const std::string& from, const std::string& toFolder,
                          const std::string& to, Flush flush) {
     ConfinedFolder target(toFolder);
     return ConfinedFolder(fromFolder).copyTo(target, from, to, flush);
-}
-
-FileOutcome moveConfined(const std::string& fromFolder, const std::string& from, const std::string& toFolder,
-                         const std::string& to) {
-    ConfinedFolder target(toFolder);
-    return ConfinedFolder(fromFolder).moveTo(target, from, to);
 }
 
 int createConfinedDir(const std::string& folder, const std::string& name) {

@@ -91,11 +91,8 @@ private:
 bool confinedFileExists(const std::string& folder, const std::string& name);
 bool confinedFolderExists(const std::string& folder, const std::string& name);
 bool confinedNameTaken(const std::string& folder, const std::string& name);
-bool confinedNameSeen(const std::string& folder, const std::string& name);
 FileOutcome copyConfined(const std::string& fromFolder, const std::string& from, const std::string& toFolder,
                          const std::string& to, Flush flush = Flush::now);
-FileOutcome moveConfined(const std::string& fromFolder, const std::string& from, const std::string& toFolder,
-                         const std::string& to);
 int createConfinedDir(const std::string& folder, const std::string& name);
 
 }  // namespace tools

@@ -1,12 +1,13 @@
 #include "host/sqlite_connection.h"
 
-#include <openssl/crypto.h>
 #include <sys/stat.h>
 
 #include <array>
 #include <cstring>
 #include <new>
 #include <utility>
+
+#include "host/wipe.h"
 
 namespace imsdk::detail {
 namespace {
@@ -92,7 +93,7 @@ std::shared_ptr<Connection> Connection::open(const char* path, const char* key, 
 }
 
 Connection::~Connection() {
-    OPENSSL_cleanse(key_.data(), key_.size());
+    tools::wipe(key_);
 }
 
 #ifdef CHAT_TRANSFER_WITHOUT_ENCRYPTION

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "host/fixed_text.h"
+#include "host/wipe.h"
 #include "transfer/dbTrans.h"
 #include "transfer/message_table.h"
 #include "transfer/progress_report.h"
@@ -10,15 +11,6 @@ namespace {
 
 int openWith(imsdk::dbUtils& db, const std::string& path, const std::string& key) {
     return db.open(path.c_str(), key.empty() ? nullptr : key.c_str());
-}
-
-// The one number that a count query yields; 0 for a failed query and for a text that does not fit its buffer.
-template <std::size_t Size>
-int countOf(imsdk::dbUtils& db, const tools::FixedText<Size>& query) {
-    imsdk::dbDataReader reader = db.excuteQuery(query.text());
-    int count = 0;
-    if (reader.read() != 0) reader.getColumnValue(0, count);
-    return count;
 }
 
 // Texts go into statements as they are: one with an apostrophe ends its literal early and would ask something else.
@@ -33,6 +25,10 @@ std::string findTable(const std::vector<std::string>& names, long long targetID)
 }
 
 }  // namespace
+
+dbTrans::~dbTrans() {
+    tools::wipe(dbKey);
+}
 
 int dbTrans::countRows(int /*what*/, const char* /*condition*/, int /*flags*/) {
     return transfer::countTableRows(mainDb, trimTable);
@@ -103,8 +99,8 @@ int dbTrans::isMsgExsit(std::string table, long long msgID) {
 }
 
 int dbTrans::isMsgExsit(imsdk::dbUtils& db, std::string table, long long msgID) {
-    return countOf(db,
-                   tools::FixedText<100>("select count(*) as cnt from  %s  where msgID = %lld", table.c_str(), msgID));
+    return transfer::countOf(
+        db, tools::FixedText<100>("select count(*) as cnt from  %s  where msgID = %lld", table.c_str(), msgID));
 }
 
 int dbTrans::isNoteExsit(st_noteTrans& note) {
@@ -113,12 +109,12 @@ int dbTrans::isNoteExsit(st_noteTrans& note) {
         "= %d "
         "and rmdTime = %lld and isArchive = %d and lastChgTime = %lld",
         note.sendUserId, note.targetID, note.type, note.isReminder, note.rmdTime, note.isArchive, note.lastChgTime);
-    return countOf(pluginDb, query);
+    return transfer::countOf(pluginDb, query);
 }
 
 int dbTrans::isRoomExsit(std::string& roomName, std::string& roomMember) {
     if (endsLiteral(roomName) || endsLiteral(roomMember)) return 0;
     const tools::FixedText<512> query("select count(*) as cnt from im_room where roomName = '%s' and roomMember = '%s'",
                                       roomName.c_str(), roomMember.c_str());
-    return countOf(pluginDb, query);
+    return transfer::countOf(pluginDb, query);
 }

@@ -47,7 +47,8 @@ public:
     /// overrides it where it has a cheaper count.
     virtual int countRows(int what, const char* condition, int flags);
 
-    virtual ~dbTrans() = default;
+    /// Closes the databases and overwrites dbKey.
+    virtual ~dbTrans();
 
     // --- Members that the host sets or reads ---
     /// Message table that checkMsgCount() trims; empty trims nothing. Set by the host.

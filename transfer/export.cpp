@@ -324,9 +324,7 @@ long long dbTrans::readRecontactFromDB() {
         mainDb.excuteQuery(tools::FixedText<256>("select * from %s", transfer::kRecentContactTable).text());
     while (reader.read() != 0) {
         st_dbReContactBean contact;
-        transfer::forEachRecentContactField(contact, [&reader](int column, const char* /*name*/, auto& field) {
-            reader.getColumnValue(column, field);
-        });
+        transfer::readRecentContactRow(reader, contact);
         reContacts.push_back(std::move(contact));
     }
     if (reader.failed())

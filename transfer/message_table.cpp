@@ -57,10 +57,7 @@ bool isPlainTableName(const std::string& name) {
 
 int countTableRows(imsdk::dbUtils& db, const std::string& table) {
     if (!isPlainTableName(table)) return 0;
-    imsdk::dbDataReader reader = db.excuteQuery(tools::FixedText<256>("select count(*) from %s", table.c_str()).text());
-    int count = 0;
-    if (reader.read() != 0) reader.getColumnValue(0, count);
-    return count;
+    return countOf(db, tools::FixedText<256>("select count(*) from %s", table.c_str()));
 }
 
 }  // namespace transfer

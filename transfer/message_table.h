@@ -82,6 +82,15 @@ bool isMessageTable(const std::string& name);
 /// statements unquoted: any other name would not name the table there, but change what the statement does.
 bool isPlainTableName(const std::string& name);
 
+/// The one number that a count query yields; 0 for a failed query and for a text that did not fit its buffer.
+template <std::size_t Size>
+int countOf(imsdk::dbUtils& db, const tools::FixedText<Size>& query) {
+    imsdk::dbDataReader reader = db.excuteQuery(query.text());
+    int count = 0;
+    if (reader.read() != 0) reader.getColumnValue(0, count);
+    return count;
+}
+
 /// How many rows the table has; 0 for a table that is not there and for a name that is no plain one or too long for the
 /// statement.
 int countTableRows(imsdk::dbUtils& db, const std::string& table);

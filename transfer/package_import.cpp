@@ -140,9 +140,7 @@ FileResult readMessageFile(dbTrans& transfer, const std::string& path, std::stri
 st_dbReContactBean readContact(const JSON_Object* object) {
     // Older clients wrote 1 for a pinned conversation.
     constexpr signed char kPinnedInPackage = 1;
-    st_dbReContactBean contact;
-    transfer::forEachRecentContactField(
-        contact, [object](int /*column*/, const char* name, auto& field) { transfer::getField(object, name, field); });
+    st_dbReContactBean contact = transfer::readRecentContact(object);
     if (contact.top == kPinnedInPackage) contact.top = transfer::kPinnedBit;
     return contact;
 }

@@ -3,6 +3,10 @@
 // docs/formats/package.md describe them for readers.
 #pragma once
 
+#include "host/dbUtils.h"
+#include "host/json.h"
+#include "transfer/records.h"
+
 namespace transfer {
 
 inline constexpr const char* kRecentContactTable = "im_reContact";
@@ -54,5 +58,11 @@ void forEachRecentContactField(Record& record, Visit&& visit) {
     visit(10, "name", record.name);
     visit(12, "securityLevel", record.securityLevel);
 }
+
+/// Refills `contact` from the current row of a "select *".
+void readRecentContactRow(imsdk::dbDataReader& reader, imsdk::st_dbReContactBean& contact);
+
+/// What an object of a recent-contact file says, as it stands there.
+imsdk::st_dbReContactBean readRecentContact(const JSON_Object* object);
 
 }  // namespace transfer

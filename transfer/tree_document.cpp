@@ -36,7 +36,7 @@ tools::JsonDocument readTreeFile(const std::string& path, TransferReport& report
 }
 
 void skipOtherVersion(const std::string& path, const std::string& expected, TransferReport& report) {
-    report.skip(path, "has another version than " + expected);
+    report.skip(path, std::string(kOtherVersionReason) + " than " + expected);
 }
 
 }  // namespace transfer

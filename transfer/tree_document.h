@@ -11,6 +11,9 @@ namespace transfer {
 /// The report's word for a file that does not parse.
 inline constexpr const char* kNotJsonReason = "is not JSON";
 
+/// How its reason begins for a file of another version.
+inline constexpr const char* kOtherVersionReason = "has another version";
+
 /// Reads the text of a file. False when it is gone, no regular file or cannot be read; the report then says which.
 bool readTreeText(const std::string& path, std::string& text, TransferReport& report);
 

@@ -59,6 +59,12 @@ static chat_transfer* open_transfer(const char* account, const char* backup) {
     return transfer;
 }
 
+/* A transfer into a new account. */
+static chat_transfer* open_new_account(const char* backup) {
+    make_account();
+    return open_transfer("new", backup);
+}
+
 static chat_transfer_counts counts_of(const chat_transfer* transfer) {
     chat_transfer_counts counts;
     chat_transfer_get_counts(transfer, &counts, sizeof(counts));
@@ -89,9 +95,7 @@ static int64_t export_account(chat_transfer_layout layout) {
 
 static void a_package_goes_out_and_comes_back_once(void) {
     const int64_t written = export_account(CHAT_TRANSFER_BY_DAY);
-    chat_transfer* transfer = NULL;
-    make_account();
-    transfer = open_transfer("new", "backup");
+    chat_transfer* transfer = open_new_account("backup");
     CHECK(chat_transfer_import_package(transfer, CHAT_TRANSFER_MAIN) == CHAT_TRANSFER_OK);
     CHECK(counts_of(transfer).messages_inserted == written);
     CHECK(counts_of(transfer).contacts_inserted > 0);
@@ -105,9 +109,7 @@ static void a_package_goes_out_and_comes_back_once(void) {
 
 static void a_packed_package_goes_into_the_back_database(void) {
     const int64_t written = export_account(CHAT_TRANSFER_PACKED);
-    chat_transfer* transfer = NULL;
-    make_account();
-    transfer = open_transfer("new", "backup");
+    chat_transfer* transfer = open_new_account("backup");
     CHECK(chat_transfer_import_package(transfer, CHAT_TRANSFER_BACK) == CHAT_TRANSFER_OK);
     CHECK(counts_of(transfer).messages_inserted == written);
     chat_transfer_free(transfer);
@@ -124,10 +126,8 @@ static void read_key(char* key, size_t size) {
 static void a_tree_arrives_once(void) {
     char key[256];
     int64_t inserted = 0;
-    chat_transfer* transfer = NULL;
-    make_account();
+    chat_transfer* transfer = open_new_account("trees");
     read_key(key, sizeof(key));
-    transfer = open_transfer("new", "trees");
     CHECK(chat_transfer_set_key(transfer, key) == CHAT_TRANSFER_OK);
     CHECK(chat_transfer_import_tree(transfer) == CHAT_TRANSFER_OK);
     inserted = counts_of(transfer).messages_inserted;

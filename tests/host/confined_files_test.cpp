@@ -79,7 +79,8 @@ protected:
         return tools::copyConfined(dir.at("inside"), from, dir.at("target"), to);
     }
     FileOutcome move(const std::string& from, const std::string& to = "to") const {
-        return tools::moveConfined(dir.at("inside"), from, dir.at("target"), to);
+        tools::ConfinedFolder target(dir.at("target"));
+        return tools::ConfinedFolder(dir.at("inside")).moveTo(target, from, to);
     }
     std::string read(const std::string& name) const { return test::readFile(dir.at(name)); }
     std::string targets() const { return test::listing(dir.at("target")); }

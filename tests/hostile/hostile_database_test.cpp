@@ -2,13 +2,12 @@
 // export leaves the database alone, and the harmless conversation is transferred.
 #include <sqlite3.h>
 
-#include <chrono>
 #include <filesystem>
-#include <functional>
 #include <random>
-#include <utility>
 
 #include "tests/export/account_fixture.h"
+#include "tests/hostile/swapper.h"
+#include "tests/support/seconds_of.h"
 #include "tests/support/small_stack.h"
 #include "tests/support/snapshot.h"
 
@@ -98,12 +97,6 @@ private:
         EXPECT_EQ(std::string::npos, package_.find("private bytes"));
     }
 };
-
-double secondsOf(const std::function<void()>& work) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
 
 // --- What stands under the names of tables ---
 
@@ -326,18 +319,6 @@ TEST_F(HostileDatabase, WithMessagesThatNamePrivateFilesExportsNoneOfThem) {
     EXPECT_TRUE(exportAll());
     EXPECT_EQ("", treeOf(attachmentFolder()));
 }
-
-// Changes something once, when it hears of the first progress.
-class Swapper : public ProgressListener {
-public:
-    explicit Swapper(std::function<void()> swap) : swap_(std::move(swap)) {}
-    void onProgress(long long /*context*/, int /*stage*/, int /*percent*/, const char* /*text*/) override {
-        if (swap_) std::exchange(swap_, nullptr)();
-    }
-
-private:
-    std::function<void()> swap_;
-};
 
 TEST_F(HostileDatabase, IntoAFolderThatBecomesALinkOverwritesNoPrivateFile) {
     addAttachment("file/secret.txt", "hostile");

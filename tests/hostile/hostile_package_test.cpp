@@ -3,11 +3,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <filesystem>
 
 #include "tests/hostile/hostile_names.h"
 #include "tests/hostile/hostile_package.h"
+#include "tests/hostile/swapper.h"
+#include "tests/support/seconds_of.h"
 #include "tests/support/small_stack.h"
 
 namespace fs = std::filesystem;
@@ -93,18 +94,6 @@ TEST_F(HostilePackage, NeverWritesThroughALinkThatWaitsInTheAccount) {
     EXPECT_EQ("private bytes", readFile(dir_.at("private/secret.txt")));
 }
 
-// The listener runs between the reading of two files: what it changes, another process could change at that moment.
-class Swapper : public ProgressListener {
-public:
-    explicit Swapper(std::function<void()> swap) : swap_(std::move(swap)) {}
-    void onProgress(long long /*context*/, int /*stage*/, int /*percent*/, const char* /*text*/) override {
-        if (swap_) std::exchange(swap_, nullptr)();
-    }
-
-private:
-    std::function<void()> swap_;
-};
-
 class SwappedFolder : public HostilePackage {
 protected:
     // Puts a link to the private folder in the place of a folder of the package, once it has been looked at.
@@ -161,12 +150,6 @@ TEST_F(HostilePackage, CannotReplaceAMessageThatTheUserHas) {
 }
 
 // --- Size and depth ---
-
-double secondsOf(const std::function<void()>& work) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
 
 // "k0":0,"k1":0, ...
 std::string manyKeys(int count) {

@@ -6,6 +6,7 @@
 
 #include "tests/hostile/hostile_names.h"
 #include "tests/hostile/hostile_values.h"
+#include "tests/hostile/swapper.h"
 #include "tests/support/small_stack.h"
 #include "tests/support/snapshot.h"
 #include "tests/tree/tree_fixture.h"
@@ -45,12 +46,7 @@ protected:
 
     std::string surroundings() const { return snapshotOf(home.path(), {"account", "backup"}); }
 
-    void expectNothingPrivateInTheAccount() const {
-        for (const auto& entry : fs::recursive_directory_iterator(home.at("account"))) {
-            if (!entry.is_regular_file() || entry.is_symlink()) continue;
-            EXPECT_EQ(std::string::npos, readFile(entry.path().string()).find("private bytes")) << entry.path();
-        }
-    }
+    void expectNothingPrivateInTheAccount() const { expectNowhereIn(home.at("account"), "private bytes"); }
 };
 
 // Bodies and note contents that carry `json` in every field that names a file.
@@ -115,18 +111,6 @@ TEST_F(HostileTree, WithAHardLinkLeavesTheOtherNameOfTheFile) {
     importWholeTree();
     EXPECT_EQ("private bytes", readFile(home.at("private/secret.txt")));
 }
-
-// Changes something once, when it hears of the first progress.
-class Swapper : public ProgressListener {
-public:
-    explicit Swapper(std::function<void()> swap) : swap_(std::move(swap)) {}
-    void onProgress(long long /*context*/, int /*stage*/, int /*percent*/, const char* /*text*/) override {
-        if (swap_) std::exchange(swap_, nullptr)();
-    }
-
-private:
-    std::function<void()> swap_;
-};
 
 TEST_F(HostileTree, WhoseAttachmentFolderBecomesALinkTakesNoPrivateFile) {
     addDecrypted("2002/names.mg", messageFile({messageWithBody(3, 3, R"({"mediaUrl": "secret.txt"})")}));

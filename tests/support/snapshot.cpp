@@ -1,5 +1,7 @@
 #include "tests/support/snapshot.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <filesystem>
 
@@ -36,6 +38,13 @@ std::string snapshotOf(const std::string& folder, const std::vector<std::string>
     for (const std::string& line : lines)
         text += line;
     return text;
+}
+
+void expectNowhereIn(const std::string& folder, const std::string& bytes) {
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
+        if (!entry.is_regular_file() || entry.is_symlink()) continue;
+        EXPECT_EQ(std::string::npos, readFile(entry.path().string()).find(bytes)) << entry.path();
+    }
 }
 
 }  // namespace test

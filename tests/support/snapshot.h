@@ -10,4 +10,7 @@ namespace test {
 /// Nothing at or below the `except`ed relative names is listed.
 std::string snapshotOf(const std::string& folder, const std::vector<std::string>& except = {});
 
+/// Expects that no file below `folder` holds `bytes`; links are not followed.
+void expectNowhereIn(const std::string& folder, const std::string& bytes);
+
 }  // namespace test
