@@ -9,7 +9,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const fuzz::Sandbox sandbox;
     constexpr std::array<int, 3> kTypes = {3, 5, 6};
     for (const char* folder : {"/audio", "/image", "/file"})
-        sandbox.write(sandbox.account() + folder + "/im/2024/0630/a.bin", "the user's own");
+        fuzz::Sandbox::write(sandbox.account() + folder + "/im/2024/0630/a.bin", "the user's own");
     fuzz::Input input(data, size);
     const int type = kTypes.at(input.takeByte() % kTypes.size());
     dbTrans transfer;

@@ -8,8 +8,8 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const fuzz::Sandbox sandbox;
     constexpr std::array<int, 3> kTypes = {3, 5, 6};
-    sandbox.write(sandbox.packageFiles() + "20/_im_a_2024_a.bin", "out of the package");
-    sandbox.write(sandbox.packageFiles() + "a.bin", "out of the package");
+    fuzz::Sandbox::write(sandbox.packageFiles() + "20/_im_a_2024_a.bin", "out of the package");
+    fuzz::Sandbox::write(sandbox.packageFiles() + "a.bin", "out of the package");
     fuzz::Input input(data, size);
     const int type = kTypes.at(input.takeByte() % kTypes.size());
     dbTrans transfer;

@@ -9,8 +9,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const fuzz::Sandbox sandbox;
     constexpr std::array<int, 5> kTypes = {3, 5, 6, 28, 89};
     const std::string attachments = sandbox.tree() + "imfiles/";
-    sandbox.write(attachments + "a.bin", "out of the tree");
-    sandbox.write(attachments + "im/2024/a.jpg", "out of the tree");
+    fuzz::Sandbox::write(attachments + "a.bin", "out of the tree");
+    fuzz::Sandbox::write(attachments + "im/2024/a.jpg", "out of the tree");
     fuzz::Input input(data, size);
     const unsigned choice = input.takeByte();
     const int type = kTypes.at(choice / 2 % kTypes.size());

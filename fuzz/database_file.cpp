@@ -23,7 +23,7 @@ void requireReadable(const std::string& folder, int files) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const fuzz::Sandbox sandbox;
     sandbox.makeDatabase("db/backimsg.db");
-    sandbox.write(sandbox.account() + "/db/imsg.db", std::string(reinterpret_cast<const char*>(data), size));
+    fuzz::Sandbox::write(sandbox.account() + "/db/imsg.db", std::string(reinterpret_cast<const char*>(data), size));
     std::filesystem::remove_all(sandbox.backup() + "/qelmsg_0");
     dbTrans transfer;
     sandbox.enter(transfer);

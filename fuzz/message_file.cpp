@@ -72,7 +72,7 @@ void checkReader(const std::string& text) {
 }
 
 void checkImport(const fuzz::Sandbox& sandbox, const std::string& text) {
-    sandbox.write(sandbox.packageMessages() + "msg_0.mg", text);
+    fuzz::Sandbox::write(sandbox.packageMessages() + "msg_0.mg", text);
     dbTrans transfer;
     sandbox.enter(transfer);
     const unsigned int code = transfer.rdMsgFromFile();

@@ -28,7 +28,7 @@ bool isStable(const st_dbReContactBean& contact) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const fuzz::Sandbox sandbox;
     std::string path = sandbox.packageMessages() + "recontact.mg";
-    sandbox.write(path, std::string(reinterpret_cast<const char*>(data), size));
+    fuzz::Sandbox::write(path, std::string(reinterpret_cast<const char*>(data), size));
     dbTrans transfer;
     sandbox.enter(transfer);
     transfer.msgFileDir = sandbox.packageMessages();

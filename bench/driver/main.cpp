@@ -1,5 +1,7 @@
 // bench-compare: runs floor, project and peers in turns and says how they compare. `bench-compare --help` lists the
 // arguments; docs/performance.md explains the figures.
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>
@@ -52,7 +54,7 @@ Settings settingsOf(const Arguments& arguments) {
 std::string pythonProgram() {
     const std::string found = programInPath("python3");
     if (found.empty()) return {};
-    const std::string scratch = fs::temp_directory_path() / ("bench-python-" + std::to_string(std::rand()));
+    const std::string scratch = fs::temp_directory_path() / ("bench-python-" + std::to_string(getpid()));
     std::string real = firstLine({{found, "-c", "import sys; print(sys.executable)"}, "", ""}, scratch);
     fs::remove(scratch);
     return real;

@@ -13,8 +13,6 @@
 #include <sstream>
 #include <stdexcept>
 
-extern char** environ;
-
 namespace bench {
 namespace {
 
@@ -52,6 +50,7 @@ private:
 pid_t start(const Command& command) {
     std::vector<std::string> words = command.words;
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);

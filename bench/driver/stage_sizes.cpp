@@ -19,7 +19,7 @@ std::vector<std::string> messageTables(const std::string& account) {
     std::vector<std::string> names;
     const Database db = openDatabase(databaseOf(account));
     const Statement list =
-        prepare(db.get(), "select name from sqlite_master where type='table' and name like 'im\\_msg\\_%' escape '\\'");
+        prepare(db.get(), R"(select name from sqlite_master where type='table' and name like 'im\_msg\_%' escape '\')");
     while (step(list.get()))
         names.emplace_back(textOf(list.get(), 0));
     return names;
@@ -189,7 +189,7 @@ private:
     }
 
     std::string importedCopy() const {
-        const std::string into = workshop_.freshFolder("into-again");
+        std::string into = workshop_.freshFolder("into-again");
         fs::copy(workshop_.at("imported"), into, fs::copy_options::recursive);
         return into;
     }

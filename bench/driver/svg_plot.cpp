@@ -39,8 +39,10 @@ public:
 
     std::vector<double> ticks() const {
         std::vector<double> values;
-        for (double decade = low_; decade <= high_; ++decade)
-            values.push_back(std::pow(10.0, decade));
+        const int decades = static_cast<int>(high_ - low_);
+        values.reserve(static_cast<std::size_t>(decades) + 1);
+        for (int decade = 0; decade <= decades; ++decade)
+            values.push_back(std::pow(10.0, low_ + decade));
         return values;
     }
 
@@ -81,9 +83,9 @@ std::string drawLine(const Line& line, const Axis& x, const Axis& y, double lege
         const std::string px = number(x.at(horizontal));
         const std::string py = number(y.at(vertical));
         points += px + "," + py + " ";
-        marks += R"(<circle cx=")" + px + R"(" cy=")" + py + R"(" r="3" fill=")" + line.colour + "\"/>\n";
+        marks += R"(<circle cx=")" + px + R"(" cy=")" + py + R"(" r="3" fill=")" + line.colour + R"("/>)" + "\n";
     }
-    const std::string style = " stroke=\"" + line.colour + "\" stroke-width=\"2\" fill=\"none\"" +
+    const std::string style = R"( stroke=")" + line.colour + R"(" stroke-width="2" fill="none")" +
                               (line.dashed ? R"( stroke-dasharray="6 4")" : "") + "/>\n";
     const double legendX = kWidth - kRight + 14;
     return "<polyline points=\"" + points + "\"" + style + marks + "<path d=\"M" + number(legendX) + " " +
@@ -108,12 +110,12 @@ std::string drawPlot(const Plot& plot) {
     if (right == 0) left = right = low = high = 1;
     const Axis x(left, right, kLeft, kWidth - kRight);
     const Axis y(low, high, kHeight - kBottom, kTop);
-    std::string svg = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" + number(kWidth) + "\" height=\"" +
-                      number(kHeight) + "\" font-family=\"sans-serif\" font-size=\"12\">\n" +
-                      "<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n" + drawGrid(x, y) +
+    std::string svg = R"(<svg xmlns="http://www.w3.org/2000/svg" width=")" + number(kWidth) + R"(" height=")" +
+                      number(kHeight) + R"(" font-family="sans-serif" font-size="12">)" + "\n" +
+                      R"(<rect width="100%" height="100%" fill="white"/>)" + "\n" + drawGrid(x, y) +
                       text(kLeft, 28, "start", plot.title) +
                       text((kLeft + kWidth - kRight) / 2, kHeight - 18, "middle", plot.horizontal);
-    svg += "<text transform=\"translate(18 " + number(kHeight / 2) + ") rotate(-90)\" text-anchor=\"middle\">" +
+    svg += R"(<text transform="translate(18 )" + number(kHeight / 2) + R"lit() rotate(-90)" text-anchor="middle">)lit" +
            plot.vertical + "</text>\n";
     double legend = kTop + 12;
     for (const Line& line : plot.lines) {

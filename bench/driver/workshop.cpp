@@ -13,20 +13,20 @@ Workshop::Workshop(std::string folder, Programs programs, Settings settings)
     : folder_(std::move(folder)), programs_(std::move(programs)), settings_(std::move(settings)) {}
 
 std::string Workshop::freshFolder(const std::string& name) const {
-    const std::string path = at(name);
+    std::string path = at(name);
     fs::remove_all(path);
     fs::create_directories(path);
     return path;
 }
 
 std::string Workshop::freshAccount(const std::string& name) const {
-    const std::string path = freshFolder(name);
+    std::string path = freshFolder(name);
     makeEmptyAccount(path);
     return path;
 }
 
 std::string Workshop::account(const std::string& name, const std::vector<std::string>& arguments) const {
-    const std::string path = at(name);
+    std::string path = at(name);
     if (fs::exists(path)) return path;
     std::vector<std::string> all = {"account", path};
     all.insert(all.end(), arguments.begin(), arguments.end());

@@ -42,7 +42,8 @@ struct Date {
 
 struct HashDate {
     std::size_t operator()(const Date& date) const {
-        return static_cast<std::size_t>((date.year * 16 + date.month) * 32 + date.day);
+        return (static_cast<std::size_t>(date.year) * 16 + static_cast<std::size_t>(date.month)) * 32 +
+               static_cast<std::size_t>(date.day);
     }
 };
 
@@ -239,6 +240,7 @@ std::string_view messagesOf(const Entry& entry, std::size_t first, std::size_t l
 void writePacked(Entries& entries, const std::string& folder) {
     const auto& all = entries.inKeyOrder();
     std::vector<std::string> ends;
+    ends.reserve(all.size());
     for (const auto& entry : all)
         ends.push_back(dayEnd(entry->date));
     Pieces file;

@@ -126,8 +126,8 @@ bool isThere(const std::string& path) {
 // Puts the attachments of a package back into the account.
 class Attachments {
 public:
-    Attachments(const std::string& from, const std::string& account)
-        : package_(from + kAttachmentFolder), account_(account) {}
+    Attachments(const std::string& from, std::string account)
+        : package_(from + kAttachmentFolder), account_(std::move(account)) {}
 
     void restore(int type, std::string_view body) {
         if (type == transfer::kImageMessage) {
@@ -229,7 +229,7 @@ void scanDay(Scanner& scan, std::vector<std::pair<long long, Message>>& day) {
         auto& [conversation, message] = day.emplace_back();
         conversation = scanMessage(scan, message);
     }
-    scan.expect(",\"date\":{\"year\":");
+    scan.expect(R"(,"date":{"year":)");
     const int year = static_cast<int>(scan.number());
     scan.expect(",\"month\":");
     const int month = static_cast<int>(scan.number());

@@ -21,9 +21,8 @@ TEST(Printable, SpellsOutTheSecondSetOfControlCharacters) {
 }
 
 TEST(Printable, SpellsOutMarksThatReverseTheDirection) {
-    // U+202E, U+2066, U+2069 and U+2028
-    EXPECT_EQ("\\u202egpj.exe\\u2066\\u2069\\u2028",
-              printable("\xE2\x80\xAEgpj.exe\xE2\x81\xA6\xE2\x81\xA9\xE2\x80\xA8"));
+    // NOLINTNEXTLINE(misc-misleading-bidirectional): the very text that must not come through
+    EXPECT_EQ("\\u202egpj.exe\\u2066\\u2069\\u2028", printable("\u202egpj.exe\u2066\u2069\u2028"));
 }
 
 TEST(Printable, ReplacesIllFormedBytes) {

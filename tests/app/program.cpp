@@ -1,6 +1,7 @@
 #include "tests/app/program.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
 #include <sys/resource.h>

@@ -38,7 +38,7 @@ std::string JsonGenerator::string() {
                                                            "\x01",
                                                            "\x7F",
                                                            "\\u12",
-                                                           "\\b\\f\\r\\t",
+                                                           R"(\b\f\r\t)",
                                                            "\xE4\xBD\xA0"};
     std::string text = "\"";
     for (int i = upTo(5); i > 0; --i) {

@@ -175,7 +175,7 @@ TEST(JsonReader, AgreesWithTheLibraryOnEveryTruncation) {
 }
 
 TEST(JsonReader, AgreesWithTheLibraryOnEveryFlippedBit) {
-    const std::string text = "{\"a\":[1,2.5,\"x\\u0041\\\\y\"],\"b\":{\"c\":-0,\"d\":null},\"e\":false}";
+    const std::string text = R"({"a":[1,2.5,"x\u0041\\y"],"b":{"c":-0,"d":null},"e":false})";
     for (std::size_t bit = 0; bit < text.size() * 8; ++bit) {
         std::string flipped = text;
         flipped[bit / 8] = static_cast<char>(flipped[bit / 8] ^ (1 << bit % 8));
@@ -217,7 +217,7 @@ TEST(JsonReader, AgreesWithTheLibraryOnTheDeepestNesting) {
 }
 
 TEST(JsonTree, HasAnyKindOfRoot) {
-    for (const char* root : {"1", "-0.5e3", "\"x\\u0000y\"", "true", "false", "null", " [] ", "\xEF\xBB\xBF{}", "nul",
+    for (const char* root : {"1", "-0.5e3", R"("x\u0000y")", "true", "false", "null", " [] ", "\xEF\xBB\xBF{}", "nul",
                              "\"x", "truefalse", "1x", ""}) {
         std::string text = root;
         const tools::JsonDocument tree = tools::readJsonTree(text);

@@ -15,7 +15,7 @@ std::string byTree(imsdk::st_dbMessageBean message) {
     dbTrans transfer;
     const tools::JsonDocument document(transfer.makeJson(2, &message));
     char* text = json_serialize_to_string(document.get());
-    const std::string result = text;
+    std::string result = text;
     json_free_serialized_string(text);
     return result;
 }

@@ -3,6 +3,7 @@
 
 #include <chrono>
 
+#include "host/tools.h"
 #include "tests/export/account_fixture.h"
 
 namespace {
@@ -161,8 +162,8 @@ TEST_F(AttachmentExport, IntoAFolderThatCannotBeMadeIsReported) {
 class PositionListener : public ProgressListener {
 public:
     void onProgress(long long /*context*/, int stage, int percent, const char* text) override {
-        const long long done = std::atoll(text);
-        const long long total = std::atoll(text + std::string(text).find('/') + 1);
+        const long long done = tools::atoint64(text);
+        const long long total = tools::atoint64(text + std::string(text).find('/') + 1);
         stageOnly = stageOnly && stage == 2;
         percentRight = percentRight && percent == done * 100 / total;
         rising = rising && done > lastDone;

@@ -1,9 +1,8 @@
 // The JSON of a backup package.
 #include <climits>
-#include <clocale>
-#include <cstdlib>
 
 #include "tests/export/account_fixture.h"
+#include "tests/support/comma_locale.h"
 
 namespace {
 
@@ -242,36 +241,12 @@ TEST_F(PackageFormat, WithoutMemoryIsNullOrIncompleteButNeverBroken) {
     }
 }
 
-// Sets LC_NUMERIC to a locale with "," as its decimal sign, made for the occasion, until the scope ends.
-class CommaLocale {
-public:
-    explicit CommaLocale(const test::TempDir& dir) {
-        const std::string make = "localedef -i de_DE -f UTF-8 " + dir.at("de_DE.UTF-8") + " >/dev/null 2>&1";
-        // NOLINTNEXTLINE(cert-env33-c,concurrency-mt-unsafe): a fixed command, in a program of one thread
-        made_ = std::system(make.c_str()) == 0 && setenv("LOCPATH", dir.path().c_str(), 1) == 0 &&
-                std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
-    }
-    ~CommaLocale() {
-        std::setlocale(LC_ALL, "C");
-        unsetenv("LOCPATH");
-    }
-    CommaLocale(const CommaLocale&) = delete;
-    CommaLocale& operator=(const CommaLocale&) = delete;
-    CommaLocale(CommaLocale&&) = delete;
-    CommaLocale& operator=(CommaLocale&&) = delete;
-
-    bool made() const { return made_ && *std::localeconv()->decimal_point == ','; }
-
-private:
-    bool made_ = false;
-};
-
 TEST_F(BothWriters, WriteTheSameUnderALocaleWithADecimalComma) {
     message.time_ = 1551916800000;
     message.limitRange = "1000000;-5";
     const std::string plain = json();
-    const CommaLocale locale(dir);
-    if (!locale.made()) GTEST_SKIP() << "no locale with a decimal comma can be made here";
+    const test::CommaLocale locale;
+    if (!test::CommaLocale::isSet()) GTEST_SKIP() << "no locale with a decimal comma can be made here";
     EXPECT_EQ(plain, json());
     EXPECT_EQ(plain, written());
 }

@@ -345,9 +345,9 @@ TEST_F(BrokenDatabase, DamagedPagesCostTheRestOfTheirTableOnlyAndAreReported) {
     addConversation("im_msg_1", messageOn(2019, 3, 7, 1, 0, std::string(500, 'x')), 2000);
     addConversation("im_msg_2", messageOn(2019, 4, 1, 9));
     {
-        constexpr int kPage = 4096;
+        constexpr std::size_t kPage = 4096;
         std::fstream file(mainPath(), std::ios::in | std::ios::out | std::ios::binary);
-        file.seekp(40 * kPage);
+        file.seekp(static_cast<std::streamoff>(40 * kPage));
         file << std::string(20 * kPage, '\xFF');
     }
     EXPECT_EQ(0U, transfer.rdMsgFromDB(2019, 1, 1));
@@ -499,7 +499,7 @@ TEST_F(AttachmentExtraction, WithAMissingOrWrongKeyCollectsNothingButKnowsTheBod
 }
 
 TEST_F(AttachmentExtraction, OfABodyThatIsNoJsonObjectIsZero) {
-    for (const char* body : {"", "hello", "[]", "[{\"mediaUrl\":\"a\"}]", "\"text\"", "7", "null", "{\"mediaUrl\":"}) {
+    for (const char* body : {"", "hello", "[]", R"([{"mediaUrl":"a"}])", R"("text")", "7", "null", R"({"mediaUrl":)"}) {
         for (const int type : {3, 5, 6})
             EXPECT_EQ(0, transfer.parseUrl(body, type)) << body;
     }

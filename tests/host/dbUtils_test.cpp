@@ -35,7 +35,7 @@ protected:
 
 private:
     std::string madeDatabase(const std::string& name, const std::string& content, const char* key) const {
-        const std::string path = dir.at(name);
+        std::string path = dir.at(name);
         test::runSql(path, {"create table content(x)", "insert into content values('" + content + "')"}, key);
         return path;
     }

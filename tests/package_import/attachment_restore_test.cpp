@@ -41,7 +41,7 @@ protected:
 // --- What a body must be ---
 
 TEST_F(AttachmentRestore, GivesZeroForABodyThatIsNoJson) {
-    for (const char* body : {"hello", "", "{", "{\"mediaUrl\":\"a/b\""}) {
+    for (const char* body : {"hello", "", "{", R"({"mediaUrl":"a/b")"}) {
         EXPECT_EQ(0, transfer_.importFile(body, kFile)) << body;
     }
     EXPECT_EQ("||", restored());
