@@ -2,7 +2,7 @@
 PRESET ?= release
 BUILD := build/$(PRESET)
 
-.PHONY: demo test asan soak bench fuzz build setup format tidy clean
+.PHONY: demo test asan soak bench fuzz cross coverage build setup format tidy clean
 
 ## Make a sample account, export it, import it elsewhere (twice), verify, and say what moved.
 demo: build
@@ -36,6 +36,16 @@ fuzz:
 	cmake --preset fuzz
 	cmake --build --preset fuzz
 	scripts/fuzz $(or $(SECONDS),60) $(TARGETS)
+
+## The tests on other processors, in an emulator, and packages exchanged with them. MACHINES: aarch64, armhf.
+cross:
+	scripts/cross $(MACHINES)
+
+## How much of transfer/ and host/ the tests reach.
+coverage:
+	scripts/setup gcovr
+	$(MAKE) --no-print-directory test PRESET=coverage
+	scripts/coverage
 
 build: setup
 	cmake --preset $(PRESET)
