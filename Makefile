@@ -5,7 +5,9 @@ BUILD := build/$(PRESET)
 .PHONY: demo test asan soak bench fuzz cross coverage build setup format tidy clean
 
 ## Make a sample account, export it, import it elsewhere (twice), verify, and say what moved.
-demo: build
+demo: setup
+	cmake --preset $(PRESET)
+	cmake --build --preset $(PRESET) --target chat-transfer
 	scripts/demo $(BUILD)/app/chat-transfer
 
 ## Build and run all tests.
