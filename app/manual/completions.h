@@ -1,0 +1,15 @@
+// Completion of command lines in the usual shells.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/manual/described.h"
+
+namespace app {
+
+std::string bashCompletion(const std::string& program, const std::vector<DescribedCommand>& commands);
+std::string zshCompletion(const std::string& program, const std::vector<DescribedCommand>& commands);
+std::string fishCompletion(const std::string& program, const std::vector<DescribedCommand>& commands);
+
+}  // namespace app
