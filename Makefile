@@ -2,7 +2,7 @@
 PRESET ?= release
 BUILD := build/$(PRESET)
 
-.PHONY: demo test asan soak bench fuzz cross coverage build setup format tidy clean
+.PHONY: demo test asan soak bench fuzz cross coverage package build setup format tidy clean
 
 ## Make a sample account, export it, import it elsewhere (twice), verify, and say what moved.
 demo: setup
@@ -48,6 +48,10 @@ coverage:
 	scripts/setup gcovr
 	$(MAKE) --no-print-directory test PRESET=coverage
 	scripts/coverage
+
+## A Debian package with the program, its pages and the libraries, in build/package.
+package: build
+	cpack --config $(BUILD)/CPackConfig.cmake -G DEB -B build/package
 
 build: setup
 	cmake --preset $(PRESET)

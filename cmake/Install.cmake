@@ -26,6 +26,16 @@ if(NOT CHAT_TRANSFER_SQLITE_TARGET)
                 "${PROJECT_BINARY_DIR}/chat_transferConfigVersion.cmake" DESTINATION "${package_dir}")
 endif()
 
+# For hosts that are not built by CMake. The paths are relative to the file, so that the tree can be moved.
+if(TARGET chat_transfer_sqlite3mc)
+  set(pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+  file(RELATIVE_PATH up "/${pkgconfig_dir}" /)
+  foreach(name chat_transfer chat_transfer_c)
+    configure_file("${CMAKE_CURRENT_LIST_DIR}/${name}.pc.in" "${PROJECT_BINARY_DIR}/${name}.pc" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/${name}.pc" DESTINATION "${pkgconfig_dir}")
+  endforeach()
+endif()
+
 # Only what a host includes; the other headers are the inside of the libraries.
 install(FILES host/dbUtils.h host/tools.h host/CAES.h host/json.h "${PROJECT_BINARY_DIR}/host/generated/host/json_names.h"
         DESTINATION "${include_dir}/host")

@@ -113,7 +113,8 @@ std::string fishOption(const std::string& condition, const DescribedOption& opti
 std::string bashCompletion(const std::string& program, const std::vector<DescribedCommand>& commands) {
     std::ostringstream text;
     text << "# Completion of " << program << " for bash.\n\n"
-         << "# Sets `values` to what compgen offers for the value of option $2 of command $1, and `options` to its options.\n"
+         << "# Sets `values` to what compgen offers for the value of option $2 of command $1, and `options` to its "
+            "options.\n"
          << "_chat_transfer_describe() {\n"
          << "    case $1 in\n";
     for (const DescribedCommand& command : commands) {
@@ -127,8 +128,8 @@ std::string bashCompletion(const std::string& program, const std::vector<Describ
          << "_chat_transfer() {\n"
          << "    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='' values=''\n"
          << "    if [ \"$COMP_CWORD\" -le 1 ]; then\n"
-         << "        mapfile -t COMPREPLY < <(compgen -W " << quoted(joined(namesOf(commands), " ") + " --help --version")
-         << " -- \"$word\")\n"
+         << "        mapfile -t COMPREPLY < <(compgen -W "
+         << quoted(joined(namesOf(commands), " ") + " --help --version") << " -- \"$word\")\n"
          << "        return\n"
          << "    fi\n"
          << "    _chat_transfer_describe \"${COMP_WORDS[1]}\" \"$before\"\n"

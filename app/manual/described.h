@@ -1,5 +1,5 @@
-// What the command line says of itself, without the parser: the one source of the manual page and of the completions, and
-// the same that --help prints.
+// What the command line says of itself, without the parser: the one source of the manual page and of the completions,
+// and the same that --help prints.
 #pragma once
 
 #include <string>

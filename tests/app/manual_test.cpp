@@ -38,10 +38,9 @@ protected:
 
     // What bash offers for the last of the words, one offer per line.
     std::string offers(const std::string& words) const {
-        const std::string script =
-            document("bash") +
-            "COMP_WORDS=(chat-transfer " + words + ")\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n"
-            "_chat_transfer\nprintf '%s\\n' \"${COMPREPLY[@]}\"\n";
+        const std::string script = document("bash") + "COMP_WORDS=(chat-transfer " + words +
+                                   ")\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n"
+                                   "_chat_transfer\nprintf '%s\\n' \"${COMPREPLY[@]}\"\n";
         Setting setting;
         setting.workingDirectory = dir_.path();
         const Outcome run = runProgram("/bin/bash", {"--norc", "-uc", script}, setting);
