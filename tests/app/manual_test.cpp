@@ -1,7 +1,7 @@
 // The manual page and the completions of the shells.
 #include <CLI/CLI.hpp>
-#include <regex>
 #include <set>
+#include <sstream>
 
 #include "app/manual/completions.h"
 #include "app/manual/manual_page.h"
@@ -22,11 +22,13 @@ protected:
 
     // The options that the help of a command lists.
     static std::set<std::string> optionsInHelp(const std::string& command) {
-        const std::string help = chatTransfer({command, "--help"}).out;
-        const std::regex option("\n  (?:-[a-z],)?(--[a-z-]+)");
+        std::istringstream help(chatTransfer({command, "--help"}).out);
         std::set<std::string> names;
-        for (std::sregex_iterator found(help.begin(), help.end(), option), end; found != end; ++found)
-            names.insert((*found)[1]);
+        for (std::string line; std::getline(help, line);) {
+            // "  -h,--help      Print ...", not the examples further down.
+            if (line.compare(0, 3, "  -") == 0)
+                names.insert(line.substr(line.find("--"), line.find(' ', 3) - line.find("--")));
+        }
         return names;
     }
 
