@@ -83,8 +83,14 @@ void chat_transfer_set_progress(chat_transfer* transfer, chat_transfer_progress 
 
 /* --- Operations --- */
 
-typedef enum { CHAT_TRANSFER_BY_DAY = 0, CHAT_TRANSFER_PACKED = 1 } chat_transfer_layout;
-typedef enum { CHAT_TRANSFER_MAIN = 0, CHAT_TRANSFER_BACK = 1 } chat_transfer_database;
+/* How messages are put into files, and which database gets them. Integers of a fixed size, since that of an enum
+ * differs between compilers; any other value gives CHAT_TRANSFER_INVALID. */
+typedef int32_t chat_transfer_layout;
+#define CHAT_TRANSFER_BY_DAY INT32_C(0)
+#define CHAT_TRANSFER_PACKED INT32_C(1)
+typedef int32_t chat_transfer_database;
+#define CHAT_TRANSFER_MAIN INT32_C(0)
+#define CHAT_TRANSFER_BACK INT32_C(1)
 
 /* Writes the messages dated on or after the day into a new package, with recent contacts (by day only) and attachments.
  * Packed files hold 1000 messages; what follows the last full 1000 inside the last day is left out of them.

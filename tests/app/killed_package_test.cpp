@@ -45,7 +45,7 @@ protected:
 };
 
 TEST_F(Killed, ExportLeavesNoPackageOrAWholeOneAndCanBeRepeated) {
-    const std::string whole = snapshotOf(at("package"));
+    const std::string whole = snapshotOf(at("package/qelmsg_0"));
     const microseconds most = timeOf([this] { exportFrom("account", "timed"); });
     killEach(
         most,
@@ -58,7 +58,8 @@ TEST_F(Killed, ExportLeavesNoPackageOrAWholeOneAndCanBeRepeated) {
             if (!hasPackage(to)) {
                 ASSERT_EXIT_CODE(0, exportFrom("account", to));
             }
-            ASSERT_TRUE(whole == snapshotOf(at(to))) << i;
+            // Beside it the hidden folder may be left in which it was made.
+            ASSERT_TRUE(whole == snapshotOf(at(to + "/qelmsg_0"))) << i;
             std::filesystem::remove_all(at(to));
         });
 }
