@@ -23,6 +23,7 @@ std::string quoted(const std::string& text) {
 
 std::vector<std::string> namesOf(const std::vector<DescribedCommand>& commands) {
     std::vector<std::string> names;
+    names.reserve(commands.size());
     for (const DescribedCommand& command : commands)
         names.push_back(command.name);
     return names;
@@ -81,14 +82,16 @@ std::string zshAction(const DescribedOption& option) {
 }
 
 std::string zshArguments(const DescribedCommand& command) {
-    std::string text;
+    std::ostringstream text;
+    const char* const nextLine = " \\\n                ";
     for (const DescribedOption& option : command.options) {
         const std::string value = option.value.empty() ? "" : ":" + option.value + ":" + zshAction(option);
-        if (option.names.empty()) text += " \\\n                " + quoted("1" + value);
+        const std::string description = "[" + zshText(option.text) + "]";
+        if (option.names.empty()) text << nextLine << quoted("1" + value);
         for (const std::string& name : option.names)
-            text += " \\\n                " + quoted(name + "[" + zshText(option.text) + "]" + value);
+            text << nextLine << quoted(name + description + value);
     }
-    return text;
+    return text.str();
 }
 
 // --- fish ---

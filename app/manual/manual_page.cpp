@@ -63,8 +63,8 @@ std::string sectionOf(const DescribedCommand& command) {
 
 std::string manualPage(const ManualHead& head, const std::vector<DescribedCommand>& commands) {
     std::ostringstream page;
-    page << ".TH CHAT\\-TRANSFER 1 \"\" \"" << literal(head.version) << "\" \"User Commands\"\n"
-         << ".SH NAME\n"
+    page << R"(.TH CHAT\-TRANSFER 1 "" ")" << literal(head.version) << R"(" "User Commands")"
+         << "\n.SH NAME\n"
          << literal(head.name) << " \\- moves the history of a chat account\n"
          << ".SH SYNOPSIS\n"
          << bold(head.name) << " " << italic("COMMAND") << " [" << italic("OPTIONS") << "]\n"

@@ -67,8 +67,8 @@ TEST_F(Manual, DescribesEveryOptionThatTheHelpOfACommandLists) {
 
 TEST_F(Manual, PageHasASectionForEachCommandWithItsOptionsAndExamples) {
     const std::string page = document("man");
-    for (const char* text : {".SS export\n", "\\fB\\-\\-since\\fR \\fIYYYY\\-MM\\-DD\\fR\n", "(default: days)",
-                             ".SS import\\-tree\n", "  chat\\-transfer import\\-tree \\-\\-from"})
+    for (const char* text : {".SS export\n", R"(\fB\-\-since\fR \fIYYYY\-MM\-DD\fR)", "(default: days)",
+                             R"(.SS import\-tree)", R"(  chat\-transfer import\-tree \-\-from)"})
         EXPECT_SAYS(text, page);
 }
 
