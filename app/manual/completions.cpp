@@ -86,10 +86,10 @@ std::string zshArguments(const DescribedCommand& command) {
     const char* const nextLine = " \\\n                ";
     for (const DescribedOption& option : command.options) {
         const std::string value = option.value.empty() ? "" : ":" + option.value + ":" + zshAction(option);
-        const std::string description = "[" + zshText(option.text) + "]";
+        const std::string rest = "[" + zshText(option.text) + "]" + value;
         if (option.names.empty()) text << nextLine << quoted("1" + value);
         for (const std::string& name : option.names)
-            text << nextLine << quoted(name + description + value);
+            text << nextLine << quoted(std::string(name).append(rest));
     }
     return text.str();
 }
