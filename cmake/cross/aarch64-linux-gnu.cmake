@@ -1,9 +1,3 @@
-# Debian's cross compiler for aarch64, with the libraries of that architecture beside our own, and the emulator that runs what
-# is built. scripts/cross installs all of it.
-set(CMAKE_SYSTEM_NAME Linux)
-set(CMAKE_SYSTEM_PROCESSOR aarch64)
-set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
-set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
-set(CMAKE_LIBRARY_ARCHITECTURE aarch64-linux-gnu)
+set(triplet aarch64-linux-gnu)
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64)
-set(ENV{PKG_CONFIG_LIBDIR} /usr/lib/aarch64-linux-gnu/pkgconfig)
+include("${CMAKE_CURRENT_LIST_DIR}/debian.cmake")
