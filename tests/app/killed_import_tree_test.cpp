@@ -4,11 +4,10 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
-#include <random>
 #include <sstream>
 
+#include "tests/app/kills.h"
 #include "tests/app/tree_command_fixture.h"
-#include "tests/support/seconds_of.h"
 
 namespace test {
 namespace {
@@ -42,8 +41,12 @@ protected:
         ASSERT_EXIT_CODE(0, chatTransfer({"sample-tree", "--to", at("plain"), "--user", kUser, "--conversations", "6",
                                           "--messages", "4000", "--per-file", "100", "--days", "10"}));
         ASSERT_EXIT_CODE(0, encryptTree("plain", "backup"));
+        ASSERT_EQ(0, waitFor(startImport("whole")).code);
+        undisturbed_ = everythingOf("whole");
+        all_ = decryptedFiles("whole");
     }
 
+    static std::string accountOf(int kill) { return "killed" + std::to_string(kill); }
     static std::string treeOf(const std::string& account) { return account + "-tree"; }
 
     // Starts the import of a fresh copy of the tree into a fresh account.
@@ -62,36 +65,26 @@ protected:
         return child;
     }
 
-    template <class Work>
-    static microseconds timeOf(Work work) {
-        return std::chrono::duration_cast<microseconds>(std::chrono::duration<double>(secondsOf(work)));
-    }
-
     // Kills what start() starts at random moments within `most`, and lets the import be run again after each.
-    void killEach(microseconds most, const std::function<pid_t(const std::string&)>& start,
-                  const std::string& undisturbed) const {
-        std::mt19937 random(20);  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same moments each time
-        std::uniform_int_distribution<microseconds::rep> moment(0, most.count());
-        for (int i = 0; i < killCount(kUsualKills); ++i) {
-            const std::string account = "killed" + std::to_string(i);
-            killAfter(microseconds(moment(random)), [&] { return start(account); });
-            expectThatARepeatedImportEndsAs(undisturbed, account);
-        }
+    void killEachAndRepeat(microseconds most, const std::function<pid_t(const std::string&)>& start) const {
+        killEach(
+            kUsualKills, most, [&](int i) { return start(accountOf(i)); },
+            [&](int i) { expectThatARepeatedImportEndsAsTheUndisturbed(accountOf(i)); });
     }
 
     // Kills an import that has decrypted at least so many files, but not all of them.
-    void killWhileItDecrypts(long long files, long long all, const std::string& account) const {
+    void killWhileItDecrypts(long long files, const std::string& account) const {
         constexpr int kTries = 100;
         for (int i = 0; i < kTries; ++i) {
             killAfter(microseconds(0), [&] { return startAndWaitFor(files, account); });
-            if (decryptedFiles(account) < all) return;
+            if (decryptedFiles(account) < all_) return;
         }
         ADD_FAILURE() << "no kill hit the decryption of the tree";
     }
 
-    void expectThatARepeatedImportEndsAs(const std::string& undisturbed, const std::string& account) const {
+    void expectThatARepeatedImportEndsAsTheUndisturbed(const std::string& account) const {
         ASSERT_EXIT_CODE(0, importTree(account, treeOf(account)));
-        EXPECT_EQ("", firstDifference(undisturbed, everythingOf(account))) << account;
+        EXPECT_EQ("", firstDifference(undisturbed_, everythingOf(account))) << account;
         fs::remove_all(at(account));
         fs::remove_all(at(treeOf(account)));
     }
@@ -104,38 +97,30 @@ protected:
         return contentOf(account) + wholeText(at(account + "/db/backimsg.db"), kKey) + namesBelow(account) +
                filesBelow(treeOf(account));
     }
+
+    std::string undisturbed_;  // everything, after an import that nobody disturbed
+    long long all_ = 0;        // how many files that one decrypted
 };
 
 TEST_F(KilledImportTree, BeforeTheDecryptionAndRunAgainLeavesWhatAnUndisturbedRunLeaves) {
-    ASSERT_EQ(0, waitFor(startImport("whole")).code);
-    const std::string undisturbed = everythingOf("whole");
     pid_t child = 0;
     const microseconds most = timeOf([&] { child = startAndWaitFor(1, "timed"); });
     EXPECT_EQ(0, waitFor(child).code);
-    killEach(
-        most, [&](const std::string& account) { return startImport(account); }, undisturbed);
+    killEachAndRepeat(most, [&](const std::string& account) { return startImport(account); });
 }
 
 TEST_F(KilledImportTree, WhileItDecryptsAndRunAgainLeavesWhatAnUndisturbedRunLeaves) {
-    ASSERT_EQ(0, waitFor(startImport("whole")).code);
-    const std::string undisturbed = everythingOf("whole");
-    const long long all = decryptedFiles("whole");
     const int moments = killCount(kUsualKills);
     for (int i = 0; i < moments; ++i) {
-        const std::string account = "killed" + std::to_string(i);
-        killWhileItDecrypts(1 + (all - 2) * i / moments, all, account);
-        expectThatARepeatedImportEndsAs(undisturbed, account);
+        killWhileItDecrypts(1 + (all_ - 2) * i / moments, accountOf(i));
+        ASSERT_NO_FATAL_FAILURE(expectThatARepeatedImportEndsAsTheUndisturbed(accountOf(i)));
     }
 }
 
 TEST_F(KilledImportTree, BehindTheDecryptionAndRunAgainLeavesWhatAnUndisturbedRunLeaves) {
-    ASSERT_EQ(0, waitFor(startImport("whole")).code);
-    const std::string undisturbed = everythingOf("whole");
-    const long long all = decryptedFiles("whole");
-    const pid_t child = startAndWaitFor(all, "timed");
+    const pid_t child = startAndWaitFor(all_, "timed");
     const microseconds most = timeOf([child] { EXPECT_EQ(0, waitFor(child).code); });
-    killEach(
-        most, [&](const std::string& account) { return startAndWaitFor(all, account); }, undisturbed);
+    killEachAndRepeat(most, [&](const std::string& account) { return startAndWaitFor(all_, account); });
 }
 
 }  // namespace

@@ -1,11 +1,9 @@
 // An export and an import of a package that are killed at random moments, and run again.
 #include <chrono>
 #include <filesystem>
-#include <functional>
-#include <random>
 
 #include "tests/app/fixture.h"
-#include "tests/support/seconds_of.h"
+#include "tests/app/kills.h"
 #include "tests/support/snapshot.h"
 
 namespace test {
@@ -22,22 +20,6 @@ protected:
         ASSERT_EXIT_CODE(0, exportFrom("account", "package"));
     }
 
-    template <class Work>
-    static microseconds timeOf(Work work) {
-        return std::chrono::duration_cast<microseconds>(std::chrono::duration<double>(secondsOf(work)));
-    }
-
-    // Kills what start(i) starts within `most`, for each i; then check(i).
-    static void killEach(microseconds most, const std::function<pid_t(int)>& start,
-                         const std::function<void(int)>& check) {
-        std::mt19937 random(21);  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same moments each time
-        std::uniform_int_distribution<microseconds::rep> moment(0, most.count());
-        for (int i = 0; i < killCount(kUsualKills); ++i) {
-            killAfter(microseconds(moment(random)), [&] { return start(i); });
-            ASSERT_NO_FATAL_FAILURE(check(i));
-        }
-    }
-
     pid_t startAnew(const std::string& folder, const Arguments& arguments) const {
         std::filesystem::remove_all(at(folder));
         return startChatTransfer(arguments);
@@ -48,7 +30,7 @@ TEST_F(Killed, ExportLeavesNoPackageOrAWholeOneAndCanBeRepeated) {
     const std::string whole = snapshotOf(at("package/qelmsg_0"));
     const microseconds most = timeOf([this] { exportFrom("account", "timed"); });
     killEach(
-        most,
+        kUsualKills, most,
         [this](int i) {
             const std::string to = "to" + std::to_string(i);
             return startAnew(to, {"export", "--account", at("account"), "--user", kUser, "--to", at(to)});
@@ -67,7 +49,7 @@ TEST_F(Killed, ExportLeavesNoPackageOrAWholeOneAndCanBeRepeated) {
 TEST_F(Killed, ImportCanBeRepeatedAndEndsAsIfUndisturbed) {
     const microseconds most = timeOf([this] { importInto("timed", "package"); });
     killEach(
-        most,
+        kUsualKills, most,
         [this](int i) {
             const std::string into = "into" + std::to_string(i);
             return startAnew(into, {"import", "--from", at("package"), "--account", at(into), "--user", kUser});

@@ -1,7 +1,6 @@
 #include "tests/app/program.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
 #include <sys/resource.h>
@@ -14,7 +13,6 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "host/tools.h"
 #include "tests/support/temp_dir.h"
 
 namespace test {
@@ -148,18 +146,6 @@ bool isOver(pid_t child) {
     return waitid(P_PID, static_cast<id_t>(child), &end, WEXITED | WNOHANG | WNOWAIT) != 0 || end.si_pid == child;
 }
 
-void killAfter(std::chrono::microseconds pause, const std::function<pid_t()>& start) {
-    constexpr int kTries = 100;
-    for (int i = 0; i < kTries; ++i) {
-        const pid_t child = start();
-        usleep(static_cast<useconds_t>(pause.count()));
-        kill(child, SIGKILL);
-        if (waitFor(child).killed) return;
-        pause = pause * 3 / 4;
-    }
-    ADD_FAILURE() << "the program was always over before it could be killed";
-}
-
 bool waitUntilThere(const std::string& path) {
     constexpr int kTries = 10000;
     constexpr useconds_t kPause = 1000;
@@ -168,11 +154,6 @@ bool waitUntilThere(const std::string& path) {
         usleep(kPause);
     }
     return false;
-}
-
-int killCount(int usual) {
-    const char* asked = std::getenv("CHAT_TRANSFER_KILLS");
-    return asked != nullptr ? static_cast<int>(tools::atoint64(asked)) : usual;
 }
 
 }  // namespace test

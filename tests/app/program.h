@@ -3,8 +3,6 @@
 
 #include <sys/types.h>
 
-#include <chrono>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -57,12 +55,5 @@ bool waitUntilThere(const std::string& path);
 
 /// Whether a started child is over; waitFor() still has to be called.
 bool isOver(pid_t child);
-
-/// Starts a child and kills it `pause` later. A machine that is faster now has it done before: then it is started anew
-/// and killed earlier, so that a test never depends on how long something took.
-void killAfter(std::chrono::microseconds pause, const std::function<pid_t()>& start);
-
-/// At how many moments a test kills the program: `usual`, or what CHAT_TRANSFER_KILLS says.
-int killCount(int usual);
 
 }  // namespace test
