@@ -61,6 +61,10 @@ bool dbUtils::transactionFailed() const {
     return !connection_ || connection_->batchLost();
 }
 
+void dbUtils::cacheSchemaOf(std::size_t tables) {
+    if (connection_) connection_->cacheSchemaOf(tables);
+}
+
 bool dbUtils::isOpen() const {
     return connection_ != nullptr;
 }

@@ -2,11 +2,13 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <new>
 #include <utility>
 
+#include "host/fixed_text.h"
 #include "host/wipe.h"
 
 namespace imsdk::detail {
@@ -16,9 +18,10 @@ namespace {
 // cover a slow disk without making a person believe that nothing happens.
 constexpr int kBusyTimeoutMs = 4000;
 
-// Creating a conversation's table makes SQLite read its whole schema again. With the schema of 20,000 conversations in
-// the page cache that costs half as much as with the default of 2 MB. It is an upper limit, not an allocation.
-constexpr const char* kPageCache = "PRAGMA cache_size = -65536";
+// SQLite's default page cache, and what the schema of one more table of ours takes of it at most, with its index.
+constexpr std::size_t kPageCacheKiB = 2000;
+constexpr std::size_t kSchemaKiBPerTable = 1;
+constexpr std::size_t kMostPageCacheKiB = 65536;
 
 // What a single row or statement of ours may cost. A database of a stranger can ask for much more with few bytes:
 // columns that compute texts of a gigabyte, triggers that never end, expressions so deep that they exhaust the stack.
@@ -122,7 +125,14 @@ void Connection::defend() {
 
 void Connection::configure() {
     execute("PRAGMA cell_size_check = on");  // a damaged page is noticed when it is read
-    execute(kPageCache);
+    execute(tools::FixedText<64>("PRAGMA cache_size = -%zu", kPageCacheKiB).text());
+}
+
+void Connection::cacheSchemaOf(std::size_t tables) {
+    if (tables <= cachedTables_) return;
+    cachedTables_ = 2 * tables;  // seldom enough that a table more costs nothing
+    const std::size_t wanted = kPageCacheKiB + kSchemaKiBPerTable * cachedTables_;
+    execute(tools::FixedText<64>("PRAGMA cache_size = -%zu", std::min(wanted, kMostPageCacheKiB)).text());
 }
 
 int Connection::step(sqlite3_stmt* statement) {

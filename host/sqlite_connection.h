@@ -4,6 +4,7 @@
 #include <sqlite3.h>
 #include <sys/types.h>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -62,6 +63,9 @@ public:
     bool batchLost() const { return batchLost_; }
     bool refusesWrites() const { return batchDepth_ > 0 && batchLost_; }
 
+    /// Makes the page cache large enough for the schema of so many tables. Never makes it smaller.
+    void cacheSchemaOf(std::size_t tables);
+
     int changedRows() const { return sqlite3_changes(handle_.get()); }
     const std::string& lastError() const { return lastError_; }
     bool lastFailureWasConstraint() const { return lastFailure_ == SQLITE_CONSTRAINT; }
@@ -82,6 +86,7 @@ private:
     std::string key_;
     bool hasKey_ = false;
     FileIdentity identity_;
+    std::size_t cachedTables_ = 0;
     int batchDepth_ = 0;
     bool batchLost_ = false;
     int lastFailure_ = SQLITE_OK;

@@ -9,6 +9,7 @@ std::string openMessageTable(dbTrans& transfer, imsdk::dbUtils& db, TableIndex& 
     std::string name = index.find(targetID);
     if (!name.empty()) return name;
     name = messageTableName(targetID).text();
+    db.cacheSchemaOf(transfer.tableNames.size());
     const tools::FixedText<1024> create(kCreateMessageTable, name.c_str());
     if (db.excuteNonQuery(create.text()) == 0) {
         transfer.report.skip(name, "the conversation's table could not be created: " + db.lastError());

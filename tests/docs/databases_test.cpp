@@ -146,8 +146,8 @@ TEST(DatabasesPage, StatesTheSettingsOfAnOpenConnection) {
     test::runSql(database, {});
     EXPECT_EQ("4 s", setting("busy wait"));
     EXPECT_EQ("4000", test::queryText(database, "pragma busy_timeout", 1));
-    EXPECT_EQ("up to 64 MiB", setting("cache_size"));
-    EXPECT_EQ("-65536", test::queryText(database, "pragma cache_size", 1));
+    EXPECT_EQ("2 MB; 1 KiB more for each table while tables are created, up to 64 MiB", setting("cache_size"));
+    EXPECT_EQ("-2000", test::queryText(database, "pragma cache_size", 1));
     EXPECT_EQ("on", setting("cell_size_check"));
     EXPECT_EQ("1", test::queryText(database, "pragma cell_size_check", 1));
     EXPECT_EQ("on", setting("defensive mode, untrusted schema"));

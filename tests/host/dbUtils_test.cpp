@@ -347,6 +347,35 @@ TEST_F(StatementTest, AStatementWithRowsRunsToItsEnd) {
     EXPECT_EQ("3", rows());
 }
 
+// A negative size is in KiB.
+TEST_F(StatementTest, ThePageCacheHasTheDefaultSizeUntilTablesAreCreated) {
+    EXPECT_EQ("-2000", value("pragma cache_size"));
+    db.cacheSchemaOf(20000);
+    EXPECT_EQ("-42000", value("pragma cache_size"));
+}
+
+TEST_F(StatementTest, ThePageCacheGrowsWellAheadOfTheTablesAndIsNeverMadeSmaller) {
+    db.cacheSchemaOf(100);
+    EXPECT_EQ("-2200", value("pragma cache_size"));
+    db.cacheSchemaOf(200);
+    EXPECT_EQ("-2200", value("pragma cache_size"));
+    db.cacheSchemaOf(201);
+    EXPECT_EQ("-2402", value("pragma cache_size"));
+    db.cacheSchemaOf(1);
+    EXPECT_EQ("-2402", value("pragma cache_size"));
+}
+
+TEST_F(StatementTest, ThePageCacheGrowsTo64MiBAtMost) {
+    db.cacheSchemaOf(10'000'000);
+    EXPECT_EQ("-65536", value("pragma cache_size"));
+}
+
+TEST(ClosedConnection, CachesNoSchema) {
+    imsdk::dbUtils closed;
+    closed.cacheSchemaOf(20000);
+    EXPECT_FALSE(closed.isOpen());
+}
+
 TEST_F(StatementTest, TheSchemaTableCannotBeWrittenDirectly) {
     run("pragma writable_schema = on");
     EXPECT_FALSE(run("delete from sqlite_master"));
