@@ -118,10 +118,10 @@ const std::vector<Stage>& raceStages() {
     return stages;
 }
 
-void writeResults(const Arguments& arguments, const Report& report, Workshop& workshop) {
+// Writes what has been measured so far, so that a run that is stopped has not been for nothing. Returns the tables.
+std::string writeResults(const Arguments& arguments, const Report& report, Workshop& workshop) {
     const Settings& settings = workshop.settings();
-    const std::string markdown = toMarkdown(report, settings);
-    std::fputs(markdown.c_str(), stdout);
+    std::string markdown = toMarkdown(report, settings);
     fs::create_directories(arguments.results);
     writeText(arguments.results + "/bench-table.md", markdown);
     writeText(arguments.results + "/bench-results.json", toJson(report, settings, workshop.results()));
@@ -129,6 +129,16 @@ void writeResults(const Arguments& arguments, const Report& report, Workshop& wo
     writeText(pictures + "/performance-time.svg", timePlot(settings, workshop.results()));
     writeText(pictures + "/performance-memory.svg", memoryPlot(settings, workshop.results()));
     if (!arguments.docs.empty()) writePage(arguments.docs + "/performance.md", BENCH_PAGE, markdown);
+    return markdown;
+}
+
+void makeTables(Report& report, Workshop& workshop) {
+    const Settings& settings = workshop.settings();
+    report.rows = makeTable(settings, workshop.results());
+    report.treeImport = makeTreeImportTable(workshop.results());
+    report.treeImportTitle = "Import of " + std::to_string(settings.treeFiles) + " encrypted files, " +
+                             std::to_string(settings.treeMessages()) + " messages";
+    report.peers = makePeerTable(settings, workshop.results());
 }
 
 void compare(const Arguments& arguments) {
@@ -139,15 +149,16 @@ void compare(const Arguments& arguments) {
     report.machine = describeMachine(workshop);
     const std::set<std::string> only(arguments.only.begin(), arguments.only.end());
     const auto wanted = [&only](const std::string& name) { return only.empty() || only.count(name) != 0; };
-    for (const Stage& stage : raceStages())
-        if (wanted(stage.name)) stage.run(workshop);
     if (wanted("disk")) report.disk = makeDiskTable(countImportWrites(workshop));
-    report.rows = makeTable(workshop.settings(), workshop.results());
-    report.treeImport = makeTreeImportTable(workshop.results());
-    report.treeImportTitle = "Import of " + std::to_string(workshop.settings().treeFiles) + " encrypted files, " +
-                             std::to_string(workshop.settings().treeMessages()) + " messages";
-    report.peers = makePeerTable(workshop.settings(), workshop.results());
-    writeResults(arguments, report, workshop);
+    std::string markdown;
+    for (const Stage& stage : raceStages()) {
+        if (!wanted(stage.name)) continue;
+        stage.run(workshop);
+        makeTables(report, workshop);
+        markdown = writeResults(arguments, report, workshop);
+    }
+    if (markdown.empty()) markdown = writeResults(arguments, report, workshop);  // the disk alone
+    std::fputs(markdown.c_str(), stdout);
 }
 
 }  // namespace
