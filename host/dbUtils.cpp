@@ -11,9 +11,11 @@ dbUtils::~dbUtils() = default;
 
 int dbUtils::open(const char* path, const char* key) {
     if (connection_ && connection_->stillServes(path, key)) return 1;
-    lastOpenError_.clear();
     connection_.reset();
-    connection_ = detail::Connection::open(path, key, lastOpenError_);
+    detail::OpenError error;
+    connection_ = detail::Connection::open(path, key, error);
+    lastOpenError_ = std::move(error.words);
+    openFailure_ = error.failure;
     return connection_ ? 1 : 0;
 }
 
@@ -79,6 +81,10 @@ std::string dbUtils::lastError() const {
 
 bool dbUtils::lastFailureWasConstraint() const {
     return connection_ && connection_->lastFailureWasConstraint();
+}
+
+bool dbUtils::lastFailureWasLock() const {
+    return connection_ && connection_->lastFailureWasLock();
 }
 
 }  // namespace imsdk

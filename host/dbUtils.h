@@ -56,6 +56,17 @@ private:
     std::unique_ptr<detail::Statement> statement_;
 };
 
+/// Why a database did not open, as far as the database engine can tell.
+enum class OpenFailure {
+    none,          ///< it is open, or has not been tried
+    missing,       ///< there is no such file, or it is no regular file
+    notPermitted,  ///< the file may not be read
+    locked,        ///< another process holds it
+    notDecoded,    ///< it is no database, or not with this key: without the key the two look the same
+    damaged,       ///< a database with broken pages
+    other          ///< lastError() has the engine's words
+};
+
 /// One connection to one database file. It is closed by its own destruction, or when another file is opened with it.
 class dbUtils {
 public:
@@ -121,6 +132,9 @@ public:
     /// True between a successful open() and the destruction or a failed open().
     bool isOpen() const;
 
+    /// Why the last open() failed; none when it did not.
+    OpenFailure openFailure() const { return openFailure_; }
+
     /// Number of rows that the last successful insert, update or delete changed.
     int changedRows() const;
 
@@ -131,11 +145,15 @@ public:
     /// database is fine.
     bool lastFailureWasConstraint() const;
 
+    /// True when the last failure was that another connection held the database for longer than the busy wait.
+    bool lastFailureWasLock() const;
+
 private:
     friend class dbCommand;
 
     std::shared_ptr<detail::Connection> connection_;
     std::string lastOpenError_;
+    OpenFailure openFailure_ = OpenFailure::none;
 };
 
 /// A prepared statement on one connection, with "?" placeholders counted from 1. The connection object must outlive the

@@ -66,19 +66,36 @@ bool isRefusalOfContent(int code) {
     }
 }
 
+OpenFailure openFailureOf(int code) {
+    switch (code & 0xff) {
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            return OpenFailure::locked;
+        case SQLITE_CANTOPEN:
+        case SQLITE_PERM:
+            return OpenFailure::notPermitted;
+        case SQLITE_NOTADB:
+            return OpenFailure::notDecoded;
+        case SQLITE_CORRUPT:
+            return OpenFailure::damaged;
+        default:
+            return OpenFailure::other;
+    }
+}
+
 }  // namespace
 
-std::shared_ptr<Connection> Connection::open(const char* path, const char* key, std::string& error) {
+std::shared_ptr<Connection> Connection::open(const char* path, const char* key, OpenError& error) {
     std::shared_ptr<Connection> connection(new Connection);
     if (path == nullptr || !identify(path, connection->identity_)) {
-        error = "there is no such file";
+        error = {OpenFailure::missing, "there is no such file"};
         return nullptr;
     }
     sqlite3* handle = nullptr;
     const int code = sqlite3_open_v2(path, &handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
     connection->handle_.reset(handle);
     if (code != SQLITE_OK) {
-        error = handle != nullptr ? sqlite3_errmsg(handle) : "out of memory";
+        error = {openFailureOf(code), handle != nullptr ? sqlite3_errmsg(handle) : "out of memory"};
         return nullptr;
     }
     connection->path_ = path;
@@ -88,7 +105,7 @@ std::shared_ptr<Connection> Connection::open(const char* path, const char* key, 
     connection->defend();
     sqlite3_busy_timeout(handle, kBusyTimeoutMs);
     if ((key != nullptr && !connection->unlock(key)) || !connection->readsSchema()) {
-        error = connection->lastError_;
+        error = {openFailureOf(connection->lastFailure_), connection->lastError_};
         return nullptr;
     }
     connection->configure();

@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "host/dbUtils.h"
+
 namespace imsdk::detail {
 
 struct CloseDatabase {
@@ -29,11 +31,17 @@ struct FileIdentity {
     bool operator==(const FileIdentity& other) const { return device == other.device && inode == other.inode; }
 };
 
+/// Why a file did not open.
+struct OpenError {
+    OpenFailure failure = OpenFailure::none;
+    std::string words;
+};
+
 /// One open database file with its batch state.
 class Connection {
 public:
     /// Null when the file does not open; `error` then says why.
-    static std::shared_ptr<Connection> open(const char* path, const char* key, std::string& error);
+    static std::shared_ptr<Connection> open(const char* path, const char* key, OpenError& error);
 
     ~Connection();
     Connection(const Connection&) = delete;
@@ -69,6 +77,7 @@ public:
     int changedRows() const { return sqlite3_changes(handle_.get()); }
     const std::string& lastError() const { return lastError_; }
     bool lastFailureWasConstraint() const { return lastFailure_ == SQLITE_CONSTRAINT; }
+    bool lastFailureWasLock() const { return lastFailure_ == SQLITE_BUSY || lastFailure_ == SQLITE_LOCKED; }
 
 private:
     Connection() = default;

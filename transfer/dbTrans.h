@@ -2,8 +2,9 @@
 //
 // A transfer object carries one export of a user's chat history into a backup package, or one import of a package or of
 // an encrypted per-conversation tree into the databases. The host sets the public members, then calls operations one
-// after another, from one thread at a time. Operations throw nothing of their own (std::bad_alloc passes), print
-// nothing and log nothing: results are the codes of error_codes.h, details stand in `report`.
+// after another, from one thread at a time. Operations throw nothing of their own (std::bad_alloc and what the
+// listener throws pass), print nothing and log nothing: results are the codes of error_codes.h, details stand in
+// `report`.
 //
 // Every int result that can be an error code carries the code's 32 bits: static_cast<unsigned int>(result) ==
 // 0xff00001f.

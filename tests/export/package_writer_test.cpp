@@ -204,6 +204,18 @@ TEST_F(PackageWriter, WorksWhenNobodyListens) {
     EXPECT_EQ("2019-3-7[1..1]", daysOf(0));
 }
 
+TEST_F(PackageWriter, StoppedByItsListenerLeavesWholeFilesOnly) {
+    test::StoppingListener cancel;
+    transfer.progressListener = &cancel;
+    for (const char* key : {"2019:3:7", "2019:3:8"})
+        fillDay(key, 1);
+    EXPECT_THROW(transfer.wtMsgToFile(), test::StoppedByHost);
+    for (const auto& entry : std::filesystem::directory_iterator(transfer.msgFileDir)) {
+        const std::string text = test::readFile(entry.path().string());
+        EXPECT_NE(nullptr, tools::JsonDocument(json_parse_string(text.c_str()))) << entry.path();
+    }
+}
+
 TEST_F(PackageWriter, CountsWhatItWrote) {
     fillDay("2019:3:7", 3);
     fillDay("2019:3:8", 4);

@@ -254,6 +254,54 @@ TEST_F(OpenTest, ADatabaseThatStaysLockedDoesNotOpen) {
     EXPECT_TRUE(open(path));
 }
 
+TEST_F(OpenTest, AnOpenDatabaseHasNoFailure) {
+    EXPECT_EQ(imsdk::OpenFailure::none, db.openFailure());
+    EXPECT_FALSE(open(dir.at("missing.db")));
+    EXPECT_TRUE(open(plainDatabase()));
+    EXPECT_EQ(imsdk::OpenFailure::none, db.openFailure());
+}
+
+TEST_F(OpenTest, AMissingFileAndAFolderAreMissing) {
+    EXPECT_FALSE(open(dir.at("missing.db")));
+    EXPECT_EQ(imsdk::OpenFailure::missing, db.openFailure());
+    EXPECT_FALSE(open(dir.makeDir("folder.db")));
+    EXPECT_EQ(imsdk::OpenFailure::missing, db.openFailure());
+}
+
+TEST_F(OpenTest, AFileThatMayNotBeReadIsNotPermitted) {
+    const std::string path = plainDatabase();
+    ASSERT_EQ(0, chmod(dir.path().c_str(), 0755));
+    ASSERT_EQ(0, chmod(path.c_str(), 0000));
+    const test::OrdinaryUser user;
+    EXPECT_FALSE(open(path));
+    EXPECT_EQ(imsdk::OpenFailure::notPermitted, db.openFailure());
+}
+
+TEST_F(OpenTest, AWrongKeyAndAFileThatIsNoDatabaseAreNotDecoded) {
+    EXPECT_FALSE(open(keyedDatabase(), "wrong"));
+    EXPECT_EQ(imsdk::OpenFailure::notDecoded, db.openFailure());
+    EXPECT_FALSE(open(dir.write("garbage.db", std::string(8192, 'g'))));
+    EXPECT_EQ(imsdk::OpenFailure::notDecoded, db.openFailure());
+}
+
+TEST_F(OpenTest, ABrokenSchemaIsDamage) {
+    const std::string path = plainDatabase();
+    std::string bytes = test::readFile(path);
+    bytes.replace(100, 8, 8, '\xff');  // the header of the schema's first page
+    dir.write("plain.db", bytes);
+    EXPECT_FALSE(open(path));
+    EXPECT_EQ(imsdk::OpenFailure::damaged, db.openFailure());
+}
+
+TEST_F(OpenTest, ADatabaseThatAnotherHoldsIsLocked) {
+    const std::string path = plainDatabase();
+    imsdk::dbUtils client;
+    ASSERT_NE(0, client.open(path.c_str(), nullptr));
+    ASSERT_NE(0, client.excuteNonQuery("begin exclusive"));
+    EXPECT_FALSE(open(path));
+    EXPECT_EQ(imsdk::OpenFailure::locked, db.openFailure());
+}
+
 class StatementTest : public test::DatabaseTest {
 protected:
     void SetUp() override {
@@ -333,6 +381,19 @@ TEST_F(StatementTest, ADuplicateKeyIsAConstraintFailure) {
     EXPECT_TRUE(db.lastFailureWasConstraint());
     EXPECT_NE("", db.lastError());
     EXPECT_EQ("1", rows());
+}
+
+TEST_F(StatementTest, ABatchThatCannotHaveTheLockFailsForTheLock) {
+    imsdk::dbUtils client;
+    ASSERT_NE(0, client.open(path().c_str(), nullptr));
+    client.beginTransaction();
+    db.beginTransaction();
+    EXPECT_TRUE(db.transactionFailed());
+    EXPECT_TRUE(db.lastFailureWasLock());
+    db.endTransaction();
+    client.endTransaction();
+    EXPECT_FALSE(run("no statement"));
+    EXPECT_FALSE(db.lastFailureWasLock());
 }
 
 TEST_F(StatementTest, TheChangedRowsAreThoseOfTheLastStatement) {

@@ -375,6 +375,30 @@ TEST_F(MessageStore, NeedsNoListener) {
     EXPECT_EQ("1", idsIn("im_msg_5"));
 }
 
+// Half of a second goes by between reports, so that only the last conversation is one.
+TEST_F(MessageStore, StoppedByItsListenerLosesTheOpenConversationAndKeepsThoseBefore) {
+    test::StoppingListener cancel;
+    transfer_.progressListener = &cancel;
+    for (const long long conversation : {5, 6, 7})
+        collect(conversation, {1});
+    EXPECT_THROW(transfer_.wtMsgToDB(), test::StoppedByHost);
+    EXPECT_EQ("1", idsIn("im_msg_6"));
+    EXPECT_EQ(2, transfer_.report.messagesInserted);
+    EXPECT_EQ("", mainRows("select name from sqlite_master where name = 'im_msg_7'"));
+}
+
+TEST_F(MessageStore, StoppedByItsListenerAndRunAgainWritesTheRest) {
+    test::StoppingListener cancel;
+    transfer_.progressListener = &cancel;
+    for (const long long conversation : {5, 6})
+        collect(conversation, {1});
+    EXPECT_THROW(transfer_.wtMsgToDB(), test::StoppedByHost);
+    transfer_.progressListener = nullptr;
+    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    EXPECT_EQ("1", idsIn("im_msg_5"));
+    EXPECT_EQ("1", idsIn("im_msg_6"));
+}
+
 TEST_F(MessageStore, WritesTheRecentContactsAlsoWithoutMessages) {
     transfer_.reContacts = {contactOf(5, 1, 0)};
     EXPECT_EQ(0U, transfer_.wtMsgToDB());

@@ -430,6 +430,14 @@ TEST_F(PackageReader, NeedsNoListener) {
     EXPECT_EQ(1, readOnly(smallFile(5, 1)).msgID);
 }
 
+TEST_F(PackageReader, StoppedByItsListenerKeepsWhatItHasRead) {
+    writeFile(0, smallFile(5, 1));
+    StoppingListener cancel;
+    transfer_.progressListener = &cancel;
+    EXPECT_THROW(transfer_.rdMsgFromFile(), StoppedByHost);
+    EXPECT_EQ("1", collectedIds(5));
+}
+
 // Runs an action on its first report, as a slow host does.
 class ActingListener : public RecordingListener {
 public:

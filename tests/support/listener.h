@@ -19,4 +19,15 @@ public:
     std::vector<long long> contexts;
 };
 
+/// What a StoppingListener throws.
+struct StoppedByHost {};
+
+/// A host whose user has pressed "cancel": throws at the first report.
+class StoppingListener : public ProgressListener {
+public:
+    void onProgress(long long /*context*/, int /*stage*/, int /*percent*/, const char* /*text*/) override {
+        throw StoppedByHost();
+    }
+};
+
 }  // namespace test

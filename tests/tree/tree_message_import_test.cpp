@@ -287,6 +287,20 @@ TEST_F(TreeMessageImport, SkipsAFileThatVanishesAfterTheWalk) {
     EXPECT_EQ("is gone", transfer.report.skipped.at(0).reason);
 }
 
+TEST_F(TreeMessageImport, StoppedByItsListenerKeepsNothingAndRunAgainBringsAll) {
+    addDecrypted("2002/x.mg", messageFile({message(1)}));
+    addDecrypted("2003/y.mg", messageFile({message(2)}));
+    test::StoppingListener cancel;
+    transfer.progressListener = &cancel;
+    EXPECT_THROW(import(), test::StoppedByHost);
+    EXPECT_EQ("", main("select name from sqlite_master where name like 'im_msg%'"));
+    EXPECT_EQ(0, transfer.report.messagesInserted);
+    transfer.progressListener = nullptr;
+    EXPECT_EQ(0U, import());
+    EXPECT_EQ("1", main("select count(*) from im_msg_2002"));
+    EXPECT_EQ("1", main("select count(*) from im_msg_2003"));
+}
+
 TEST_F(TreeMessageImport, PassesOverWhatHasAnotherShape) {
     const char* const shapes[] = {
         R"({"version": "7.1"})",
