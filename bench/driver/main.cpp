@@ -24,6 +24,7 @@ struct Arguments {
     int rounds = 0;
     std::vector<int> sizes;
     std::vector<std::string> only;
+    bool keep = false;
     std::string work;
     std::string results = ".";
     std::string docs;
@@ -118,18 +119,8 @@ const std::vector<Stage>& raceStages() {
     return stages;
 }
 
-// Writes what has been measured so far, so that a run that is stopped has not been for nothing. Returns the tables.
-std::string writeResults(const Arguments& arguments, const Report& report, Workshop& workshop) {
-    const Settings& settings = workshop.settings();
-    std::string markdown = toMarkdown(report, settings);
-    fs::create_directories(arguments.results);
-    writeText(arguments.results + "/bench-table.md", markdown);
-    writeText(arguments.results + "/bench-results.json", toJson(report, settings, workshop.results()));
-    const std::string pictures = arguments.docs.empty() ? arguments.results : arguments.docs;
-    writeText(pictures + "/performance-time.svg", timePlot(settings, workshop.results()));
-    writeText(pictures + "/performance-memory.svg", memoryPlot(settings, workshop.results()));
-    if (!arguments.docs.empty()) writePage(arguments.docs + "/performance.md", BENCH_PAGE, markdown);
-    return markdown;
+std::string resultsFile(const Arguments& arguments) {
+    return arguments.results + "/bench-results.json";
 }
 
 void makeTables(Report& report, Workshop& workshop) {
@@ -141,24 +132,37 @@ void makeTables(Report& report, Workshop& workshop) {
     report.peers = makePeerTable(settings, workshop.results());
 }
 
+// Writes what has been measured so far, so that a run that is stopped has not been for nothing. Returns the tables.
+std::string writeResults(const Arguments& arguments, Report& report, Workshop& workshop) {
+    const Settings& settings = workshop.settings();
+    makeTables(report, workshop);
+    std::string markdown = toMarkdown(report, settings);
+    fs::create_directories(arguments.results);
+    writeText(arguments.results + "/bench-table.md", markdown);
+    writeText(resultsFile(arguments), toJson(report, settings, workshop.results()));
+    const std::string pictures = arguments.docs.empty() ? arguments.results : arguments.docs;
+    writeText(pictures + "/performance-time.svg", timePlot(settings, workshop.results()));
+    writeText(pictures + "/performance-memory.svg", memoryPlot(settings, workshop.results()));
+    if (!arguments.docs.empty()) writePage(arguments.docs + "/performance.md", BENCH_PAGE, markdown);
+    return markdown;
+}
+
 void compare(const Arguments& arguments) {
     const WorkFolder folder(arguments.work.empty() ? defaultWorkFolder(arguments.quick) : arguments.work);
     Workshop workshop(folder.path() + "/w", findPrograms(), settingsOf(arguments));
     workshop.clear();
+    if (arguments.keep) workshop.results() = readResults(resultsFile(arguments));
     Report report;
     report.machine = describeMachine(workshop);
     const std::set<std::string> only(arguments.only.begin(), arguments.only.end());
     const auto wanted = [&only](const std::string& name) { return only.empty() || only.count(name) != 0; };
     if (wanted("disk")) report.disk = makeDiskTable(countImportWrites(workshop));
-    std::string markdown;
     for (const Stage& stage : raceStages()) {
         if (!wanted(stage.name)) continue;
         stage.run(workshop);
-        makeTables(report, workshop);
-        markdown = writeResults(arguments, report, workshop);
+        writeResults(arguments, report, workshop);
     }
-    if (markdown.empty()) markdown = writeResults(arguments, report, workshop);  // the disk alone
-    std::fputs(markdown.c_str(), stdout);
+    std::fputs(writeResults(arguments, report, workshop).c_str(), stdout);
 }
 
 }  // namespace
@@ -174,6 +178,7 @@ int main(int argc, char** argv) {
     app.add_option("--only", arguments.only,
                    "Stages: sizes, one-day, many, keyed, tree, tree-import, attachments, disk")
         ->delimiter(',');
+    app.add_flag("--keep", arguments.keep, "Take what --only leaves out from the results of the run before");
     app.add_option("--work", arguments.work,
                    "Folder for the accounts and packages (default: in memory where there is room)");
     app.add_option("--results", arguments.results, "Folder for the table, the raw figures and the plots");

@@ -5,6 +5,13 @@
 
 namespace bench {
 
+double Costs::fastest() const {
+    double least = rounds_.empty() ? 0 : rounds_.front().cpu;
+    for (const Cost& cost : rounds_)
+        least = std::min(least, cost.cpu);
+    return least;
+}
+
 double Costs::median(double Cost::*member) const {
     std::vector<double> values;
     for (const Cost& cost : rounds_)
@@ -18,6 +25,9 @@ double Costs::median(double Cost::*member) const {
 void race(const std::string& prefix, const std::vector<Contender>& contenders, int rounds, Results& results,
           const std::function<void()>& check) {
     std::fprintf(stderr, "%s", prefix.c_str());
+    // What an earlier run left is not mixed with this one.
+    for (const Contender& contender : contenders)
+        results.erase(prefix + " " + contender.name);
     for (int round = 0; round < rounds; ++round) {
         std::fputc('.', stderr);
         for (const Contender& contender : contenders) {

@@ -16,7 +16,8 @@ struct Contender {
     std::function<Command()> prepare;
 };
 
-/// All costs of one contender in one race, with their medians.
+/// All costs of one contender in one race, with their medians. Where other guests share the machine, its speed changes
+/// from one run to the next; the fastest run is the one that they disturbed least.
 class Costs {
 public:
     void add(const Cost& cost) { rounds_.push_back(cost); }
@@ -24,6 +25,7 @@ public:
     double cpu() const { return median(&Cost::cpu); }
     double wall() const { return median(&Cost::wall); }
     double memory() const { return median(&Cost::memory); }
+    double fastest() const;  ///< the least CPU time
 
 private:
     double median(double Cost::*member) const;

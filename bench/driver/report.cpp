@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "bench/driver/svg_plot.h"
+#include "host/json_owner.h"
 #include "host/json_text.h"
 
 namespace bench {
@@ -12,12 +13,12 @@ namespace {
 
 std::string table(const std::vector<Row>& rows, const std::string& title) {
     if (rows.empty()) return {};
-    std::string text =
-        "\n### " + title + "\n\n| work | naive | reach | here | both sides | |\n|---|---|---|---|---|---|\n";
+    std::string text = "\n### " + title +
+                       "\n\n| work | naive | reach | here | fastest | both sides | |\n|---|---|---|---|---|---|---|\n";
     for (const Row& row : rows) {
         const char* mark = row.reach.empty() ? "" : row.reached ? "reached" : "**not reached**";
-        text += "| " + row.work + " | " + row.naive + " | " + row.reach + " | " + row.here + " | " + row.sides + " | " +
-                mark + " |\n";
+        text += "| " + row.work + " | " + row.naive + " | " + row.reach + " | " + row.here + " | " + row.fastest +
+                " | " + row.sides + " | " + mark + " |\n";
     }
     return text;
 }
@@ -70,7 +71,13 @@ void addRows(JsonText& json, const std::string& name, const std::vector<Row>& ro
     for (const Row& row : rows) {
         json.begin('{');
         json.key("work").value(row.work).key("reach").value(row.reach).key("here").value(row.here);
-        json.key("sides").value(row.sides).key("reached").value(row.reached ? "yes" : "no").end('}');
+        json.key("fastest")
+            .value(row.fastest)
+            .key("sides")
+            .value(row.sides)
+            .key("reached")
+            .value(row.reached ? "yes" : "no")
+            .end('}');
     }
     json.end(']');
 }
@@ -107,13 +114,37 @@ std::string sizePlot(const Settings& settings, const Results& results, Plot plot
     return drawPlot(plot);
 }
 
+double numberAt(const JSON_Object* object, const char* key) {
+    return json_object_get_number(object, key);
+}
+
+Costs readCosts(const JSON_Array* rounds) {
+    Costs costs;
+    for (std::size_t i = 0; i < json_array_get_count(rounds); ++i) {
+        const JSON_Object* cost = json_array_get_object(rounds, i);
+        costs.add({numberAt(cost, "cpuSeconds"), numberAt(cost, "wallSeconds"), numberAt(cost, "peakBytes")});
+    }
+    return costs;
+}
+
 }  // namespace
+
+Results readResults(const std::string& path) {
+    const tools::JsonDocument document(json_parse_file(path.c_str()));
+    const JSON_Object* costs = json_object_get_object(json_value_get_object(document.get()), "costs");
+    if (costs == nullptr) throw std::runtime_error("there are no results in " + path);
+    Results results;
+    for (std::size_t i = 0; i < json_object_get_count(costs); ++i)
+        results[json_object_get_name(costs, i)] = readCosts(json_value_get_array(json_object_get_value_at(costs, i)));
+    return results;
+}
 
 std::string toMarkdown(const Report& report, const Settings& settings) {
     std::string text = "| | |\n|---|---|\n";
     for (const auto& [name, value] : report.machine)
         text += "| " + name + " | " + value + " |\n";
-    text += "| Rounds | medians of " + std::to_string(settings.rounds) + ", interleaved |\n";
+    text += "| Rounds | medians of " + std::to_string(settings.rounds) +
+            " (small accounts: " + std::to_string(settings.roundsFor(0)) + "), interleaved |\n";
     text += table(report.rows, "Ratios");
     text += table(report.disk, "Syncs and bytes of an import");
     text += table(report.treeImport, report.treeImportTitle);

@@ -23,6 +23,9 @@ std::string toMarkdown(const Report& report, const Settings& settings);
 /// Everything that was measured, every round of it, and the rows.
 std::string toJson(const Report& report, const Settings& settings, const Results& results);
 
+/// The costs that toJson() wrote. Throws when there are none.
+Results readResults(const std::string& path);
+
 /// CPU time, and peak memory, against the number of messages.
 std::string timePlot(const Settings& settings, const Results& results);
 std::string memoryPlot(const Settings& settings, const Results& results);

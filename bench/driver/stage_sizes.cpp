@@ -77,8 +77,8 @@ public:
             add("python", [this](const std::string& to) { return peer(workshop_, "export", account_, to); });
     }
 
-    void run(const std::string& prefix) {
-        race(prefix, contenders_, workshop_.settings().rounds, workshop_.results(), [this] { check(); });
+    void run(const std::string& prefix, int rounds) {
+        race(prefix, contenders_, rounds, workshop_.results(), [this] { check(); });
     }
 
 private:
@@ -173,8 +173,8 @@ public:
             add("python", [this](const std::string& into) { return peer(workshop_, "import", into, package_); });
     }
 
-    void run(const std::string& prefix) {
-        race(prefix, contenders_, workshop_.settings().rounds, workshop_.results(), [this] { check(); });
+    void run(const std::string& prefix, int rounds) {
+        race(prefix, contenders_, rounds, workshop_.results(), [this] { check(); });
     }
 
 private:
@@ -213,15 +213,16 @@ private:
 
 void raceSize(Workshop& workshop, int messages, bool withPeers) {
     const std::string size = std::to_string(messages);
+    const int rounds = workshop.settings().roundsFor(messages);
     const std::string account = workshop.account("account-" + size, sizedAccount(messages));
     ExportRace exports(workshop, account);
     exports.addFloorAndProject();
     if (withPeers) exports.addPeers();
-    exports.run("export " + size);
+    exports.run("export " + size, rounds);
     ImportRace imports(workshop, account, workshop.at(exportCommandOutput("floor")));
     imports.addFloorAndProject();
     if (withPeers) imports.addPeers();
-    imports.run("import " + size);
+    imports.run("import " + size, rounds);
     workshop.clear();
 }
 

@@ -28,6 +28,7 @@ public:
         const double above = costs(over).cpu();
         const double below = costs(under).cpu();
         add(work, naive, reach, shortNumber(above / below), above / below, duration(above) + " / " + duration(below));
+        rows.back().fastest = shortNumber(costs(over).fastest() / costs(under).fastest());
     }
 
     // The power of the size with which CPU grows.

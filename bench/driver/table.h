@@ -15,6 +15,7 @@ struct Row {
     std::string here;   ///< what this run gave
     std::string sides;  ///< both sides of the figure
     bool reached = false;
+    std::string fastest = {};  ///< the figure of the fastest runs of both
 };
 
 /// Rows whose costs were not measured are left out.
