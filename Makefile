@@ -22,6 +22,8 @@ asan:
 KILLS ?= 1000
 soak: build
 	CHAT_TRANSFER_SOAK=1 $(BUILD)/tests/faults/fault_tests
+	CHAT_TRANSFER_SOAK=1 $(BUILD)/tests/hostile/hostile_package_tests
+	CHAT_TRANSFER_SOAK=1 $(BUILD)/tests/hostile/hostile_tree_tests --gtest_filter='DamagedTree*'
 	CHAT_TRANSFER_KILLS=$(KILLS) $(BUILD)/tests/app/app_tests --gtest_filter='Killed*'
 
 ## Measure. QUICK=1: small sizes, under two minutes. ROUNDS, SIZES, WORK: rounds, numbers of messages (1000,10000) and

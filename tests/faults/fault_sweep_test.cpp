@@ -11,17 +11,13 @@
 #include "tests/faults/fault_calls.h"
 #include "tests/faults/fault_memory.h"
 #include "tests/faults/fault_world.h"
+#include "tests/support/soak.h"
 #include "tests/support/temp_dir.h"
 
 namespace fs = std::filesystem;
 
 namespace test {
 namespace {
-
-// The long form, for `make soak`: every failure of every call, once and from then on.
-bool soaks() {
-    return std::getenv("CHAT_TRANSFER_SOAK") != nullptr;
-}
 
 class FaultSweep : public testing::TestWithParam<Operation> {
 protected:

@@ -177,6 +177,15 @@ TEST_F(HostileDatabase, WithABodyOfManyMegabytesExportsItWhole) {
     EXPECT_NE(std::string::npos, package_.find("xxxxend\""));
 }
 
+// More than a row may have: its table is read up to it.
+TEST_F(HostileDatabase, WithABodyOfAGigabyteSaysSoAndExportsTheRest) {
+    run({"create table im_msg_5(msgID, year_, body)", "insert into im_msg_5 values(1, 2020, zeroblob(999999000))"});
+    EXPECT_TRUE(exportAll()) << transfer.mainDb.lastError();
+    EXPECT_NE(std::string::npos, package_.find(R"("message":"harmless")"));
+    EXPECT_EQ(1, transfer.report.messagesSelected);
+    EXPECT_TRUE(reported("im_msg_5"));
+}
+
 TEST_F(HostileDatabase, OfAFewBytesDoesNotGrowIntoGigabytes) {
     std::string columns = "year_, body as (printf('%.*c', 200000000, 'x')), b2 as (body || 'y'), b3 as (body || 'z')";
     run({"create table im_msg_5(" + columns + ")", "insert into im_msg_5(year_) values(2020), (2021), (2022)"});

@@ -9,6 +9,7 @@
 #include "tests/hostile/swapper.h"
 #include "tests/support/small_stack.h"
 #include "tests/support/snapshot.h"
+#include "tests/support/soak.h"
 #include "tests/tree/tree_fixture.h"
 
 namespace fs = std::filesystem;
@@ -152,16 +153,18 @@ TEST_F(DamagedTree, WithAnEncryptedFileOfAnyFlippedBitBringsTheRestAndKeepsTheFi
     const std::string path = addEncrypted("2002/a.mg", whole_);
     const std::string encrypted = readFile(path);
     addHarmless();
-    for (std::size_t byte = 0; byte < encrypted.size(); ++byte) {
+    for (std::size_t bit = 0; bit < 8 * encrypted.size(); ++bit) {
+        const bool oneOfItsByte = bit % 8 == bit / 8 % 8;
+        if (!oneOfItsByte && !soaks()) continue;
         std::string flipped = encrypted;
-        flipped[byte] = static_cast<char>(flipped[byte] ^ (1 << (byte % 8)));
+        flipped[bit / 8] = static_cast<char>(flipped[bit / 8] ^ (1 << bit % 8));
         home.write("backup/qelbackup/1001/2002/a.mg", flipped);
         transfer.report = {};
-        ASSERT_EQ(0, transfer.rdAllFromFileNJ()) << byte;
-        ASSERT_EQ(1, transfer.report.messagesRead) << byte;
-        ASSERT_EQ(1, transfer.report.skippedCount) << byte;
-        ASSERT_EQ(flipped, readFile(path)) << byte;
-        ASSERT_EQ("a.mg", listing(tree("2002"))) << byte;
+        ASSERT_EQ(0, transfer.rdAllFromFileNJ()) << bit;
+        ASSERT_EQ(1, transfer.report.messagesRead) << bit;
+        ASSERT_EQ(1, transfer.report.skippedCount) << bit;
+        ASSERT_EQ(flipped, readFile(path)) << bit;
+        ASSERT_EQ("a.mg", listing(tree("2002"))) << bit;
     }
     home.write("backup/qelbackup/1001/2002/a.mg", encrypted);
     importWholeTree();
