@@ -4,11 +4,10 @@
 #include <sys/file.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 
+#include "app/closed_database.h"
 #include "app/failure.h"
 #include "app/paths.h"
 #include "host/file_handle.h"
@@ -68,51 +67,12 @@ tools::detail::FileHandle lockDatabases(const Account& account) {
     return folder;
 }
 
-FailureWords wordsForClosed(const std::string& path, const std::string& error, bool withKey) {
-    FailureWords words{transfer::kDatabaseFailed, "The database does not open", path, error, ""};
-    switch (lookAt(path)) {
-        case FileLook::missing:
-            words.reason = "there is no such file";
-            words.remedy = "give with --account the folder that holds db/imsg.db and db/backimsg.db";
-            break;
-        case FileLook::unreadable:
-            words.remedy = "check that it is a file that you may read";
-            break;
-        case FileLook::plain:
-            if (withKey) words.reason = "it is not encrypted, but a key was given";
-            words.remedy = withKey ? "leave out --key-file and --ask-key, and unset CHAT_TRANSFER_KEY"
-                                   : "when the client is running, close it; otherwise the file may be damaged";
-            break;
-        case FileLook::encrypted:
-            words.reason = withKey ? "the key does not fit, or the file is damaged or no database"
-                                   : "it is encrypted, or no database, and no key was given";
-            words.remedy = withKey ? "check the key; when the client is running, close it"
-                                   : "give the key with --key-file FILE, in CHAT_TRANSFER_KEY or with --ask-key";
-            break;
-        case FileLook::empty:
-            break;
-    }
-    return words;
-}
-
 }  // namespace
 
 Account::Account(const std::string& folder) : root_(resolvedPath(folder).string()) {}
 
 std::string Account::database(Database which) const {
     return root_ + (which == Database::main ? "/db/imsg.db" : "/db/backimsg.db");
-}
-
-FileLook lookAt(const std::string& databasePath) {
-    if (!tools::fileExist(databasePath.c_str())) return FileLook::missing;
-    const tools::detail::FileHandle file = tools::detail::openRegularFile(AT_FDCWD, databasePath.c_str(), true);
-    if (!file.valid()) return FileLook::unreadable;
-    constexpr std::array<char, 16> kPlainHeader = {'S', 'Q', 'L', 'i', 't', 'e', ' ', 'f',
-                                                   'o', 'r', 'm', 'a', 't', ' ', '3', '\0'};
-    std::array<char, 16> header{};
-    const ssize_t size = read(file.get(), header.data(), header.size());
-    if (size <= 0) return size == 0 ? FileLook::empty : FileLook::unreadable;
-    return header == kPlainHeader ? FileLook::plain : FileLook::encrypted;
 }
 
 std::vector<std::string> makeMissingParts(const Account& account, const std::string& key) {
@@ -136,7 +96,20 @@ void openDatabase(dbTrans& transfer, const Account& account, Database which) {
     const bool main = which == Database::main;
     if ((main ? transfer.dbOpen() : transfer.backdbOpen()) != 0) return;
     const imsdk::dbUtils& db = main ? transfer.mainDb : transfer.backDb;
-    throw Failure(wordsForClosed(account.database(which), db.lastError(), !transfer.dbKey.empty()));
+    throw Failure(wordsForClosed(db, account.database(which), !transfer.dbKey.empty()));
+}
+
+void openForWriting(dbTrans& transfer, const Account& account, Database which) {
+    openDatabase(transfer, account, which);
+    requireWritable(which == Database::main ? transfer.mainDb : transfer.backDb, account.database(which));
+}
+
+void openPluginDatabase(dbTrans& transfer, const Account& account) {
+    transfer.rootPath = account.root();
+    if (transfer.kabDbOpen() != 0) return;
+    FailureWords words = wordsForClosed(transfer.pluginDb, account.pluginDatabase(), !transfer.dbKey.empty());
+    words.what = "The plugin database, which holds notes and rooms, does not open";
+    throw Failure(words);
 }
 
 }  // namespace app

@@ -24,15 +24,17 @@ private:
     std::string root_;
 };
 
-/// What a database file is before anybody opens it with a key.
-enum class FileLook { missing, unreadable, empty, plain, encrypted };
-FileLook lookAt(const std::string& databasePath);
-
 /// Makes what the account lacks: its folders, for their owner only, and its databases, encrypted when there is a key.
 /// What is there stays as it is. Returns the paths of the databases made. Throws Failure.
 std::vector<std::string> makeMissingParts(const Account& account, const std::string& key);
 
 /// Opens the database in `transfer`, whose rootPath and dbKey are set. Throws a Failure that says why it does not open.
 void openDatabase(dbTrans& transfer, const Account& account, Database which);
+
+/// The same, and makes sure that it can be written to.
+void openForWriting(dbTrans& transfer, const Account& account, Database which);
+
+/// Opens the database of notes and rooms likewise.
+void openPluginDatabase(dbTrans& transfer, const Account& account);
 
 }  // namespace app

@@ -15,6 +15,7 @@ namespace app {
 inline constexpr int kDone = 0;
 inline constexpr int kFailed = 1;
 inline constexpr int kWrongUsage = 2;
+inline constexpr int kInterrupted = 130;  // as shells count a program that SIGINT ended
 
 /// What the chosen subcommand does; set while the command line is parsed, run afterwards. Returns an exit code, or
 /// throws Failure.

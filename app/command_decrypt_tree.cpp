@@ -64,6 +64,7 @@ int runDecryptTree(const DecryptTreeOptions& options) {
     progress.finish();
     requireFittingKey(counts, place.root);
     staging.publish();
+    progress.complete();
     printSummary(counts, target, watch);
     return decryptedWhole(counts) ? kDone : kFailed;
 }

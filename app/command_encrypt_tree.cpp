@@ -69,6 +69,7 @@ int runEncryptTree(const EncryptTreeOptions& options) {
     progress.finish();
     requireWhole(counts);
     staging.publish();
+    progress.complete();
     printSummary(counts, target, watch);
     printLeftOut(counts.report, std::cerr);
     return kDone;

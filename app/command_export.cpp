@@ -8,7 +8,9 @@
 
 #include "app/account.h"
 #include "app/export_check.h"
+#include "app/export_size.h"
 #include "app/failure.h"
+#include "app/interruption.h"
 #include "app/left_out.h"
 #include "app/paths.h"
 #include "app/printable.h"
@@ -113,23 +115,36 @@ int runExport(const ExportOptions& options) {
     transfer.dbKey = key.text();
     openDatabase(transfer, account, Database::main);
     if (layout == Layout::days) openDatabase(transfer, account, Database::back);
+    const InterruptsMark interrupts;
     StagingFolder staging(options.to);
     staging.enter();
 
-    ProgressBar progress;
+    ProgressBar progress({{"Reading the messages", 35}, {"Writing message files", 35}, {"Copying attachments", 25}});
     transfer.progressListener = &progress;
     transfer.backupPath = ".";
     transfer.packageSubDir = options.user;
     transfer.packageVersion = options.packageVersion;
-    progress.begin("Reading the messages", {});
-    select(transfer, options, account);
-    requireWholeSelection(transfer.report, account.database(Database::main));
-    const long long undated = countUndated(transfer);
-    progress.begin("Writing the package", {{1, "Writing message files"}, {2, "Copying attachments"}});
-    write(transfer, layout, staging.package());
+    long long undated = 0;
+    const auto work = [&] {
+        progress.begin("Reading the messages", {});
+        select(transfer, options, account);
+        leaveIfInterrupted();
+        requireWholeSelection(transfer.report, account.database(Database::main));
+        undated = countUndated(transfer);
+        const ExportSize size = sizeOfExport(transfer, account);
+        progress.finish();
+        std::cout << "To export: " << inWords(size) << '\n' << std::flush;
+        requireRoom(size, staging.target());
+        progress.begin("Writing the package", {{1, "Writing message files"}, {2, "Copying attachments"}});
+        write(transfer, layout, staging.package());
+        leaveIfInterrupted();
+    };
+    interruptible(work, [] {
+        return FailureWords{0, "Interrupted; no package was made", "", "", "run the same command again"};
+    });
     progress.begin("Flushing to the disk", {});
     staging.publish();
-    progress.finish();
+    progress.complete();
 
     printSummary(transfer, layout, staging.package(), watch);
     warnOfLoss(transfer, layout, undated);

@@ -8,6 +8,7 @@
 
 #include "app/account.h"
 #include "app/failure.h"
+#include "app/interruption.h"
 #include "app/left_out.h"
 #include "app/package_files.h"
 #include "app/package_place.h"
@@ -109,6 +110,13 @@ bool arrivedWhole(const dbTrans& transfer, const ImportOptions& options, const P
     return whole;
 }
 
+FailureWords wordsForInterrupted(const TransferReport& report) {
+    return {0,
+            "Interrupted; " + counted(report.messagesInserted, "message has", "messages have") +
+                " been written, in whole conversations",
+            "", "", "run the same command again: it adds what is missing, and nothing doubles"};
+}
+
 int runImport(const ImportOptions& options) {
     const Stopwatch watch;
     const PackagePlace place = findPackage(options.from, options.user);
@@ -118,20 +126,26 @@ int runImport(const ImportOptions& options) {
     dbTrans transfer;
     transfer.dbKey = key.text();
     makeAccountReady(account, key.text());
-    // Opened before the package is read, which restores attachments: a wrong key must not leave them behind.
-    openDatabase(transfer, account, databaseOf(options));
+    // Before the package is read, which restores attachments: a wrong key or a locked database must not leave them
+    // behind.
+    openForWriting(transfer, account, databaseOf(options));
     enter(place.parent);
+    const InterruptsMark interrupts;
 
-    ProgressBar progress;
+    ProgressBar progress({{"Reading message files", 45}, {"Writing conversations", 55}});
     transfer.progressListener = &progress;
     transfer.backupPath = ".";
     transfer.packageSubDir = options.user;
     transfer.packageVersion = options.packageVersion;
-    progress.begin("Reading the package", {{2, "Reading message files"}});
-    read(transfer, place);
-    progress.begin("Writing the messages", {{1, "Writing conversations"}});
-    write(transfer, databaseOf(options), account);
-    progress.finish();
+    const auto work = [&] {
+        progress.begin("Reading the package", {{2, "Reading message files"}});
+        read(transfer, place);
+        leaveIfInterrupted();
+        progress.begin("Writing the messages", {{1, "Writing conversations"}});
+        write(transfer, databaseOf(options), account);
+    };
+    interruptible(work, [&transfer] { return wordsForInterrupted(transfer.report); });
+    progress.complete();
 
     printSummary(transfer, options, account, watch);
     return arrivedWhole(transfer, options, place) ? kDone : kFailed;

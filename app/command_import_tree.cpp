@@ -10,7 +10,9 @@
 #include <memory>
 
 #include "app/account.h"
+#include "app/closed_database.h"
 #include "app/failure.h"
+#include "app/interruption.h"
 #include "app/left_out.h"
 #include "app/printable.h"
 #include "app/progress_bar.h"
@@ -112,6 +114,7 @@ void importIntoMain(dbTrans& transfer, const Account& account, ProgressBar& prog
         {{0, "Reading recent contacts"}, {1, "Importing messages"}, {2, "Reading notes"}, {3, "Reading rooms"}});
     requireDone(transfer.rdAllFromFileNJ(), transfer, transfer.mainDb,
                 {0, "The messages could not be written; none of them was kept", account.database(Database::main)});
+    leaveIfInterrupted();
     requireDone(transfer.wtAllToDBNJ(), transfer, transfer.pluginDb,
                 {0, "The notes and rooms could not be written; the messages stay", account.pluginDatabase()});
 }
@@ -221,6 +224,22 @@ void printRemarks(const ImportTreeOptions& options, const TreeImportFiles& files
         warn(counted(kept, "decrypted copy was", "decrypted copies were") + " kept: not all of it has arrived");
 }
 
+void importAll(dbTrans& transfer, const ImportTreeOptions& options, const Account& account, ProgressBar& progress) {
+    if (intoMain(options)) {
+        importIntoMain(transfer, account, progress);
+    } else {
+        importIntoBack(transfer, account, options.removeDecrypted, progress);
+    }
+}
+
+// All messages of a tree go into one transaction.
+FailureWords wordsForInterrupted(const TransferReport& report) {
+    return {0,
+            report.messagesInserted > 0 ? "Interrupted; the messages have been written"
+                                        : "Interrupted; nothing has been written to the databases",
+            "", "", "run the same command again: it adds what is missing, and nothing doubles"};
+}
+
 int runImportTree(const ImportTreeOptions& options) {
     const Stopwatch watch;
     const TreePlace place = findTree(options.from, options.user);
@@ -228,14 +247,14 @@ int runImportTree(const ImportTreeOptions& options) {
     const SecretText key = findKey(options.key, account);
     dbTrans transfer;
     transfer.dbKey = key.text();
-    // Before the tree is touched: what an account has cannot be opened with the wrong key.
+    // Before the tree is touched: what an account has cannot be opened with the wrong key, or is locked.
     const Database into = databaseOf(options);
-    if (lookAt(account.database(into)) != FileLook::missing) openDatabase(transfer, account, into);
+    if (lookAt(account.database(into)) != FileLook::missing) openForWriting(transfer, account, into);
     const tools::detail::FileHandle lock = lockTree(place.root);
     removeLeftovers(place.root);
     enterTree(transfer, place, options);
 
-    ProgressBar progress;
+    ProgressBar progress({{"Decrypting the tree", 50}, {"Importing messages", 48}});
     transfer.progressListener = &progress;
     progress.begin("Decrypting the tree", {});
     const TreeImportFiles files = decryptFiles(transfer, intoMain(options) ? TreeKinds::all : TreeKinds::messages);
@@ -244,14 +263,13 @@ int runImportTree(const ImportTreeOptions& options) {
     makeAccountReady(account, key.text());
     makeVideoFolder(account);
     setUserFolders(transfer, account);
-    openDatabase(transfer, account, into);
-    if (intoMain(options)) {
-        importIntoMain(transfer, account, progress);
-        if (options.removeDecrypted) removeImported(transfer, files);
-    } else {
-        importIntoBack(transfer, account, options.removeDecrypted, progress);
-    }
-    progress.finish();
+    openForWriting(transfer, account, into);
+    const InterruptsMark interrupts;
+    if (intoMain(options)) openPluginDatabase(transfer, account);
+    interruptible([&] { importAll(transfer, options, account, progress); },
+                  [&transfer] { return wordsForInterrupted(transfer.report); });
+    if (intoMain(options) && options.removeDecrypted) removeImported(transfer, files);
+    progress.complete();
 
     printSummary(transfer, options, account, files, watch);
     const bool whole = arrivedWhole(transfer, files);

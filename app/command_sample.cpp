@@ -150,7 +150,7 @@ int runSample(const SampleOptions& options) {
     progress.begin("Making the sample", {{1, "Writing conversations"}});
     SampleJob job(options, account, transfer);
     job.run();
-    progress.finish();
+    progress.complete();
     printSummary(transfer, options, account, job, watch);
     return kDone;
 }

@@ -83,7 +83,7 @@ int runSampleTree(const SampleTreeOptions& options) {
         const auto number = static_cast<int>(done);
         if (throttle.due(number == total)) reporter.progress(1, total, number);
     });
-    progress.finish();
+    progress.complete();
     printSummary(sample.counts(), options, folder, watch);
     return kDone;
 }

@@ -80,7 +80,7 @@ int runVerify(const VerifyOptions& options) {
     transfer.dbKey = key.text();
     openDatabase(transfer, account, database);
 
-    ProgressBar progress;
+    ProgressBar progress({{"Reading the package", 50}, {"Comparing conversations", 45}});
     transfer.progressListener = &progress;
     Verification verification({options.since, directionOf(options), database}, place, transfer);
     verification.run(progress);

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "app/closed_database.h"
 #include "app/failure.h"
 #include "app/key_prompt.h"
 #include "host/file_handle.h"

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "app/failure.h"
+#include "app/interruption.h"
 #include "app/printable.h"
 #include "app/private_process.h"
 #include "app/program.h"
@@ -55,6 +56,10 @@ int main(int argc, char** argv) {
     app::keepPrivate();
     try {
         return flushed(run(argc, argv));
+    } catch (const app::Interrupted& interruption) {
+        std::cout.flush();
+        app::printFailure(std::cerr, interruption.words());
+        return app::kInterrupted;
     } catch (const app::Failure& failure) {
         std::cout.flush();
         app::printFailure(std::cerr, failure.words());

@@ -30,7 +30,7 @@ The same with a tree; its key is asked for, and becomes the key of the new accou
   chat-transfer verify --from plain-tree --account demo3 --user 1000000000000001 --ask-key
 
 chat-transfer COMMAND --help explains a command.
-Exit codes: 0 done, 1 the operation failed, 2 wrong usage.)";
+Exit codes: 0 done, 1 the operation failed, 2 wrong usage, 130 interrupted (export, import and import-tree).)";
 
 // The parser's own text without the second empty line that hidden options leave behind.
 class HelpText : public CLI::Formatter {

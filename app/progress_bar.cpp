@@ -7,6 +7,8 @@
 #include <iostream>
 #include <utility>
 
+#include "app/interruption.h"
+
 namespace app {
 namespace {
 
@@ -19,11 +21,6 @@ std::size_t terminalWidth() {
     return known ? size.ws_col : kUsualWidth;
 }
 
-std::string remaining(int percent, double elapsed) {
-    if (percent <= 0 || percent >= 100) return "";
-    return ", " + humanDuration(elapsed * (100 - percent) / percent) + " left";
-}
-
 std::string bar(int percent) {
     constexpr int kCells = 24;
     const int filled = std::clamp(percent, 0, 100) * kCells / 100;
@@ -33,7 +30,7 @@ std::string bar(int percent) {
 
 }  // namespace
 
-ProgressBar::ProgressBar() : onTerminal_(isatty(STDERR_FILENO) == 1) {}
+ProgressBar::ProgressBar(Shares shares) : onTerminal_(isatty(STDERR_FILENO) == 1), shares_(std::move(shares)) {}
 
 ProgressBar::~ProgressBar() {
     finish();
@@ -43,6 +40,7 @@ void ProgressBar::begin(const std::string& waiting, StageNames names) {
     finish();
     names_ = std::move(names);
     stage_ = -1;
+    enter(waiting);
     if (onTerminal_) {
         std::cerr << waiting << " ..." << std::flush;
         lineOpen_ = true;
@@ -50,37 +48,61 @@ void ProgressBar::begin(const std::string& waiting, StageNames names) {
 }
 
 void ProgressBar::onProgress(long long /*context*/, int stage, int percent, const char* text) {
-    if (stage != stage_) enter(stage);
+    leaveIfInterrupted();
+    if (stage != stage_) {
+        if (stage_ != -1) finish();
+        stage_ = stage;
+        const auto name = names_.find(stage);
+        enter(name != names_.end() ? name->second : "Working");
+    }
+    advance(percent);
+    const std::string shown = std::to_string(percent_) + " % (" + text + ")" + remaining();
     if (onTerminal_) {
-        draw(percent, text);
+        draw(shown);
     } else {
-        print(percent, text);
+        print(shown);
     }
 }
 
-void ProgressBar::enter(int stage) {
-    if (stage_ != -1) finish();
-    stage_ = stage;
-    const auto name = names_.find(stage);
-    name_ = name != names_.end() ? name->second : "Working";
-    sinceStage_ = Stopwatch();
+void ProgressBar::enter(const std::string& phase) {
+    const auto before = shares_.find(phase_);
+    if (before != shares_.end()) done_ += before->second;
+    phase_ = phase;
     lastLine_ = 0;
 }
 
-void ProgressBar::draw(int percent, const std::string& text) {
-    std::string line = name_ + " " + bar(percent) + " " + std::to_string(percent) + " % (" + text + ")" +
-                       remaining(percent, sinceStage_.seconds());
+void ProgressBar::advance(int percent) {
+    constexpr int kNearlyAll = 99;
+    const auto share = shares_.find(phase_);
+    const int ofPhase = std::clamp(percent, 0, 100) * (share != shares_.end() ? share->second : 0) / 100;
+    const int ofWhole = shares_.empty() ? percent : done_ + ofPhase;
+    percent_ = std::max(percent_, std::min(ofWhole, kNearlyAll));
+    if (percent_ > 0) secondsLeft_ = std::min(secondsLeft_, sinceBegin_.seconds() * (100 - percent_) / percent_);
+}
+
+std::string ProgressBar::remaining() const {
+    return percent_ > 0 ? ", " + humanDuration(secondsLeft_) + " left" : "";
+}
+
+void ProgressBar::draw(const std::string& text) {
+    std::string line = phase_ + " " + bar(percent_) + " " + text;
     // A line that wraps could not be drawn over.
     line.resize(std::min(line.size(), terminalWidth() - 1));
     std::cerr << "\r\x1b[K" << line << std::flush;
     lineOpen_ = true;
 }
 
-void ProgressBar::print(int percent, const std::string& text) {
-    const double now = sinceStage_.seconds();
-    if (percent < 100 && now - lastLine_ < kSecondsBetweenLines) return;
+void ProgressBar::print(const std::string& text) {
+    const double now = sinceBegin_.seconds();
+    if (now - lastLine_ < kSecondsBetweenLines) return;
     lastLine_ = now;
-    std::cerr << name_ << ": " << percent << " % (" << text << ")" << remaining(percent, now) << '\n';
+    std::cerr << phase_ << ": " << text << '\n';
+}
+
+void ProgressBar::complete() {
+    finish();
+    percent_ = 100;
+    std::cerr << "Done" << (onTerminal_ ? " " + bar(percent_) + " " : ": ") << percent_ << " %\n";
 }
 
 void ProgressBar::finish() {

@@ -27,6 +27,9 @@ public:
     /// Failure.
     void publish();
 
+    /// The folder that gets the package.
+    const std::string& target() const { return target_; }
+
     /// The final name.
     const std::string& package() const { return package_; }
 

@@ -79,7 +79,7 @@ void Verification::run(ProgressBar& progress) {
     if (settings_.database == Database::main) compareContactTable();
     progress.begin("Comparing attachments", {});
     counts_.attachments = attachments_.compare(settings_.direction, report_);
-    progress.finish();
+    progress.complete();
 }
 
 void Verification::readPackageFiles() {

@@ -35,16 +35,12 @@ VerifyReport verifyTree(const TreeSource& source, const Account& account, Databa
                         long long most) {
     const Stopwatch watch;
     openDatabase(transfer, account, database);
-    if (database == Database::main && transfer.kabDbOpen() == 0) {
-        throw Failure({transfer::kDatabaseFailed, "The plugin database, which holds notes and rooms, does not open",
-                       account.pluginDatabase(), transfer.pluginDb.lastError(),
-                       "check that the tree was imported into this account, and the key"});
-    }
+    if (database == Database::main) openPluginDatabase(transfer, account);
     ProgressBar progress;
     progress.begin("Comparing", {});
     TreeVerification verification(source, database, transfer);
     verification.run();
-    progress.finish();
+    progress.complete();
     printSummary(verification.counts(), source, account.database(database), watch);
     if (database == Database::main) {
         printContactFiles(std::cout, verification.facts().contactFiles, verification.contactFile(), "compared");

@@ -1,9 +1,13 @@
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/mount.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <string>
+#include <vector>
 
 #include "host/file_handle.h"
 #include "tests/app/fixture.h"
@@ -164,6 +168,46 @@ TEST_F(ExportCommand, DoesNotDisturbAnotherOneIntoTheSameFolder) {
     EXPECT_TRUE(exists(at("package/.chat-transfer.part/of-the-other")));
 }
 
+TEST_F(ExportCommand, SaysBeforehandHowMuchItWillWrite) {
+    makeSample("account");
+    const Outcome run = exportFrom("account", "package");
+    EXPECT_EXIT_CODE(0, run);
+    EXPECT_SAYS("To export: 300 messages and 4 attachments, about ", run.out);
+}
+
+// A file system of its own, as small as a memory card.
+class SmallDisk {
+public:
+    explicit SmallDisk(const std::string& folder) : folder_(folder) {
+        mounted_ = mount("none", folder.c_str(), "tmpfs", 0, "size=64k") == 0;
+    }
+    ~SmallDisk() {
+        if (mounted_) umount(folder_.c_str());
+    }
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+    SmallDisk(SmallDisk&&) = delete;
+    SmallDisk& operator=(SmallDisk&&) = delete;
+
+    bool isMounted() const { return mounted_; }
+
+private:
+    std::string folder_;
+    bool mounted_ = false;
+};
+
+TEST_F(ExportCommand, WithoutRoomOnTheDiskSaysSoBeforeItWrites) {
+    makeSample("account");
+    const SmallDisk disk(dir_.makeDir("disk"));
+    if (!disk.isMounted()) GTEST_SKIP() << "no file system can be mounted here";
+    const Outcome run = exportFrom("account", "disk");
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_SAYS("The disk has no room for the package, and none was made", run.err);
+    EXPECT_SAYS("are free", run.err);
+    EXPECT_SAYS_NOT("Writing message files", run.err);
+    EXPECT_EQ("", listing(at("disk")));
+}
+
 TEST_F(ExportCommand, LeavesNoPackageWhenAMessageFileCannotBeWritten) {
     makeSample("account");
     const Outcome run = exportFrom("account", "package", {}, {{}, 10000});
@@ -295,7 +339,7 @@ TEST_F(ExportCommand, OfAnEmptyAccountIsAnEmptyPackage) {
 TEST_F(ExportCommand, ShowsItsProgressInPlainLinesWithoutATerminal) {
     makeSample("account");
     const Outcome run = exportFrom("account", "package");
-    EXPECT_SAYS("Copying attachments: 100 % (4/4)\n", run.err);
+    EXPECT_SAYS("Done: 100 %\n", run.err);
     EXPECT_FALSE(hasControlCharacter(run.err));
 }
 
@@ -304,7 +348,37 @@ TEST_F(ExportCommand, DrawsAProgressBarOnATerminal) {
     const Outcome run =
         chatTransferOnTerminal({"export", "--account", at("account"), "--user", kUser, "--to", at("package")});
     EXPECT_EXIT_CODE(0, run);
-    EXPECT_SAYS("Copying attachments [########################] 100 % (4/4)", run.out);
+    EXPECT_SAYS("Copying attachments [######################..] 95 % (4/4), ", run.out);
+    EXPECT_SAYS("Done [########################] 100 %", run.out);
+}
+
+// The numbers in front of `unit`, in their order.
+std::vector<double> numbersBefore(const std::string& unit, const std::string& text) {
+    std::vector<double> numbers;
+    for (std::size_t end = text.find(unit); end != std::string::npos; end = text.find(unit, end + 1)) {
+        const std::size_t begin = text.find_last_not_of("0123456789.", end - 1) + 1;
+        numbers.push_back(std::stod(text.substr(begin, end - begin)));
+    }
+    return numbers;
+}
+
+TEST_F(ExportCommand, ShowsPercentagesAndRemainingTimesThatNeverGoBack) {
+    ASSERT_EXIT_CODE(0, sample("account", {"--messages", "20000", "--days", "100"}));
+    const Outcome run =
+        chatTransferOnTerminal({"export", "--account", at("account"), "--user", kUser, "--to", at("package")});
+    const std::vector<double> percentages = numbersBefore(" % (", run.out);
+    EXPECT_GE(percentages.size(), 2U);
+    EXPECT_TRUE(std::is_sorted(percentages.begin(), percentages.end())) << run.out;
+    const std::vector<double> seconds = numbersBefore(" s left", run.out);
+    EXPECT_GE(seconds.size(), 2U);
+    EXPECT_TRUE(std::is_sorted(seconds.rbegin(), seconds.rend())) << run.out;
+}
+
+TEST_F(ExportCommand, ThatFailsNeverShowsAHundredPercent) {
+    makeSample("account");
+    const Outcome run = exportFrom("account", "package", {}, {{}, 10000});
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_SAYS_NOT("100 %", run.err);
 }
 
 }  // namespace

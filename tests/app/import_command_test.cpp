@@ -35,6 +35,20 @@ TEST_F(ImportCommand, BringsEverythingIntoAFreshAccount) {
     EXPECT_EQ(rowsOf(mainDatabase("account")), rowsOf(mainDatabase("copy")));
 }
 
+// The days and times of messages are data, whatever clock the machine shows.
+TEST_F(ImportCommand, InAnotherTimeZoneThanTheExportBringsTheSameHistory) {
+    makeSample("account");
+    ASSERT_EXIT_CODE(0, exportFrom("account", "package", {}, {{"TZ=Pacific/Kiritimati"}}));
+    ASSERT_EXIT_CODE(0, importInto("copy", "package", {}, {{"TZ=Pacific/Pago_Pago"}}));
+    const Outcome run = verify("package", "copy");
+    EXPECT_EXIT_CODE(0, run);
+    EXPECT_SAYS("Nothing is missing and nothing differs.", run.out);
+    const std::string days = "select year_ || '-' || mon || '-' || day_ || ' ' || time_ from ";
+    const std::string table = biggestTable("account");
+    EXPECT_EQ(queryText(mainDatabase("account"), days + table + " order by msgID", 1),
+              queryText(mainDatabase("copy"), days + table + " order by msgID", 1));
+}
+
 TEST_F(ImportCommand, SaysWhatItMakesForAFreshAccount) {
     makePackage("account", "package");
     const Outcome run = importInto("copy", "package");

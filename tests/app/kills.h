@@ -17,8 +17,8 @@ int killCount(int usual);
 /// and killed earlier, so that a test never depends on how long something took.
 void killAfter(std::chrono::microseconds pause, const std::function<pid_t()>& start);
 
-/// Kills what start(i) starts at a random moment within `most`, then runs check(i), for i from 0 to killCount(usual) - 1.
-/// Ends at the first fatal failure.
+/// Kills what start(i) starts at a random moment within `most`, then runs check(i), for i from 0 to killCount(usual)
+/// - 1. Ends at the first fatal failure.
 void killEach(int usual, std::chrono::microseconds most, const std::function<pid_t(int)>& start,
               const std::function<void(int)>& check);
 

@@ -115,8 +115,7 @@ Outcome chatTransferOnTerminal(const Arguments& arguments, const std::vector<Ans
     auto next = answers.begin();
     while (readSome(terminal, run.out)) {
         if (next == answers.end() || run.out.find(next->prompt) == std::string::npos) continue;
-        // The echo is turned off right after the prompt was written.
-        usleep(200000);
+        usleep(static_cast<useconds_t>(next->pause) * 1000);
         if (write(terminal, next->typed.data(), next->typed.size()) < 0) break;
         ++next;
     }

@@ -38,6 +38,7 @@ Outcome runProgram(const std::string& path, const Arguments& arguments, const Se
 struct Answer {
     std::string prompt;
     std::string typed;
+    int pause = 200;  ///< milliseconds before it: the echo is turned off right after a prompt was written
 };
 
 /// `chat-transfer` on a terminal of its own, with the answers in the order of their prompts. The terminal's output

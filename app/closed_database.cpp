@@ -1,0 +1,144 @@
+#include "app/closed_database.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <filesystem>
+
+#include "host/file_handle.h"
+#include "host/tools.h"
+#include "transfer/error_codes.h"
+
+namespace app {
+namespace {
+
+// The header of an SQLite database, as its file format documentation lays it out.
+constexpr std::size_t kHeaderSize = 100;
+constexpr std::size_t kWriteVersion = 18;
+constexpr std::size_t kReadVersion = 19;
+constexpr std::size_t kSchemaFormat = 47;  // the lowest byte of four
+constexpr unsigned char kNewestVersion = 2;
+constexpr unsigned char kNewestSchemaFormat = 4;
+constexpr off_t kSmallestPage = 512;
+
+using Header = std::array<unsigned char, kHeaderSize>;
+
+// The beginning of a file; what lies behind its end reads as zeros.
+struct Beginning {
+    bool readable = false;
+    off_t size = 0;
+    Header header{};
+};
+
+Beginning beginningOf(const std::string& path) {
+    const tools::detail::FileHandle file = tools::detail::openRegularFile(AT_FDCWD, path.c_str(), true);
+    Beginning beginning;
+    struct stat status {};
+    if (!file.valid() || fstat(file.get(), &status) != 0) return beginning;
+    beginning.size = status.st_size;
+    beginning.readable = pread(file.get(), beginning.header.data(), beginning.header.size(), 0) >= 0;
+    return beginning;
+}
+
+bool isPlain(const Header& header) {
+    constexpr std::array<unsigned char, 16> kMagic = {'S', 'Q', 'L', 'i', 't', 'e', ' ', 'f',
+                                                      'o', 'r', 'm', 'a', 't', ' ', '3', '\0'};
+    return std::equal(kMagic.begin(), kMagic.end(), header.begin());
+}
+
+// Encryption gives every byte value alike; in a text of a hundred bytes none of the upper half of them would be chance.
+bool isText(const Header& header) {
+    return std::all_of(header.begin(), header.end(), [](unsigned char byte) { return byte < 0x80 && byte != 0; });
+}
+
+// An encrypted header says nothing about its version.
+bool isNewer(const Header& header) {
+    if (!isPlain(header)) return false;
+    return header[kReadVersion] > kNewestVersion || header[kWriteVersion] > kNewestVersion ||
+           header[kSchemaFormat] > kNewestSchemaFormat;
+}
+
+struct Advice {
+    const char* reason;
+    const char* remedy;
+};
+
+constexpr Advice kMissing{"there is no such file",
+                          "give with --account the folder that holds db/imsg.db and db/backimsg.db"};
+constexpr Advice kNotPermitted{"it may not be read", "check that it is a file, and its permissions"};
+constexpr Advice kLocked{"another program holds it", "close the client, then run this again"};
+constexpr Advice kForeign{"it is no database", "check --account; put the right file in its place, or a copy of it"};
+constexpr Advice kKeyForPlain{"it is not encrypted, but a key was given",
+                              "leave out --key-file and --ask-key, and unset CHAT_TRANSFER_KEY"};
+constexpr Advice kKeyMissing{"it is encrypted, and no key was given",
+                             "give the key with --key-file FILE, in CHAT_TRANSFER_KEY or with --ask-key"};
+constexpr Advice kKeyWrong{"the key does not fit, or the beginning of the file is damaged", "check the key"};
+constexpr Advice kNewer{"a newer version of the database engine wrote it", "use a newer version of chat-transfer"};
+constexpr Advice kDamaged{"it is damaged",
+                          "put a copy in its place; \"sqlite3 FILE .recover\" saves what can still be read"};
+
+const Advice* adviceFor(const imsdk::dbUtils& db, const std::string& path, bool withKey) {
+    const FileLook look = lookAt(path);
+    if (look == FileLook::missing) return &kMissing;
+    if (look == FileLook::unreadable) return &kNotPermitted;
+    if (db.openFailure() == imsdk::OpenFailure::locked) return &kLocked;
+    if (look == FileLook::foreign) return &kForeign;
+    if (look == FileLook::encrypted) return withKey ? &kKeyWrong : &kKeyMissing;
+    if (look == FileLook::plain && withKey) return &kKeyForPlain;
+    if (look == FileLook::plain && isNewer(beginningOf(path).header)) return &kNewer;
+    return look == FileLook::plain && db.openFailure() != imsdk::OpenFailure::other ? &kDamaged : nullptr;
+}
+
+// With the rights that this process acts with.
+bool mayWrite(const std::string& path) {
+    return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
+}
+
+bool mayWriteIn(const std::string& path) {
+    return mayWrite(std::filesystem::path(path).parent_path().string());
+}
+
+Advice adviceForUnwritable(const imsdk::dbUtils& db, const std::string& path) {
+    if (!mayWrite(path) || !mayWriteIn(path))
+        return {"it, or the folder that it is in, may not be written to", "check the permissions of both"};
+    if (isNewer(beginningOf(path).header)) return kNewer;
+    return db.lastFailureWasLock() ? kLocked : Advice{"", "check that the disk is not full"};
+}
+
+}  // namespace
+
+FileLook lookAt(const std::string& databasePath) {
+    if (!tools::fileExist(databasePath.c_str())) return FileLook::missing;
+    const Beginning beginning = beginningOf(databasePath);
+    if (!beginning.readable) return FileLook::unreadable;
+    if (beginning.size == 0) return FileLook::empty;
+    if (isPlain(beginning.header)) return FileLook::plain;
+    const bool wholePages = beginning.size % kSmallestPage == 0;
+    return wholePages && !isText(beginning.header) ? FileLook::encrypted : FileLook::foreign;
+}
+
+FailureWords wordsForClosed(const imsdk::dbUtils& db, const std::string& path, bool withKey) {
+    FailureWords words{transfer::kDatabaseFailed, "The database does not open", path, db.lastError(), ""};
+    if (const Advice* advice = adviceFor(db, path, withKey)) {
+        words.reason = advice->reason;
+        words.remedy = advice->remedy;
+    }
+    return words;
+}
+
+void requireWritable(imsdk::dbUtils& db, const std::string& path) {
+    db.beginTransaction();
+    const bool refused = db.transactionFailed();
+    const std::string error = db.lastError();
+    const Advice advice = adviceForUnwritable(db, path);
+    db.endTransaction();
+    if (!refused && mayWriteIn(path) && !isNewer(beginningOf(path).header)) return;
+    throw Failure({transfer::kDatabaseFailed, "The database cannot be written to; nothing was changed", path,
+                   *advice.reason != '\0' ? advice.reason : error, advice.remedy});
+}
+
+}  // namespace app

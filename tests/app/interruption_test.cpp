@@ -1,0 +1,63 @@
+// Ctrl-C on the terminal, as a person presses it.
+#include "tests/app/tree_command_fixture.h"
+
+namespace test {
+namespace {
+
+constexpr const char* kCtrlC = "\x03";
+
+class Interrupted : public TreeCommandTest {
+protected:
+    // Large enough that a key press falls into each phase.
+    void makeLargeSample() const {
+        ASSERT_EXIT_CODE(0, sample("account", {"--messages", "60000", "--conversations", "30"}));
+    }
+    static void expectInterrupted(const std::string& words, const Outcome& run) {
+        EXPECT_EQ(130, run.code) << run.out;
+        EXPECT_SAYS("Ending at the next safe moment", run.out);
+        EXPECT_SAYS("chat-transfer: Interrupted; " + words, run.out);
+        EXPECT_SAYS("run the same command again", run.out);
+    }
+    Outcome pressInExport(const std::string& phase) const {
+        return chatTransferOnTerminal({"export", "--account", at("account"), "--user", kUser, "--to", at("package")},
+                                      {{phase, kCtrlC, 0}});
+    }
+    Outcome pressInImport(const std::string& phase) const {
+        return chatTransferOnTerminal({"import", "--from", at("package"), "--account", at("copy"), "--user", kUser},
+                                      {{phase, kCtrlC, 0}});
+    }
+};
+
+TEST_F(Interrupted, ExportLeavesNothingInItsFolder) {
+    makeLargeSample();
+    expectInterrupted("no package was made", pressInExport("Reading the messages"));
+    EXPECT_EQ("", listing(at("package")));
+}
+
+TEST_F(Interrupted, ExportCanBeRunAgain) {
+    makeLargeSample();
+    pressInExport("Reading the messages");
+    EXPECT_EXIT_CODE(0, exportFrom("account", "package"));
+    EXPECT_EXIT_CODE(0, verify("package", "account"));
+}
+
+TEST_F(Interrupted, ImportSaysWhatIsDoneAndRunAgainCompletesIt) {
+    makeLargeSample();
+    ASSERT_EXIT_CODE(0, exportFrom("account", "package"));
+    expectInterrupted("0 messages have been written, in whole conversations", pressInImport("Reading the package"));
+    EXPECT_EXIT_CODE(0, importInto("copy", "package"));
+    EXPECT_EXIT_CODE(0, verify("package", "copy"));
+}
+
+TEST_F(Interrupted, ImportOfATreeKeepsNoMessageAndRunAgainCompletesIt) {
+    ASSERT_EXIT_CODE(0, chatTransfer({"sample-tree", "--to", at("plain"), "--user", kUser, "--conversations", "6",
+                                      "--messages", "30000", "--days", "10"}));
+    ASSERT_EXIT_CODE(0, encryptTree("plain", "backup"));
+    const Outcome run =
+        chatTransferOnTerminal(importArguments("account", "backup"), {{"Importing ...", kCtrlC, 0}});
+    expectInterrupted("nothing has been written to the databases", run);
+    EXPECT_EXIT_CODE(0, importTree("account", "backup"));
+}
+
+}  // namespace
+}  // namespace test
