@@ -2,7 +2,7 @@
 PRESET ?= release
 BUILD := build/$(PRESET)
 
-.PHONY: demo test asan soak bench fuzz cross coverage package build setup format tidy clean
+.PHONY: demo test asan soak bench fuzz cross coverage package docs build setup format tidy clean
 
 ## Make a sample account, export it, import it elsewhere (twice), verify, and say what moved.
 demo: setup
@@ -54,6 +54,11 @@ coverage:
 ## A Debian package with the program, its pages and the libraries, in build/package.
 package: build
 	cpack --config $(BUILD)/CPackConfig.cmake -G DEB -B build/package
+
+## The documentation as a site, in build/site.
+docs:
+	scripts/setup mkdocs mkdocs-material
+	mkdocs build --strict
 
 build: setup
 	cmake --preset $(PRESET)

@@ -140,6 +140,26 @@ TEST(DatabasesPage, DescribesTheKeySchemeSoThatAnotherProgramCanCheckAFile) {
     EXPECT_NE(file.substr(4096 - 64, 64), expectedHmac(file, "another text"));
 }
 
+// A file that is keyed by the page's statements is one that the transfer opens with its key.
+TEST(DatabasesPage, ShowsHowAnotherShellOpensAKeyedFile) {
+    const test::TempDir home;
+    const std::string file = home.at("imsg.db");
+    {
+        imsdk::dbUtils shell;
+        test::makeDatabase(shell, file);
+        for (const std::string& statement : docs::linesOf(documented("open a keyed database"))) {
+            imsdk::dbDataReader answer = shell.excuteQuery(statement.c_str());
+            answer.read();
+            EXPECT_FALSE(answer.failed()) << statement << ": " << shell.lastError();
+        }
+        EXPECT_NE(0, shell.excuteNonQuery(documented("create recent-contact table").c_str())) << shell.lastError();
+    }
+    imsdk::dbUtils db;
+    EXPECT_NE(0, db.open(file.c_str(), "the key text"));
+    EXPECT_EQ(0, db.open(file.c_str(), "another text"));
+    EXPECT_EQ(0, db.open(file.c_str(), nullptr));
+}
+
 TEST(DatabasesPage, StatesTheSettingsOfAnOpenConnection) {
     const test::TempDir home;
     const std::string database = home.at("imsg.db");

@@ -14,13 +14,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kDocs = fs::path(CHAT_TRANSFER_SOURCE_DIR) / "docs";
+const fs::path kRoot = CHAT_TRANSFER_SOURCE_DIR;
+const fs::path kDocs = kRoot / "docs";
 
 std::vector<fs::path> allPages() {
     std::vector<fs::path> pages;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(kDocs)) {
-        if (entry.path().extension() == ".md") pages.push_back(entry.path());
-    }
+    for (const std::string& page : docs::allPages())
+        pages.push_back(kRoot / page);
     return pages;
 }
 
@@ -67,6 +67,17 @@ TEST(DocumentIndex, NamesEveryPage) {
     std::set<fs::path> named = {index};
     for (const std::string& target : docs::linkTargets(test::readFile(index.string())))
         named.insert(targetFile(index, target));
-    for (const fs::path& page : allPages())
+    for (const fs::path& page : allPages()) {
+        if (page.parent_path() == kRoot) continue;
         EXPECT_EQ(1U, named.count(page)) << page << " is missing in docs/README.md";
+    }
+}
+
+TEST(SiteNavigation, NamesEveryPage) {
+    const std::string configuration = docs::readSource("mkdocs.yml");
+    for (const fs::path& page : allPages()) {
+        if (page.parent_path() == kRoot) continue;
+        const std::string entry = ": " + page.lexically_relative(kDocs).string() + "\n";
+        EXPECT_NE(std::string::npos, configuration.find(entry)) << page << " is missing in mkdocs.yml";
+    }
 }

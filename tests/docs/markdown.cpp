@@ -4,11 +4,14 @@
 
 #include <algorithm>
 #include <cctype>
+#include <filesystem>
 #include <sstream>
 
 #include "tests/support/temp_dir.h"
 
 namespace docs {
+
+namespace fs = std::filesystem;
 
 std::vector<std::string> linesOf(const std::string& text) {
     std::istringstream stream(text);
@@ -19,6 +22,8 @@ std::vector<std::string> linesOf(const std::string& text) {
 }
 
 namespace {
+
+const std::string kFence = "```";
 
 bool beginsWith(const std::string& text, const std::string& start) {
     return text.compare(0, start.size(), start) == 0;
@@ -46,18 +51,6 @@ Row cellsOf(const std::string& line) {
     return cells;
 }
 
-// Drops the code blocks: a "#" in them is no heading, a "](" no link.
-std::vector<std::string> proseOf(const std::string& document) {
-    std::vector<std::string> prose;
-    bool inBlock = false;
-    for (const std::string& line : linesOf(document)) {
-        const bool fence = beginsWith(line, "```");
-        if (!fence && !inBlock) prose.push_back(line);
-        if (fence) inBlock = !inBlock;
-    }
-    return prose;
-}
-
 std::string anchorOf(const std::string& heading) {
     std::string anchor;
     for (const char c : heading) {
@@ -76,23 +69,58 @@ std::string readSource(const std::string& path) {
     return test::readFile(std::string(CHAT_TRANSFER_SOURCE_DIR) + "/" + path);
 }
 
-std::string codeBlock(const std::string& document, const std::string& name) {
-    int found = 0;
-    bool wanted = false;
+std::vector<std::string> allPages() {
+    const fs::path root(CHAT_TRANSFER_SOURCE_DIR);
+    std::vector<std::string> pages = {"CHANGELOG.md", "CONTRIBUTING.md", "README.md"};
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root / "docs")) {
+        if (entry.path().extension() == ".md") pages.push_back(entry.path().lexically_relative(root).string());
+    }
+    std::sort(pages.begin(), pages.end());
+    return pages;
+}
+
+std::vector<Block> blocksOf(const std::string& document) {
+    std::vector<Block> blocks;
     bool inBlock = false;
-    std::string text;
+    int number = 0;
     for (const std::string& line : linesOf(document)) {
-        if (beginsWith(line, "```")) {
+        ++number;
+        if (beginsWith(line, kFence)) {
             inBlock = !inBlock;
-            const std::size_t blank = line.find(' ');
-            wanted = inBlock && blank != std::string::npos && line.substr(blank + 1) == name;
-            if (wanted) ++found;
-        } else if (wanted) {
-            text += line + "\n";
+            if (!inBlock) continue;
+            const std::string info = line.substr(kFence.size());
+            const std::size_t blank = std::min(info.find(' '), info.size());
+            blocks.push_back({info.substr(0, blank), trimmed(info.substr(blank)), "", number});
+        } else if (inBlock) {
+            blocks.back().text += line + "\n";
         }
     }
+    EXPECT_FALSE(inBlock) << "the last code block has no end";
+    return blocks;
+}
+
+// A "#" in a block is no heading, a "](" no link.
+std::vector<std::string> proseOf(const std::string& document) {
+    std::vector<std::string> prose;
+    bool inBlock = false;
+    for (const std::string& line : linesOf(document)) {
+        const bool fence = beginsWith(line, kFence);
+        if (!fence && !inBlock) prose.push_back(line);
+        if (fence) inBlock = !inBlock;
+    }
+    return prose;
+}
+
+std::string codeBlock(const std::string& document, const std::string& name) {
+    int found = 0;
+    std::string text;
+    for (const Block& block : blocksOf(document)) {
+        if (block.name != name) continue;
+        ++found;
+        text = block.text.substr(0, block.text.empty() ? 0 : block.text.size() - 1);
+    }
     EXPECT_EQ(1, found) << "code blocks named " << name;
-    return text.substr(0, text.empty() ? 0 : text.size() - 1);
+    return text;
 }
 
 std::vector<Row> tableUnder(const std::string& document, const std::string& heading) {

@@ -1,4 +1,4 @@
-// Reading the project's documents: code blocks by name, tables by heading, links.
+// Reading the project's documents: code blocks, tables by heading, links.
 #pragma once
 
 #include <string>
@@ -10,6 +10,23 @@ namespace docs {
 std::string readSource(const std::string& path);
 
 std::vector<std::string> linesOf(const std::string& text);
+
+/// README.md, CONTRIBUTING.md, CHANGELOG.md and every page below docs/, as readSource() takes them, sorted.
+std::vector<std::string> allPages();
+
+/// A fenced block: "```sh setup" has the language "sh" and the name "setup".
+struct Block {
+    std::string language;
+    std::string name;
+    std::string text;  ///< each line with its newline
+    int line = 0;      ///< of the opening fence, counted from 1
+};
+
+/// The blocks whose fences stand at the beginning of their lines.
+std::vector<Block> blocksOf(const std::string& document);
+
+/// The lines outside these blocks.
+std::vector<std::string> proseOf(const std::string& document);
 
 /// The text of the block that begins with "```<language> <name>", without its last newline. Fails the test unless the
 /// document has exactly one such block.

@@ -10,13 +10,12 @@ namespace {
 const std::string kFormatPage = CHAT_TRANSFER_SOURCE_DIR "/docs/formats/tree.md";
 const std::string kDatabasePage = CHAT_TRANSFER_SOURCE_DIR "/docs/plugin-database.md";
 
-// The first block of a language below a heading.
-std::string blockBelow(const std::string& page, const std::string& heading, const std::string& language) {
+// The block of this language and name.
+std::string block(const std::string& page, const std::string& language, const std::string& name) {
     const std::string text = test::readFile(page);
-    const std::string opening = "```" + language + "\n";
-    const std::size_t section = text.find("\n## " + heading + "\n");
-    const std::size_t begin = text.find(opening, section);
-    if (section == std::string::npos || begin == std::string::npos) return "there is no such block";
+    const std::string opening = "```" + language + " " + name + "\n";
+    const std::size_t begin = text.find(opening);
+    if (begin == std::string::npos) return "there is no such block";
     const std::size_t first = begin + opening.size();
     return text.substr(first, text.find("\n```", first) - first);
 }
@@ -29,10 +28,10 @@ protected:
         makePluginDatabase();
         addAttachment("voice/hello.amr", "hello");
         addAttachment("files/plan.pdf", "plan");
-        addEncrypted("2002/a.mg", blockBelow(kFormatPage, "Message files", "json"));
-        addEncrypted("contacts.ct", blockBelow(kFormatPage, "Recent-contact files", "json"));
-        addEncrypted("notes.nt", blockBelow(kFormatPage, "Note files", "json"));
-        addEncrypted("rooms.rm", blockBelow(kFormatPage, "Room files", "json"));
+        addEncrypted("2002/a.mg", block(kFormatPage, "json", "message file"));
+        addEncrypted("contacts.ct", block(kFormatPage, "json", "recent-contact file"));
+        addEncrypted("notes.nt", block(kFormatPage, "json", "note file"));
+        addEncrypted("rooms.rm", block(kFormatPage, "json", "room file"));
         EXPECT_EQ(0U, code(transfer.rdAllFromFileNJ()));
         EXPECT_EQ(0U, code(transfer.wtAllToDBNJ()));
         EXPECT_EQ(0, transfer.report.skippedCount);
@@ -61,8 +60,8 @@ TEST_F(TreeDocumentation, ShowsRoomsThatAreImported) {
 }
 
 TEST(PluginDatabaseDocumentation, ShowsTheTrueSchemas) {
-    EXPECT_EQ(transfer::kCreateNoteTable, blockBelow(kDatabasePage, "im_note", "sql"));
-    EXPECT_EQ(transfer::kCreateRoomTable, blockBelow(kDatabasePage, "im_room", "sql"));
+    EXPECT_EQ(transfer::kCreateNoteTable, block(kDatabasePage, "sql", "create note table"));
+    EXPECT_EQ(transfer::kCreateRoomTable, block(kDatabasePage, "sql", "create room table"));
 }
 
 }  // namespace
