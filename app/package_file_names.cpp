@@ -12,8 +12,8 @@ std::string lastComponent(const std::string& path) {
     return name;
 }
 
-AttachmentFile imageAt(const std::string& path) {
-    return {path, transfer::kImageFolder, lastComponent(path), lastComponent(path)};
+AttachmentFile imageAt(const std::string& path, AttachmentRole role) {
+    return {path, transfer::kImageFolder, lastComponent(path), lastComponent(path), role};
 }
 
 }  // namespace
@@ -23,8 +23,8 @@ void forEachPackageFile(const std::string& body, int msgType, const std::functio
     const transfer::AttachmentBody names = transfer::readAttachmentBody(body, msgType);
     if (!names.complete) return;
     if (msgType == transfer::kImageMessage) {
-        visit(imageAt(names.mediaUrl));
-        visit(imageAt(names.thumbUrl));
+        visit(imageAt(names.mediaUrl, AttachmentRole::content));
+        visit(imageAt(names.thumbUrl, AttachmentRole::preview));
         return;
     }
     const char* folder = msgType == transfer::kVoiceMessage ? transfer::kAudioFolder : transfer::kFileFolder;
