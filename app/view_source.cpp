@@ -129,7 +129,7 @@ ViewSource readTreeForView(const TreeSource& tree, const std::string& key) {
     if (const TreeContactFile* file = lastListedFile(tree, facts.contactFiles)) maker.addContacts(file->contacts);
     for (const TransferReport::Skipped& file : facts.unreadable)
         source.leftOut.skip(file.what, file.reason);
-    source.notShown = static_cast<long long>(facts.notes.size() + facts.rooms.size());
+    source.notShown = static_cast<long long>(facts.notes.size()) + static_cast<long long>(facts.rooms.size());
     requireSomething(source);
     return source;
 }

@@ -26,6 +26,6 @@ std::string packageRootOf(const PackagePlace& place);
 ViewSource readPackageForView(const PackagePlace& place, const std::string& user);
 
 /// Reads a tree. Throws Failure when it has encrypted files and `key` is empty, or when nothing of it can be read.
-ViewSource readTreeForView(const TreeSource& source, const std::string& key);
+ViewSource readTreeForView(const TreeSource& tree, const std::string& key);
 
 }  // namespace app

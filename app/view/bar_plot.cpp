@@ -1,6 +1,7 @@
 #include "app/view/bar_plot.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "app/units.h"
 #include "host/fixed_text.h"
@@ -25,7 +26,7 @@ long long mostOf(const std::vector<Bar>& bars) {
 
 // Coordinates: one digit behind the point, whatever the locale.
 std::string coordinate(double value) {
-    const auto tenths = static_cast<long long>(value * 10 + 0.5);
+    const auto tenths = std::llround(value * 10);
     return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
 }
 
@@ -55,25 +56,25 @@ private:
 
     void drawMark(Markup& svg, long long mark) const {
         const std::string y = coordinate(kHeight - kBottom - heightOf(mark));
-        svg.tag("<line class=\"grid\" x1=\"").text(coordinate(kLeft)).tag("\" x2=\"").text(coordinate(kWidth));
-        svg.tag("\" y1=\"").text(y).tag("\" y2=\"").text(y).tag("\"/>");
-        svg.tag("<text class=\"mark\" x=\"").text(coordinate(kLeft - 6)).tag("\" y=\"").text(y);
-        svg.tag("\" dy=\"4\" text-anchor=\"end\">").text(grouped(mark)).tag("</text>\n");
+        svg.tag(R"(<line class="grid" x1=")").text(coordinate(kLeft)).tag(R"(" x2=")").text(coordinate(kWidth));
+        svg.tag(R"(" y1=")").text(y).tag(R"(" y2=")").text(y).tag(R"("/>)");
+        svg.tag(R"(<text class="mark" x=")").text(coordinate(kLeft - 6)).tag(R"(" y=")").text(y);
+        svg.tag(R"(" dy="4" text-anchor="end">)").text(grouped(mark)).tag("</text>\n");
     }
 
     void drawBar(Markup& svg, std::size_t i) const {
         const double height = heightOf(bars_[i].value);
         const double gap = slot() > 4 ? slot() * 0.15 : 0;
-        svg.tag("<rect x=\"").text(coordinate(leftOf(i) + gap / 2)).tag("\" y=\"");
-        svg.text(coordinate(kHeight - kBottom - height)).tag("\" width=\"").text(coordinate(slot() - gap));
-        svg.tag("\" height=\"").text(coordinate(height)).tag("\"><title>").text(bars_[i].label).tag(": ");
+        svg.tag(R"(<rect x=")").text(coordinate(leftOf(i) + gap / 2)).tag(R"(" y=")");
+        svg.text(coordinate(kHeight - kBottom - height)).tag(R"(" width=")").text(coordinate(slot() - gap));
+        svg.tag(R"(" height=")").text(coordinate(height)).tag(R"("><title>)").text(bars_[i].label).tag(": ");
         svg.text(grouped(bars_[i].value)).tag("</title></rect>\n");
     }
 
     // A label stands below the middle of its bar, the first one not outside of the drawing.
     void drawLabel(Markup& svg, std::size_t i) const {
-        svg.tag("<text class=\"label\" x=\"").text(coordinate(leftOf(i) + slot() / 2)).tag("\" y=\"");
-        svg.text(coordinate(kHeight - 6)).tag("\" text-anchor=\"middle\">").text(bars_[i].label).tag("</text>\n");
+        svg.tag(R"(<text class="label" x=")").text(coordinate(leftOf(i) + slot() / 2)).tag(R"(" y=")");
+        svg.text(coordinate(kHeight - 6)).tag(R"(" text-anchor="middle">)").text(bars_[i].label).tag("</text>\n");
     }
 
     const std::vector<Bar>& bars_;
@@ -84,7 +85,7 @@ private:
 void addFigures(Markup& plot, const std::vector<Bar>& bars) {
     plot.tag("<details><summary>In figures</summary><table class=\"figures\">\n");
     for (const Bar& bar : bars) {
-        plot.tag("<tr><th scope=\"row\">").text(bar.label).tag("</th><td>").text(grouped(bar.value));
+        plot.tag(R"(<tr><th scope="row">)").text(bar.label).tag("</th><td>").text(grouped(bar.value));
         plot.tag("</td></tr>\n");
     }
     plot.tag("</table></details>\n");
@@ -94,9 +95,9 @@ void addFigures(Markup& plot, const std::vector<Bar>& bars) {
 void addRow(Markup& plot, const Bar& bar, long long most) {
     constexpr double kFull = 100;
     const double share = kFull * static_cast<double>(bar.value) / static_cast<double>(std::max(1LL, most));
-    plot.tag("<tr><th scope=\"row\"><bdi>").text(bar.label).tag("</bdi></th><td class=\"value\">");
-    plot.text(grouped(bar.value)).tag("</td><td class=\"bar\">");
-    plot.tag("<svg viewBox=\"0 0 100 1\" preserveAspectRatio=\"none\" aria-hidden=\"true\"><rect width=\"");
+    plot.tag(R"(<tr><th scope="row"><bdi>)").text(bar.label).tag(R"(</bdi></th><td class="value">)");
+    plot.text(grouped(bar.value)).tag(R"(</td><td class="bar">)");
+    plot.tag(R"(<svg viewBox="0 0 100 1" preserveAspectRatio="none" aria-hidden="true"><rect width=")");
     plot.text(coordinate(share)).tag("\" height=\"1\"/></svg></td></tr>\n");
 }
 
@@ -114,8 +115,8 @@ long long stepFor(long long most) {
 
 Markup columnPlot(const std::string& name, const std::string& title, const std::vector<Bar>& bars) {
     Markup plot;
-    plot.tag("<section class=\"plot\"><h2 id=\"plot-").text(name).tag("\">").text(title).tag("</h2>\n");
-    plot.tag("<svg class=\"columns\" role=\"img\" aria-labelledby=\"plot-").text(name);
+    plot.tag(R"(<section class="plot"><h2 id="plot-)").text(name).tag(R"(">)").text(title).tag("</h2>\n");
+    plot.tag(R"(<svg class="columns" role="img" aria-labelledby="plot-)").text(name);
     plot.tag("\" viewBox=\"0 0 720 220\">\n");
     Columns(bars).draw(plot);
     plot.tag("</svg>\n");
@@ -126,7 +127,7 @@ Markup columnPlot(const std::string& name, const std::string& title, const std::
 Markup rowPlot(const std::string& title, const std::vector<Bar>& bars) {
     const long long most = mostOf(bars);
     Markup plot;
-    plot.tag("<section class=\"plot\"><h2>").text(title).tag("</h2>\n<table class=\"rows\">\n");
+    plot.tag(R"(<section class="plot"><h2>)").text(title).tag("</h2>\n<table class=\"rows\">\n");
     for (const Bar& bar : bars)
         addRow(plot, bar, most);
     return plot.tag("</table></section>\n");

@@ -54,10 +54,10 @@ private:
     // The days whose messages stand on the page; the first of them may have begun on a page before.
     void addDaysOfPage(Markup& content, std::size_t page) const {
         const PageRange range = pages_[page - 1];
-        content.tag("<nav class=\"days\" aria-label=\"Days on this page\"><details><summary>Days on this page");
+        content.tag(R"(<nav class="days" aria-label="Days on this page"><details><summary>Days on this page)");
         content.tag("</summary><p>");
         forEachDay(range, [&content](const CivilDay& day, std::size_t /*first*/) {
-            content.tag("<a href=\"#").text(dayAnchor(day)).tag("\">").text(shortDayText(day)).tag("</a> ");
+            content.tag(R"(<a href="#)").text(dayAnchor(day)).tag(R"(">)").text(shortDayText(day)).tag("</a> ");
         });
         content.tag("</p></details></nav>\n");
     }
@@ -67,7 +67,7 @@ private:
         forEachDay(range, [&](const CivilDay& day, std::size_t first) {
             if (open) content.tag("</ol></section>\n");
             open = true;
-            content.tag("<section class=\"day\"><h2 id=\"").text(dayAnchor(day)).tag("\">");
+            content.tag(R"(<section class="day"><h2 id=")").text(dayAnchor(day)).tag(R"(">)");
             content.text(longDayText(day)).tag("</h2>\n<ol class=\"messages\">\n");
             for (std::size_t i = first; i < range.end && conversation_.messages[i].day == day; ++i)
                 addMessage(content, history_, conversation_.messages[i], i + 1, media_);
@@ -87,7 +87,7 @@ private:
     void writeDays() {
         Markup content;
         content.tag("<h1>Days of <bdi>").text(name_).tag("</bdi></h1>\n");
-        content.tag("<p class=\"about\"><a href=\"").text(pageName(1)).tag("\">Back to the messages</a></p>\n");
+        content.tag(R"(<p class="about"><a href=")").text(pageName(1)).tag("\">Back to the messages</a></p>\n");
         std::string month;
         for (const DayOfConversation& day : days_) {
             const std::string next = monthText(day.day);
@@ -103,8 +103,8 @@ private:
     }
 
     static void addDay(Markup& content, const DayOfConversation& day) {
-        content.tag("<li><a href=\"").text(pageName(day.page)).tag("#").text(dayAnchor(day.day)).tag("\">");
-        content.text(longDayText(day.day)).tag("</a> <span class=\"count\">");
+        content.tag(R"(<li><a href=")").text(pageName(day.page)).tag("#").text(dayAnchor(day.day)).tag(R"(">)");
+        content.text(longDayText(day.day)).tag(R"(</a> <span class="count">)");
         content.text(counted(static_cast<long long>(day.messages), "message", "messages")).tag("</span></li>\n");
     }
 

@@ -31,8 +31,9 @@ std::string fileText(const NamedFile& file) {
 }  // namespace
 
 std::string nameOf(const History& history, long long id) {
+    constexpr std::size_t kLongestName = 100;
     const auto contact = history.contacts.find(id);
-    const std::string name = contact != history.contacts.end() ? shownLine(contact->second.name) : "";
+    const std::string name = contact != history.contacts.end() ? shortLine(contact->second.name, kLongestName) : "";
     const bool blank = name.find_first_not_of(' ') == std::string::npos;
     return blank ? std::to_string(id) : name;
 }

@@ -7,7 +7,7 @@
 
 namespace app::view {
 
-/// The contact's name, or the id where there is none. As shownLine() gives it.
+/// The contact's name, or the id where there is none, as shortLine() gives it: a name stands beside each message.
 std::string nameOf(const History& history, long long id);
 
 /// True for a message of the user whose history it is.

@@ -32,7 +32,7 @@ std::string whenText(const Message& message) {
 }
 
 void addLastMessage(Markup& entry, const History& history, const Message& message, const std::string& place) {
-    entry.tag("<p class=\"last\" dir=\"auto\"><a href=\"").text(place).tag("\"><bdi>");
+    entry.tag(R"(<p class="last" dir="auto"><a href=")").text(place).tag(R"("><bdi>)");
     entry.text(senderOf(history, message)).tag(":</bdi> <bdi>");
     entry.text(shortLine(textOf(history, message), kLastMessageLength)).tag("</bdi></a></p>");
 }
@@ -54,8 +54,8 @@ void addSilentContacts(Markup& content, const History& history) {
     if (silent.empty()) return;
     content.tag("<h2>Contacts without messages in this backup</h2>\n<ul class=\"conversations silent\">\n");
     for (const long long id : silent) {
-        content.tag("<li><p class=\"name\"><bdi>").text(nameOf(history, id)).tag("</bdi></p>");
-        content.tag("<p class=\"last\" dir=\"auto\">");
+        content.tag(R"(<li><p class="name"><bdi>)").text(nameOf(history, id)).tag("</bdi></p>");
+        content.tag(R"(<p class="last" dir="auto">)");
         content.text(shortLine(history.contacts.at(id).lastText, kLastMessageLength)).tag("</p></li>\n");
     }
     content.tag("</ul>\n");
@@ -80,12 +80,12 @@ void ListPages::add(const History& history, const Conversation& conversation, st
     const Message& last = conversation.messages.back();
     const std::string lastPlace = folder + pageName(pages) + "#m" + std::to_string(conversation.messages.size());
     Markup entry;
-    entry.tag("<li><p class=\"name\"><a href=\"").text(folder + pageName(1)).tag("\"><bdi>");
+    entry.tag(R"(<li><p class="name"><a href=")").text(folder + pageName(1)).tag(R"("><bdi>)");
     entry.text(nameOf(history, conversation.id)).tag("</bdi></a>");
-    if (isPinned(history, conversation.id)) entry.tag(" <span class=\"pin\">Pinned</span>");
-    entry.tag("</p><p class=\"when\">").text(whenText(last)).tag("</p>");
+    if (isPinned(history, conversation.id)) entry.tag(R"( <span class="pin">Pinned</span>)");
+    entry.tag(R"(</p><p class="when">)").text(whenText(last)).tag("</p>");
     addLastMessage(entry, history, last, lastPlace);
-    entry.tag("<p class=\"count\">");
+    entry.tag(R"(<p class="count">)");
     entry.text(counted(static_cast<long long>(conversation.messages.size()), "message", "messages"));
     entries_.push_back(entry.tag("</p></li>\n"));
 }

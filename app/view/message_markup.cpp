@@ -17,42 +17,47 @@ Markup& addMediaPath(Markup& page, const std::string& name) {
 
 void addTime(Markup& page, const Message& message, std::size_t number) {
     const auto clock = clockOf(message.time);
-    page.tag("<a class=\"time\" href=\"#m").number(static_cast<long long>(number)).tag("\">");
+    page.tag(R"(<a class="time" href="#m)").number(static_cast<long long>(number)).tag(R"(">)");
     if (clock) {
-        page.tag("<time datetime=\"").text(clockText(*clock)).tag("\">").text(clockText(*clock)).tag("</time>");
+        page.tag(R"(<time datetime=")").text(clockText(*clock)).tag(R"(">)").text(clockText(*clock)).tag("</time>");
     } else {
         page.tag("no time");
     }
     page.tag("</a>");
 }
 
+std::string nameOfFile(const NamedFile& file) {
+    constexpr std::size_t kLongestName = 255;
+    return shortLine(file.shownName, kLongestName);
+}
+
 void addMissing(Markup& page, const NamedFile& file) {
-    page.tag("<p class=\"missing\">Not in this backup: <bdi>").text(shownLine(file.shownName)).tag("</bdi></p>");
+    page.tag(R"(<p class="missing">Not in this backup: <bdi>)").text(nameOfFile(file)).tag("</bdi></p>");
 }
 
 void addFileLink(Markup& page, const NamedFile& file, const std::string& copy) {
-    const std::string name = shownLine(file.shownName);
-    addMediaPath(page.tag("<p><a class=\"file\" href=\""), copy);
-    page.tag("\" download=\"").text(name).tag("\"><bdi>").text(name).tag("</bdi></a></p>");
+    const std::string name = nameOfFile(file);
+    addMediaPath(page.tag(R"(<p><a class="file" href=")"), copy);
+    page.tag(R"(" download=")").text(name).tag(R"("><bdi>)").text(name).tag("</bdi></a></p>");
 }
 
 void addPicture(Markup& page, const std::string& copy, const std::string& sender) {
-    addMediaPath(page.tag("<p class=\"picture\"><a href=\""), copy);
-    addMediaPath(page.tag("\"><img src=\""), copy);
-    page.tag("\" alt=\"Picture from ").text(sender).tag("\" loading=\"lazy\" decoding=\"async\"></a></p>");
+    addMediaPath(page.tag(R"(<p class="picture"><a href=")"), copy);
+    addMediaPath(page.tag(R"("><img src=")"), copy);
+    page.tag(R"(" alt="Picture from )").text(sender).tag(R"(" loading="lazy" decoding="async"></a></p>)");
 }
 
 // What the browser cannot play can still be opened by another program.
 void addVoice(Markup& page, const NamedFile& file, const std::string& copy) {
-    addMediaPath(
-        page.tag("<p class=\"voice\"><audio controls preload=\"metadata\" aria-label=\"Voice message\" src=\""), copy);
-    page.tag("\"></audio></p>");
+    addMediaPath(page.tag(R"(<p class="voice"><audio controls preload="metadata" aria-label="Voice message" src=")"),
+                 copy);
+    page.tag(R"("></audio></p>)");
     addFileLink(page, file, copy);
 }
 
 void addVideo(Markup& page, const NamedFile& file, const std::string& copy, const std::string& still) {
-    addMediaPath(page.tag("<p class=\"video\"><video controls preload=\"none\" src=\""), copy).tag("\"");
-    if (!still.empty()) addMediaPath(page.tag(" poster=\""), still).tag("\"");
+    addMediaPath(page.tag(R"(<p class="video"><video controls preload="none" src=")"), copy).tag("\"");
+    if (!still.empty()) addMediaPath(page.tag(R"( poster=")"), still).tag("\"");
     page.tag("></video></p>");
     addFileLink(page, file, copy);
 }
@@ -111,10 +116,10 @@ private:
 void addBody(Markup& page, const History& history, const Message& message, MediaFolder& media) {
     const std::vector<NamedFile> files = history.filesOf(message.body, message.type);
     if (files.empty()) {
-        page.tag("<div class=\"body\" dir=\"auto\">").text(shownText(message.body)).tag("</div>");
+        page.tag(R"(<div class="body" dir="auto">)").text(shownText(message.body)).tag("</div>");
         return;
     }
-    page.tag("<div class=\"body files\">");
+    page.tag(R"(<div class="body files">)");
     FilesOfMessage(page, files, media, senderOf(history, message)).add();
     page.tag("</div>");
 }
@@ -122,9 +127,9 @@ void addBody(Markup& page, const History& history, const Message& message, Media
 }  // namespace
 
 void addMessage(Markup& page, const History& history, const Message& message, std::size_t number, MediaFolder& media) {
-    page.tag("<li id=\"m").number(static_cast<long long>(number)).tag("\" class=\"message");
+    page.tag(R"(<li id="m)").number(static_cast<long long>(number)).tag(R"(" class="message)");
     if (isOwn(history, message)) page.tag(" own");
-    page.tag("\"><p class=\"meta\"><bdi class=\"sender\">").text(senderOf(history, message)).tag("</bdi> ");
+    page.tag(R"("><p class="meta"><bdi class="sender">)").text(senderOf(history, message)).tag("</bdi> ");
     addTime(page, message, number);
     page.tag("</p>");
     addBody(page, history, message, media);

@@ -6,7 +6,7 @@ namespace {
 // The policy stands before anything that could load: a browser obeys it from there on.
 void addHead(Markup& page, PageKind kind, const std::string& title) {
     page.tag("<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n");
-    page.tag("<meta http-equiv=\"Content-Security-Policy\" content=\"").text(contentPolicy(kind)).tag("\">\n");
+    page.tag(R"(<meta http-equiv="Content-Security-Policy" content=")").text(contentPolicy(kind)).tag("\">\n");
     page.tag("<meta name=\"referrer\" content=\"no-referrer\">\n");
     page.tag("<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n");
     page.tag("<meta name=\"color-scheme\" content=\"light dark\">\n");
@@ -18,9 +18,9 @@ void addNavigation(Markup& page, PagePlace place) {
     const char* top = place == PagePlace::top ? "" : "../../";
     page.tag("<a class=\"skip\" href=\"#main\">Skip to the content</a>\n");
     page.tag("<header>\n<nav class=\"site\" aria-label=\"Chat history\">");
-    page.tag("<a href=\"").text(top).tag("index.html\">Conversations</a> ");
-    page.tag("<a href=\"").text(top).tag("search.html\">Search</a> ");
-    page.tag("<a href=\"").text(top).tag("statistics.html\">Statistics</a></nav>\n</header>\n");
+    page.tag(R"(<a href=")").text(top).tag(R"(index.html">Conversations</a> )");
+    page.tag(R"(<a href=")").text(top).tag(R"(search.html">Search</a> )");
+    page.tag(R"(<a href=")").text(top).tag("statistics.html\">Statistics</a></nav>\n</header>\n");
 }
 
 }  // namespace

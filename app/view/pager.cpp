@@ -8,11 +8,11 @@ namespace {
 // A place that cannot be gone to keeps its room, so that the links do not move from page to page.
 void addLink(Markup& markup, bool there, const std::string& name, const char* label, const char* relation) {
     if (!there) {
-        markup.tag("<span class=\"off\">").text(label).tag("</span> ");
+        markup.tag(R"(<span class="off">)").text(label).tag("</span> ");
         return;
     }
-    markup.tag("<a href=\"").text(name).tag("\"");
-    if (*relation != '\0') markup.tag(" rel=\"").text(relation).tag("\"");
+    markup.tag(R"(<a href=")").text(name).tag("\"");
+    if (*relation != '\0') markup.tag(R"( rel=")").text(relation).tag("\"");
     markup.tag(">").text(label).tag("</a> ");
 }
 
@@ -36,10 +36,10 @@ std::vector<PageRange> pagesOf(const std::vector<Message>& messages) {
 Markup pagerOf(std::size_t page, std::size_t pages, const std::function<std::string(std::size_t)>& nameOf) {
     Markup markup;
     if (pages < 2) return markup;
-    markup.tag("<nav class=\"pager\" aria-label=\"Pages\">");
+    markup.tag(R"(<nav class="pager" aria-label="Pages">)");
     addLink(markup, page > 1, nameOf(1), "First", "");
     addLink(markup, page > 1, nameOf(page - 1), "Previous", "prev");
-    markup.tag("<span aria-current=\"page\">Page ").text(grouped(static_cast<long long>(page)));
+    markup.tag(R"(<span aria-current="page">Page )").text(grouped(static_cast<long long>(page)));
     markup.tag(" of ").text(grouped(static_cast<long long>(pages))).tag("</span> ");
     addLink(markup, page < pages, nameOf(page + 1), "Next", "next");
     addLink(markup, page < pages, nameOf(pages), "Last", "");

@@ -75,7 +75,7 @@ void SearchIndex::writePage() {
     content.tag("<h1>Search</h1>\n<div role=\"search\" class=\"search\" id=\"search\" data-parts=\"");
     content.number(static_cast<long long>(parts_));
     content.tag("\">\n<label for=\"query\">Words in any message</label>\n<p class=\"field\">");
-    content.tag("<input id=\"query\" type=\"search\" dir=\"auto\" autocomplete=\"off\" spellcheck=\"false\">");
+    content.tag(R"(<input id="query" type="search" dir="auto" autocomplete="off" spellcheck="false">)");
     content.tag("<button id=\"start\" type=\"button\">Search</button></p>\n");
     content.tag("<progress id=\"progress\" value=\"0\" hidden aria-label=\"Searched so far\"></progress>\n");
     content.tag("<p id=\"state\" role=\"status\"></p>\n</div>\n<ol id=\"hits\" class=\"hits\"></ol>\n");

@@ -112,9 +112,9 @@ std::string scriptLiteral(std::string_view shown) {
     for (std::string_view rest = shown; !rest.empty();) {
         const std::string_view character = nextCharacter(rest);
         if (isLineSeparator(character)) {
-            literal += character == "\u2028" ? "\\u2028" : "\\u2029";
+            literal += character == "\u2028" ? R"(\u2028)" : R"(\u2029)";
         } else if (endsScriptOrLiteral(character)) {
-            literal += tools::FixedText<8>("\\u%04x", static_cast<unsigned>(character.front())).text();
+            literal += tools::FixedText<8>(R"(\u%04x)", static_cast<unsigned>(character.front())).text();
         } else {
             literal += character;
         }

@@ -47,7 +47,7 @@ CivilDay next(CivilDay day, Step step) {
 std::string labelOf(const CivilDay& day, Step step) {
     constexpr std::size_t kYear = 4;
     constexpr std::size_t kYearAndMonth = 7;
-    const std::string text = shortDayText(day);
+    std::string text = shortDayText(day);
     if (step == Step::day) return text;
     return text.substr(0, step == Step::month ? kYearAndMonth : kYear);
 }
@@ -70,6 +70,7 @@ std::vector<Bar> typeBars(const Statistics& statistics) {
     for (const auto& [type, messages] : statistics.byType)
         byName[typeText(type)] += messages;
     std::vector<Bar> bars;
+    bars.reserve(byName.size());
     for (const auto& [name, messages] : byName)
         bars.push_back({name, messages});
     std::stable_sort(bars.begin(), bars.end(), [](const Bar& a, const Bar& b) { return a.value > b.value; });
@@ -78,6 +79,7 @@ std::vector<Bar> typeBars(const Statistics& statistics) {
 
 std::vector<Bar> conversationBars(const History& history, const Statistics& statistics) {
     std::vector<Bar> bars;
+    bars.reserve(statistics.byConversation.size());
     for (const auto& [id, messages] : statistics.byConversation)
         bars.push_back({nameOf(history, id), messages});
     std::stable_sort(bars.begin(), bars.end(), [](const Bar& a, const Bar& b) { return a.value > b.value; });
@@ -92,6 +94,7 @@ std::vector<Bar> conversationBars(const History& history, const Statistics& stat
 
 std::vector<Bar> hourBars(const Statistics& statistics) {
     std::vector<Bar> bars;
+    bars.reserve(statistics.byHour.size());
     for (std::size_t hour = 0; hour < statistics.byHour.size(); ++hour)
         bars.push_back({clockText({static_cast<int>(hour), 0}), statistics.byHour.at(hour)});
     return bars;

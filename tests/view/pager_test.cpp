@@ -57,8 +57,8 @@ TEST(PagerOf, LeadsToTheFirstPreviousNextAndLastPage) {
 }
 
 TEST(PagerOf, LeadsNowhereBeyondTheEnds) {
-    EXPECT_NE(std::string::npos, pagerOf(1, 2, nameOf).html().find("<span class=\"off\">Previous</span>"));
-    EXPECT_NE(std::string::npos, pagerOf(2, 2, nameOf).html().find("<span class=\"off\">Next</span>"));
+    EXPECT_NE(std::string::npos, pagerOf(1, 2, nameOf).html().find(R"(<span class="off">Previous</span>)"));
+    EXPECT_NE(std::string::npos, pagerOf(2, 2, nameOf).html().find(R"(<span class="off">Next</span>)"));
 }
 
 }  // namespace

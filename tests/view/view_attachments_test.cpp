@@ -71,7 +71,7 @@ TEST_F(ViewAttachments, AreCopiedOnceWhenSeveralMessagesNameThem) {
     writeAttachment("srv/x.pdf", "%PDF");
     makePages();
     EXPECT_EQ("1.pdf", mediaNames());
-    EXPECT_EQ(2U, countOf("href=\"../../media/1.pdf\"", firstPage()));
+    EXPECT_EQ(2U, countOf(R"(href="../../media/1.pdf")", firstPage()));
 }
 
 TEST_F(ViewAttachments, ThatABrowserWouldOpenAsAPageLoseTheirEnding) {

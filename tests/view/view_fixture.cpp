@@ -30,9 +30,9 @@ std::string quoted(const std::string& text) {
         constexpr const char* kDigits = "0123456789abcdef";
         const auto byte = static_cast<unsigned char>(c);
         if (byte < 0x20) {
-            result += std::string("\\u00") + kDigits[byte / 16] + kDigits[byte % 16];
+            result += std::string(R"(\u00)") + kDigits[byte / 16] + kDigits[byte % 16];
         } else {
-            result += (c == '"' || c == '\\' ? "\\" : "") + std::string(1, c);
+            result += (c == '"' || c == '\\' ? R"(\)" : "") + std::string(1, c);
         }
     }
     return result + "\"";
@@ -94,7 +94,7 @@ std::size_t countOf(const std::string& part, const std::string& text) {
 }
 
 std::vector<std::string> valuesOf(const std::string& attribute, const std::string& page) {
-    const std::string begin = " " + attribute + "=\"";
+    const std::string begin = " " + attribute + R"(=")";
     std::vector<std::string> values;
     for (std::size_t at = page.find(begin); at != std::string::npos; at = page.find(begin, at)) {
         at += begin.size();

@@ -116,7 +116,7 @@ TEST_F(ViewPromises, EveryPageHasAPolicyBeforeAnythingThatLoads) {
     for (const std::string& name : names_) {
         const std::string text = page(name);
         const std::size_t policy =
-            text.find("<meta http-equiv=\"Content-Security-Policy\" content=\"default-src &#39;none&#39;;");
+            text.find(R"(<meta http-equiv="Content-Security-Policy" content="default-src &#39;none&#39;;)");
         ASSERT_NE(std::string::npos, policy) << name;
         for (const char* loader : {"<style", "<script", " src=", " href="})
             EXPECT_LT(policy, text.find(loader)) << loader << " in " << name;
@@ -144,14 +144,14 @@ TEST_F(ViewPromises, EveryReferenceLeadsToAFileOfTheFolder) {
 
 TEST_F(ViewPromises, NoPageNamesAnAddressOfTheNetwork) {
     for (const std::string& name : names_) {
-        for (const char* address : {"http://", "https://", "=\"//", "url(", "@import"})
+        for (const char* address : {"http://", "https://", R"(="//)", "url(", "@import"})
             EXPECT_EQ(0U, countOf(address, page(name))) << address << " in " << name;
     }
 }
 
 TEST_F(ViewPromises, NoPageHasAHandlerOrAStyleOfAnElement) {
     for (const std::string& name : names_) {
-        for (const char* attribute : {" onclick=", " onload=", " onerror=", " style=\"", "javascript:", " srcdoc"})
+        for (const char* attribute : {" onclick=", " onload=", " onerror=", R"( style=")", "javascript:", " srcdoc"})
             EXPECT_EQ(0U, countOf(attribute, page(name))) << attribute << " in " << name;
     }
 }
@@ -164,7 +164,7 @@ TEST_F(ViewPromises, OnlyTheSearchHasAScript) {
 TEST_F(ViewPromises, EveryPageHasALanguageATitleOneHeadingAndItsLandmarks) {
     for (const std::string& name : names_) {
         for (const char* part :
-             {"<html lang=\"en\">", "</title>\n<style>", "<h1>", "<main id=\"main\">", "<header>", "href=\"#main\""})
+             {R"(<html lang="en">)", "</title>\n<style>", "<h1>", R"(<main id="main">)", "<header>", R"(href="#main")"})
             EXPECT_EQ(1U, countOf(part, page(name))) << part << " in " << name;
     }
 }
@@ -172,7 +172,7 @@ TEST_F(ViewPromises, EveryPageHasALanguageATitleOneHeadingAndItsLandmarks) {
 TEST_F(ViewPromises, EveryPictureHasAText) {
     std::size_t pictures = 0;
     for (const std::string& name : names_) {
-        EXPECT_EQ(countOf("<img ", page(name)), countOf(" alt=\"Picture from ", page(name))) << name;
+        EXPECT_EQ(countOf("<img ", page(name)), countOf(R"( alt="Picture from )", page(name))) << name;
         pictures += countOf("<img ", page(name));
     }
     EXPECT_EQ(1U, pictures);

@@ -34,15 +34,15 @@ TEST_F(ViewList, HasPinnedConversationsBeforeAllOthers) {
 TEST_F(ViewList, NamesTheContactOrElseTheId) {
     writePackage({saidAt(1, 5, "x"), saidAt(2, 5, "x"), saidAt(3, 5, "x")}, {contact(1, "Ada"), contact(2, " \n ")});
     makePages();
-    EXPECT_SAYS("<a href=\"conversations/1/1.html\"><bdi>Ada</bdi>", list());
-    EXPECT_SAYS("<a href=\"conversations/2/1.html\"><bdi>2</bdi>", list());
-    EXPECT_SAYS("<a href=\"conversations/3/1.html\"><bdi>3</bdi>", list());
+    EXPECT_SAYS(R"(<a href="conversations/1/1.html"><bdi>Ada</bdi>)", list());
+    EXPECT_SAYS(R"(<a href="conversations/2/1.html"><bdi>2</bdi>)", list());
+    EXPECT_SAYS(R"(<a href="conversations/3/1.html"><bdi>3</bdi>)", list());
 }
 
 TEST_F(ViewList, ShowsTheLastMessageAndLeadsToIt) {
     writePackage({saidAt(1, 5, "earlier words"), saidAt(1, 6, "last\nline")});
     makePages();
-    EXPECT_SAYS("<a href=\"conversations/1/1.html#m2\">", list());
+    EXPECT_SAYS(R"(<a href="conversations/1/1.html#m2">)", list());
     EXPECT_SAYS("<bdi>last line</bdi>", list());
     EXPECT_SAYS("2024-03-06 14:05", list());
     EXPECT_SAYS("2 messages", list());
@@ -79,9 +79,9 @@ TEST_F(ViewList, GoesOnOnFurtherPages) {
         messages.push_back(saidAt(conversation, 5, "x"));
     writePackage(messages);
     makePages();
-    EXPECT_EQ(500U, countOf("class=\"name\"", list()));
-    EXPECT_EQ(1U, countOf("class=\"name\"", page("index-2.html")));
-    EXPECT_SAYS("href=\"index-2.html\" rel=\"next\"", list());
+    EXPECT_EQ(500U, countOf(R"(class="name")", list()));
+    EXPECT_EQ(1U, countOf(R"(class="name")", page("index-2.html")));
+    EXPECT_SAYS(R"(href="index-2.html" rel="next")", list());
 }
 
 TEST_F(ViewList, SaysWhenThereIsNothing) {
@@ -89,7 +89,7 @@ TEST_F(ViewList, SaysWhenThereIsNothing) {
     makePages();
     EXPECT_SAYS("This backup holds no messages.", list());
     EXPECT_SAYS("Statistics", page("statistics.html"));
-    EXPECT_SAYS("data-parts=\"0\"", page("search.html"));
+    EXPECT_SAYS(R"(data-parts="0")", page("search.html"));
 }
 
 }  // namespace

@@ -46,9 +46,9 @@ TEST_F(ViewPages, HoldEachMessageOnceInItsOrder) {
 TEST_F(ViewPages, NameEachMessageByItsNumberInTheConversation) {
     writePackage(manyMessages(501, 200));
     makePages();
-    EXPECT_SAYS("<li id=\"m500\"", pageOf(1));
-    EXPECT_SAYS("<li id=\"m501\"", pageOf(2));
-    EXPECT_EQ(1U, countOf("<li id=\"m", pageOf(2)));
+    EXPECT_SAYS(R"(<li id="m500")", pageOf(1));
+    EXPECT_SAYS(R"(<li id="m501")", pageOf(2));
+    EXPECT_EQ(1U, countOf(R"(<li id="m)", pageOf(2)));
 }
 
 TEST_F(ViewPages, LeadToOneAnother) {
@@ -63,8 +63,8 @@ TEST_F(ViewPages, LeadToOneAnother) {
 TEST_F(ViewPages, SeparateTheDays) {
     writePackage({{"a", 2002, 2002, 1, dayOf(3, 7)}, {"b", 2002, 2002, 1, dayOf(3, 8)}});
     makePages();
-    EXPECT_SAYS("<h2 id=\"d2024-03-07\">Thursday, 7 March 2024</h2>", firstPage());
-    EXPECT_SAYS("<h2 id=\"d2024-03-08\">Friday, 8 March 2024</h2>", firstPage());
+    EXPECT_SAYS(R"(<h2 id="d2024-03-07">Thursday, 7 March 2024</h2>)", firstPage());
+    EXPECT_SAYS(R"(<h2 id="d2024-03-08">Friday, 8 March 2024</h2>)", firstPage());
 }
 
 TEST_F(ViewPages, SortByTheDayOfTheDataThenByTimeThenById) {
@@ -83,10 +83,10 @@ TEST_F(ViewPages, ListEveryDayWithThePageWhereItBegins) {
     writePackage(manyMessages(1001, 200));
     makePages();
     const std::string days = page("conversations/2002/days.html");
-    EXPECT_SAYS("href=\"1.html#d2024-01-01\">Monday, 1 January 2024</a> <span class=\"count\">200 messages", days);
-    EXPECT_SAYS("href=\"1.html#d2024-01-03\"", days);
-    EXPECT_SAYS("href=\"2.html#d2024-01-04\"", days);
-    EXPECT_SAYS("href=\"3.html#d2024-01-06\">Saturday, 6 January 2024</a> <span class=\"count\">1 message<", days);
+    EXPECT_SAYS(R"(href="1.html#d2024-01-01">Monday, 1 January 2024</a> <span class="count">200 messages)", days);
+    EXPECT_SAYS(R"(href="1.html#d2024-01-03")", days);
+    EXPECT_SAYS(R"(href="2.html#d2024-01-04")", days);
+    EXPECT_SAYS(R"(href="3.html#d2024-01-06">Saturday, 6 January 2024</a> <span class="count">1 message<)", days);
 }
 
 TEST_F(ViewPages, HaveTheHeadingThatTheListOfDaysLeadsTo) {
@@ -96,7 +96,7 @@ TEST_F(ViewPages, HaveTheHeadingThatTheListOfDaysLeadsTo) {
     for (const std::string& target : valuesOf("href", page("conversations/2002/days.html"))) {
         const std::size_t hash = target.find("#d");
         if (hash == std::string::npos) continue;
-        EXPECT_SAYS(" id=\"" + target.substr(hash + 1) + "\"", page("conversations/2002/" + target.substr(0, hash)));
+        EXPECT_SAYS(R"( id=")" + target.substr(hash + 1) + "\"", page("conversations/2002/" + target.substr(0, hash)));
         ++days;
     }
     EXPECT_EQ(6, days);
@@ -105,8 +105,8 @@ TEST_F(ViewPages, HaveTheHeadingThatTheListOfDaysLeadsTo) {
 TEST_F(ViewPages, RepeatTheHeadingOfADayThatGoesOn) {
     writePackage(manyMessages(501, 501));
     makePages();
-    EXPECT_SAYS("<h2 id=\"d2024-01-01\">", pageOf(1));
-    EXPECT_SAYS("<h2 id=\"d2024-01-01\">", pageOf(2));
+    EXPECT_SAYS(R"(<h2 id="d2024-01-01">)", pageOf(1));
+    EXPECT_SAYS(R"(<h2 id="d2024-01-01">)", pageOf(2));
 }
 
 TEST_F(ViewPages, ShowADayThatNoCalendarHas) {
@@ -118,17 +118,17 @@ TEST_F(ViewPages, ShowADayThatNoCalendarHas) {
 TEST_F(ViewPages, MarkTheMessagesOfTheUser) {
     writePackage({{"mine", 2002, std::stoll(kUser)}, {"theirs"}}, {contact(2002, "Ada")});
     makePages();
-    EXPECT_EQ(1U, countOf("class=\"message own\"", firstPage()));
-    EXPECT_SAYS("class=\"sender\">You</bdi>", firstPage());
-    EXPECT_SAYS("class=\"sender\">Ada</bdi>", firstPage());
+    EXPECT_EQ(1U, countOf(R"(class="message own")", firstPage()));
+    EXPECT_SAYS(R"(class="sender">You</bdi>)", firstPage());
+    EXPECT_SAYS(R"(class="sender">Ada</bdi>)", firstPage());
 }
 
 TEST_F(ViewPages, ShowTheTimeOfTheZone) {
     writePackage({{}});
     ASSERT_EXIT_CODE(0, view("package", "pages", {}, "UTC"));
-    EXPECT_SAYS("<time datetime=\"14:05\">14:05</time>", firstPage());
+    EXPECT_SAYS(R"(<time datetime="14:05">14:05</time>)", firstPage());
     ASSERT_EXIT_CODE(0, view("package", "east", {}, "Asia/Kolkata"));
-    EXPECT_SAYS("<time datetime=\"19:35\">19:35</time>", readFile(at("east/conversations/2002/1.html")));
+    EXPECT_SAYS(R"(<time datetime="19:35">19:35</time>)", readFile(at("east/conversations/2002/1.html")));
 }
 
 TEST_F(ViewPages, SayWhereATimeIsMissing) {
@@ -156,7 +156,7 @@ TEST_F(ViewPages, HoldAWholeSample) {
     EXPECT_EQ("0", rowOf(run.out, "Attachments missing"));
     std::size_t messages = 0;
     for (const std::string& name : filesEnding(".html"))
-        messages += countOf("<li id=\"m", page(name));
+        messages += countOf(R"(<li id="m)", page(name));
     EXPECT_EQ(300U, messages);
 }
 

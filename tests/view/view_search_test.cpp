@@ -23,7 +23,7 @@ private:
 };
 
 TEST_F(ViewSearch, HasThePlaceTimeSenderAndTextOfAMessage) {
-    writePackage({{"say \"hi\" </b>"}}, {contact(2002, "Ada")});
+    writePackage({{R"(say "hi" </b>)"}}, {contact(2002, "Ada")});
     makePages();
     const JSON_Array* message = json_array_get_array(messagesOf(1), 0);
     EXPECT_EQ(0, json_array_get_number(message, 0));
@@ -31,7 +31,7 @@ TEST_F(ViewSearch, HasThePlaceTimeSenderAndTextOfAMessage) {
     EXPECT_EQ(1, json_array_get_number(message, 2));
     EXPECT_STREQ("2024-03-07 14:05", json_array_get_string(message, 3));
     EXPECT_STREQ("Ada", json_array_get_string(message, 4));
-    EXPECT_STREQ("say \"hi\" </b>", json_array_get_string(message, 5));
+    EXPECT_STREQ(R"(say "hi" </b>)", json_array_get_string(message, 5));
 }
 
 TEST_F(ViewSearch, NamesTheConversationsOfAPart) {
@@ -47,7 +47,7 @@ TEST_F(ViewSearch, HoldsAllMessagesInPartsThatAreNotTooLarge) {
     messages.resize(5501, {"x", 3003});
     writePackage(messages);
     makePages();
-    EXPECT_SAYS("data-parts=\"2\"", page("search.html"));
+    EXPECT_SAYS(R"(data-parts="2")", page("search.html"));
     EXPECT_EQ(5000U, json_array_get_count(messagesOf(1)));
     EXPECT_EQ(501U, json_array_get_count(messagesOf(2)));
     EXPECT_FALSE(exists(at("pages/search/3.js")));
@@ -59,7 +59,7 @@ TEST_F(ViewSearch, BeginsANewPartWhenTextsAreLong) {
         said.body.assign(600000, 'x');
     writePackage(messages);
     makePages();
-    EXPECT_SAYS("data-parts=\"2\"", page("search.html"));
+    EXPECT_SAYS(R"(data-parts="2")", page("search.html"));
 }
 
 TEST_F(ViewSearch, LeadsToThePageThatHoldsTheMessage) {

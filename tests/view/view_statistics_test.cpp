@@ -27,7 +27,7 @@ protected:
         return "<title>" + label + ": " + value + "</title>";
     }
     static std::string row(const std::string& label, const std::string& value) {
-        return "<bdi>" + label + "</bdi></th><td class=\"value\">" + value + "</td>";
+        return "<bdi>" + label + R"(</bdi></th><td class="value">)" + value + "</td>";
     }
 };
 
@@ -69,14 +69,14 @@ TEST_F(ViewStatistics, CountPerType) {
 }
 
 TEST_F(ViewStatistics, AreToldInFiguresToo) {
-    EXPECT_SAYS("<th scope=\"row\">2024-03-07</th><td>3</td>", figures());
+    EXPECT_SAYS(R"(<th scope="row">2024-03-07</th><td>3</td>)", figures());
 }
 
 TEST_F(ViewStatistics, DrawTheTallestBarHighest) {
     // The plot is 188 units high from 0 to the mark above 3, which is 3 itself.
-    EXPECT_SAYS("height=\"188.0\"><title>2024-03-07: 3<", figures());
-    EXPECT_SAYS("height=\"0.0\"><title>2024-03-08: 0<", figures());
-    EXPECT_SAYS("height=\"125.3\"><title>2024-03-09: 2<", figures());
+    EXPECT_SAYS(R"(height="188.0"><title>2024-03-07: 3<)", figures());
+    EXPECT_SAYS(R"(height="0.0"><title>2024-03-08: 0<)", figures());
+    EXPECT_SAYS(R"(height="125.3"><title>2024-03-09: 2<)", figures());
 }
 
 TEST_F(ViewStatistics, AddUpTheConversationsBeyondTheTwentieth) {

@@ -6,13 +6,13 @@ namespace {
 
 using ViewText = ViewTest;
 
-constexpr const char* kScript = "<script>hacked()</script>\"'&</p>";
+constexpr const char* kScript = R"(<script>hacked()</script>"'&</p>)";
 constexpr const char* kEscaped = "&lt;script&gt;hacked()&lt;/script&gt;&quot;&#39;&amp;&lt;/p&gt;";
 
 TEST_F(ViewText, OfABodyIsEscaped) {
     writePackage({{kScript}});
     makePages();
-    EXPECT_SAYS(std::string("dir=\"auto\">") + kEscaped + "</div>", firstPage());
+    EXPECT_SAYS(std::string(R"(dir="auto">)") + kEscaped + "</div>", firstPage());
     EXPECT_SAYS(kEscaped, page("index.html"));
 }
 
@@ -21,7 +21,7 @@ TEST_F(ViewText, OfANameIsEscapedWhereverItStands) {
     makePages();
     EXPECT_SAYS(std::string("<title>") + kEscaped, firstPage());
     EXPECT_SAYS(std::string("<h1><bdi>") + kEscaped, firstPage());
-    EXPECT_SAYS(std::string("class=\"sender\">") + kEscaped, firstPage());
+    EXPECT_SAYS(std::string(R"(class="sender">)") + kEscaped, firstPage());
     EXPECT_SAYS(kEscaped, page("conversations/2002/days.html"));
     EXPECT_SAYS(kEscaped, page("statistics.html"));
     EXPECT_EQ(3U, countOf(kEscaped, page("index.html")) - countOf(kEscaped + std::string(":"), page("index.html")));
@@ -43,7 +43,8 @@ TEST_F(ViewText, NeverBringsAnElementOfItsOwn) {
     writePackage(messages, {contact(2002, "<script>x</script>")});
     makePages();
     for (const std::string& name : filesEnding(".html")) {
-        for (const char* element : {"<img", "<svg/", "<b>", "<!--", "<iframe", "javascript:x\"", "<meta http-equiv=r"})
+        for (const char* element :
+             {"<img", "<svg/", "<b>", "<!--", "<iframe", R"(javascript:x")", "<meta http-equiv=r"})
             EXPECT_EQ(0U, countOf(element, page(name))) << element << " in " << name;
         EXPECT_EQ(name == "search.html" ? 1U : 0U, countOf("<script", page(name))) << name;
         EXPECT_EQ(1U, countOf("</main>", page(name))) << name;
@@ -82,6 +83,14 @@ TEST_F(ViewText, OfANameReversesNothingBesideIt) {
     writePackage({{}}, {contact(2002, "\u202Eadam\u2066")});  // NOLINT(misc-misleading-bidirectional)
     makePages();
     EXPECT_SAYS("<bdi>\uFFFDadam\uFFFD</bdi>", firstPage());
+}
+
+TEST_F(ViewText, OfALongNameIsShortenedSinceItStandsBesideEachMessage) {
+    writePackage({{}, {"again"}}, {contact(2002, std::string(100000, 'n'))});
+    makePages();
+    EXPECT_SAYS(R"(<bdi class="sender">)" + std::string(100, 'n') + "…</bdi>", firstPage());
+    EXPECT_GT(50000U, firstPage().size());
+    EXPECT_GT(1000U, page("search/1.js").size());
 }
 
 TEST_F(ViewText, WithALinkIsNotMadeClickable) {

@@ -18,7 +18,7 @@ protected:
         EXPECT_EQ("14", rowOf(run.out, "Notes and rooms, not shown"));
         std::size_t messages = 0;
         for (const std::string& name : filesEnding(".html"))
-            messages += countOf("<li id=\"m", page(name));
+            messages += countOf(R"(<li id="m)", page(name));
         EXPECT_EQ(300U, messages);
     }
 
@@ -74,8 +74,8 @@ TEST_F(ViewTree, WithADamagedFileIsShownAndSaysSo) {
 TEST_F(ViewTree, ShowsVideosWithTheirStill) {
     makePlainTree("tree");
     ASSERT_EXIT_CODE(0, view("tree", "pages"));
-    EXPECT_SAYS("<video controls preload=\"none\" src=\"../../media/", allPages());
-    EXPECT_SAYS(" poster=\"../../media/", allPages());
+    EXPECT_SAYS(R"(<video controls preload="none" src="../../media/)", allPages());
+    EXPECT_SAYS(R"( poster="../../media/)", allPages());
 }
 
 TEST_F(ViewTree, ShowsThePackageWhereThereIsOneUnlessAskedForTheTree) {
