@@ -2,7 +2,7 @@
 PRESET ?= release
 BUILD := build/$(PRESET)
 
-.PHONY: demo test asan soak bench fuzz cross coverage package docs build setup format tidy clean
+.PHONY: demo test browser-tests asan soak bench fuzz cross coverage package docs build setup format tidy clean
 
 ## Make a sample account, export it, import it elsewhere (twice), verify, and say what moved.
 demo: setup
@@ -13,6 +13,12 @@ demo: setup
 ## Build and run all tests.
 test: build
 	ctest --preset $(PRESET)
+
+## The pages of `view` in a browser: Debian's Chromium, driven by Selenium.
+browser-tests:
+	scripts/setup chromium chromium-driver python3-selenium
+	$(MAKE) --no-print-directory build
+	ctest --preset $(PRESET) -R '^ViewInABrowser' --no-tests=error
 
 ## The same tests under AddressSanitizer, LeakSanitizer and UBSan.
 asan:

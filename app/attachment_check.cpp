@@ -1,31 +1,11 @@
 #include "app/attachment_check.h"
 
-#include "host/tools.h"
-#include "transfer/attachment_body.h"
+#include "app/package_file_names.h"
 
 namespace app {
-namespace {
 
-std::string lastComponent(const std::string& path) {
-    std::string name;
-    tools::getNameFromPath(path, name);
-    return name;
-}
-
-}  // namespace
-
-// The names that an export looks for and that an import gives differ when a file name has a folder of its own.
 void AttachmentCheck::collect(const std::string& body, int msgType) {
-    const transfer::AttachmentBody names = transfer::readAttachmentBody(body, msgType);
-    if (!names.complete) return;
-    if (msgType == transfer::kImageMessage) {
-        for (const std::string& path : {names.mediaUrl, names.thumbUrl}) {
-            files_.add({path, transfer::kImageFolder, lastComponent(path), lastComponent(path)});
-        }
-        return;
-    }
-    const char* folder = msgType == transfer::kVoiceMessage ? transfer::kAudioFolder : transfer::kFileFolder;
-    files_.add({names.packagePath(), folder, names.fileName, lastComponent(names.packagePath())});
+    forEachPackageFile(body, msgType, [this](AttachmentFile file) { files_.add(std::move(file)); });
 }
 
 AttachmentCounts AttachmentCheck::compare(Direction direction, VerifyReport& report) const {

@@ -10,12 +10,19 @@
 
 namespace app {
 
+/// What a file is to the message that names it.
+enum class AttachmentRole {
+    content,
+    preview,  ///< the thumbnail of the picture before it, or the still of the video behind it
+};
+
 /// One attachment.
 struct AttachmentFile {
     std::string source;       ///< path below the attachments of the package or tree
     std::string folder;       ///< the account's folder for its kind, such as "/audio/"
     std::string accountName;  ///< what an import calls it there
     std::string otherName;    ///< under which the account may have it, too; most often the same
+    AttachmentRole role = AttachmentRole::content;
 
     bool operator<(const AttachmentFile& other) const;
 };

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <tuple>
 
 #include "host/fixed_text.h"
 
@@ -13,6 +14,14 @@ bool isLeap(int year) {
 }
 
 }  // namespace
+
+bool operator<(const CivilDay& a, const CivilDay& b) {
+    return std::tie(a.year, a.month, a.day) < std::tie(b.year, b.month, b.day);
+}
+
+bool operator==(const CivilDay& a, const CivilDay& b) {
+    return std::tie(a.year, a.month, a.day) == std::tie(b.year, b.month, b.day);
+}
 
 int daysOfMonth(int year, int month) {
     constexpr std::array<int, 12> kDays = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};

@@ -11,6 +11,10 @@ struct CivilDay {
     int day;
 };
 
+/// In the order of the calendar.
+bool operator<(const CivilDay& a, const CivilDay& b);
+bool operator==(const CivilDay& a, const CivilDay& b);
+
 /// The calendar day with the number `days`.
 CivilDay civilDay(long long days);
 

@@ -4,13 +4,13 @@
 #include <memory>
 
 #include "app/failure.h"
+#include "app/folder_staging.h"
 #include "app/left_out.h"
 #include "app/paths.h"
 #include "app/printable.h"
 #include "app/text_table.h"
 #include "app/tree_conversion.h"
 #include "app/tree_place.h"
-#include "app/tree_staging.h"
 
 namespace app {
 namespace {
@@ -56,7 +56,7 @@ int runDecryptTree(const DecryptTreeOptions& options) {
     const std::string target = resolvedPath(options.to).string();
     refuseTargetInside(place.root, target);
     const SecretText key = requireKey(options.key, options.to, KeyPurpose::unlock);
-    TreeStaging staging(target);
+    FolderStaging staging(target, kStagedTree);
     ProgressBar progress;
     progress.begin("Decrypting", {{1, "Decrypting"}});
     const ConversionCounts counts =

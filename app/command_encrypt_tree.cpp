@@ -5,13 +5,13 @@
 #include <memory>
 
 #include "app/failure.h"
+#include "app/folder_staging.h"
 #include "app/left_out.h"
 #include "app/paths.h"
 #include "app/printable.h"
 #include "app/text_table.h"
 #include "app/tree_conversion.h"
 #include "app/tree_place.h"
-#include "app/tree_staging.h"
 #include "transfer/tree_format.h"
 
 namespace app {
@@ -62,7 +62,7 @@ int runEncryptTree(const EncryptTreeOptions& options) {
     const std::string target = treeFolderIn(options.to, options.user);
     refuseTargetInside(from, target);
     const SecretText key = requireKey(options.key, options.to, KeyPurpose::choose);
-    TreeStaging staging(target);
+    FolderStaging staging(target, kStagedTree);
     ProgressBar progress;
     progress.begin("Encrypting", {{1, "Encrypting"}});
     const ConversionCounts counts = convertTree(CipherDirection::encrypt, from, staging.folder(), key.text(), progress);

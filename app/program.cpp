@@ -12,6 +12,7 @@
 #include "app/command_sample.h"
 #include "app/command_sample_tree.h"
 #include "app/command_verify.h"
+#include "app/command_view.h"
 
 namespace app {
 namespace {
@@ -22,6 +23,7 @@ constexpr const char* kFooter = R"(Try it:
   chat-transfer inspect backup --user 1000000000000001
   chat-transfer import --from backup --account demo2 --user 1000000000000001
   chat-transfer verify --from backup --account demo2 --user 1000000000000001
+  chat-transfer view --from backup --user 1000000000000001 --to pages
 
 The same with a tree; its key is asked for, and becomes the key of the new account:
   chat-transfer sample-tree --to plain-tree --user 1000000000000001
@@ -59,6 +61,7 @@ void addCommands(CLI::App& program, Job& job) {
     addImportCommand(program, job);
     addInspectCommand(program, job);
     addVerifyCommand(program, job);
+    addViewCommand(program, job);
     addSampleTreeCommand(program, job);
     addEncryptTreeCommand(program, job);
     addImportTreeCommand(program, job);

@@ -20,24 +20,24 @@ void visitByName(const JSON_Object* body, const char* key, const char* folder, c
     visit({value, folder, name, name});
 }
 
-void visitByUrl(const JSON_Object* body, const char* key, const char* folder, const Visit& visit) {
+void visitByUrl(const JSON_Object* body, const char* key, const char* folder, AttachmentRole role, const Visit& visit) {
     const char* value = json_object_get_string(body, key);
     if (value == nullptr || *value == '\0') return;
     const std::string name = tools::getUniqueNameByUrl(value, true);
-    visit({value, folder, name, name});
+    visit({value, folder, name, name, role});
 }
 
 void visitImage(const JSON_Object* body, const TreeFileKeys& keys, const Visit& visit) {
-    visitByUrl(body, keys.image, transfer::kImageFolder, visit);
-    visitByUrl(body, keys.thumbnail, transfer::kImageFolder, visit);
+    visitByUrl(body, keys.image, transfer::kImageFolder, AttachmentRole::content, visit);
+    visitByUrl(body, keys.thumbnail, transfer::kImageFolder, AttachmentRole::preview, visit);
 }
 
 // An import moves a video only together with its preview.
 void visitVideo(const JSON_Object* body, const TreeFileKeys& keys, const Visit& visit) {
     if (json_object_get_string(body, keys.preview) == nullptr || json_object_get_string(body, keys.video) == nullptr)
         return;
-    visitByUrl(body, keys.preview, transfer::kImageFolder, visit);
-    visitByUrl(body, keys.video, kVideoFolder, visit);
+    visitByUrl(body, keys.preview, transfer::kImageFolder, AttachmentRole::preview, visit);
+    visitByUrl(body, keys.video, kVideoFolder, AttachmentRole::content, visit);
 }
 
 }  // namespace

@@ -46,7 +46,7 @@ TEST_F(Usage, WithoutACommandShowsTheHelpAndIsWrongUsage) {
 
 TEST_F(Usage, HelpOfEveryCommandShowsExamplesAndSucceeds) {
     const std::vector<std::string> commands = listedCommands();
-    ASSERT_GE(commands.size(), 9U);
+    ASSERT_GE(commands.size(), 10U);
     for (const std::string& command : commands) {
         const Outcome run = chatTransfer({command, "--help"});
         EXPECT_EXIT_CODE(0, run);
@@ -58,7 +58,7 @@ TEST_F(Usage, HelpOfEveryCommandShowsExamplesAndSucceeds) {
 }
 
 TEST_F(Usage, HelpOfTheProgramListsTheCommandsInTheOrderOfTheirUse) {
-    EXPECT_EQ((std::vector<std::string>{"sample", "export", "import", "inspect", "verify", "sample-tree",
+    EXPECT_EQ((std::vector<std::string>{"sample", "export", "import", "inspect", "verify", "view", "sample-tree",
                                         "encrypt-tree", "import-tree", "decrypt-tree"}),
               listedCommands());
 }
@@ -75,7 +75,7 @@ TEST_F(Usage, WhatTheHelpOfTheProgramSaysToTryWorks) {
         EXPECT_EXIT_CODE(0, chatTransfer(arguments, {{}, 0, dir_.path()}));
         ++tried;
     }
-    EXPECT_EQ(9, tried);
+    EXPECT_EQ(10, tried);
 }
 
 TEST_F(Usage, HelpOfTheProgramNamesTheExitCodes) {

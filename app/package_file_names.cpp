@@ -1,0 +1,34 @@
+#include "app/package_file_names.h"
+
+#include "host/tools.h"
+#include "transfer/attachment_body.h"
+
+namespace app {
+namespace {
+
+std::string lastComponent(const std::string& path) {
+    std::string name;
+    tools::getNameFromPath(path, name);
+    return name;
+}
+
+AttachmentFile imageAt(const std::string& path, AttachmentRole role) {
+    return {path, transfer::kImageFolder, lastComponent(path), lastComponent(path), role};
+}
+
+}  // namespace
+
+// The names that an export looks for and that an import gives differ when a file name has a folder of its own.
+void forEachPackageFile(const std::string& body, int msgType, const std::function<void(AttachmentFile)>& visit) {
+    const transfer::AttachmentBody names = transfer::readAttachmentBody(body, msgType);
+    if (!names.complete) return;
+    if (msgType == transfer::kImageMessage) {
+        visit(imageAt(names.mediaUrl, AttachmentRole::content));
+        visit(imageAt(names.thumbUrl, AttachmentRole::preview));
+        return;
+    }
+    const char* folder = msgType == transfer::kVoiceMessage ? transfer::kAudioFolder : transfer::kFileFolder;
+    visit({names.packagePath(), folder, names.fileName, lastComponent(names.packagePath())});
+}
+
+}  // namespace app

@@ -1,0 +1,79 @@
+#include "app/view/conversation_text.h"
+
+#include "app/view/shown_text.h"
+#include "transfer/attachment_body.h"
+#include "transfer/tree_attachments.h"
+
+namespace app::view {
+namespace {
+
+constexpr const char* kindText(FileKind kind) {
+    switch (kind) {
+        case FileKind::picture:
+            return "Picture";
+        case FileKind::voice:
+            return "Voice message";
+        case FileKind::video:
+            return "Video";
+        case FileKind::file:
+            break;
+    }
+    return "File";
+}
+
+// A name says something only where people chose it.
+std::string fileText(const NamedFile& file) {
+    std::string text = kindText(file.kind);
+    if (file.kind == FileKind::file) text += ": " + shownLine(file.shownName);
+    return text;
+}
+
+}  // namespace
+
+std::string nameOf(const History& history, long long id) {
+    constexpr std::size_t kLongestName = 100;
+    const auto contact = history.contacts.find(id);
+    const std::string name = contact != history.contacts.end() ? shortLine(contact->second.name, kLongestName) : "";
+    const bool blank = name.find_first_not_of(' ') == std::string::npos;
+    return blank ? std::to_string(id) : name;
+}
+
+bool isOwn(const History& history, const Message& message) {
+    return std::to_string(message.sender) == history.user;
+}
+
+std::string senderOf(const History& history, const Message& message) {
+    return isOwn(history, message) ? "You" : nameOf(history, message.sender);
+}
+
+std::string textOf(const History& history, const Message& message) {
+    std::string text;
+    for (const NamedFile& file : history.filesOf(message.body, message.type)) {
+        if (!file.isPreview) text += (text.empty() ? "" : ", ") + fileText(file);
+    }
+    return text.empty() ? shownText(message.body) : text;
+}
+
+std::string typeText(int type) {
+    constexpr int kOldestTextMessage = 0;
+    constexpr int kTextMessage = 1;
+    switch (type) {
+        case kOldestTextMessage:
+        case kTextMessage:
+            return "Text";
+        case transfer::kVoiceMessage:
+            return "Voice";
+        case transfer::kImageMessage:
+            return "Picture";
+        case transfer::kFileMessage:
+            return "File";
+        case transfer::kPicturesMessage:
+            return "Pictures";
+        case transfer::kVideoMessage:
+            return "Video";
+        default:
+            return "Type " + std::to_string(type);
+    }
+}
+
+}  // namespace app::view
