@@ -79,8 +79,8 @@ int makePages(const ViewOptions& options, const std::string& root, const std::fu
     ViewSource source = read();
     const view::ViewCounts counts =
         view::writeView(source.history, std::move(source.attachments), staging.folder(), shownBy(progress));
-    progress.finish();
     staging.publish();
+    progress.complete();
     printSummary(counts, source, target, watch);
     return shownWhole(counts, source) ? kDone : kFailed;
 }
