@@ -54,12 +54,20 @@ bool isProgress(const std::string& line) {
     return line.find(" % (") != std::string::npos;
 }
 
+// A table is as wide as its widest value, which can be the time: runs of blanks count as one.
+std::string withoutWidths(std::string line) {
+    const auto both = [](char left, char right) { return left == ' ' && right == ' '; };
+    line.erase(std::unique(line.begin(), line.end(), both), line.end());
+    return line;
+}
+
 // What stays on a reader's screen: without the progress, which a terminal overwrites, and without the times.
 Lines comparable(const std::string& output) {
-    const std::string time = "  Time ";
+    const std::string time = " Time ";
     Lines lines;
     for (std::string line : docs::linesOf(output)) {
         line.erase(0, line.rfind('\r') + 1);
+        line = withoutWidths(line);
         if (!isProgress(line)) lines.push_back(line.compare(0, time.size(), time) == 0 ? time : line);
     }
     return lines;
@@ -76,7 +84,7 @@ bool fits(Lines::const_iterator shown, Lines::const_iterator shownEnd, Lines::co
           Lines::const_iterator printedEnd) {
     if (shown == shownEnd) return printed == printedEnd;
     if (*shown == "...") {
-        for (Lines::const_iterator rest = printed;; ++rest) {
+        for (auto rest = printed;; ++rest) {
             if (fits(shown + 1, shownEnd, rest, printedEnd)) return true;
             if (rest == printedEnd) return false;
         }
@@ -159,6 +167,7 @@ TEST(ShownOutput, LeavesOutWhatDotsStandFor) {
 
 TEST(ShownOutput, SaysNothingOfProgressAndTimes) {
     EXPECT_TRUE(isShownAs("  Time   0.01 s\n", "Copying attachments: 100 % (19/19)\n  Time   12.7 s\n"));
+    EXPECT_TRUE(isShownAs("  Notes      1\n  Time  0.01 s\n", "  Notes     1\n  Time  1.2 s\n"));
     EXPECT_TRUE(isShownAs("done\n", "50 %\r100 %\rdone\n"));
     EXPECT_FALSE(isShownAs("  Time   0.01 s\n", "  Size   0.01 s\n"));
 }

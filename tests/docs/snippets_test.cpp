@@ -29,12 +29,11 @@ bool isOneOf(const std::string& text, const std::set<std::string>& all) {
 }
 
 bool aTestTakesItByName(const std::string& name) {
-    for (const char* test :
-         {"tests/docs/container_test.cpp", "tests/docs/databases_test.cpp", "tests/docs/package_test.cpp",
-          "tests/docs/schemas_test.cpp", "tests/tree/tree_documentation_test.cpp"}) {
-        if (contains(docs::readSource(test), '"' + name + '"')) return true;
-    }
-    return false;
+    const std::set<std::string> tests = {"tests/docs/container_test.cpp", "tests/docs/databases_test.cpp",
+                                         "tests/docs/package_test.cpp", "tests/docs/schemas_test.cpp",
+                                         "tests/tree/tree_documentation_test.cpp"};
+    return std::any_of(tests.begin(), tests.end(),
+                       [&name](const std::string& test) { return contains(docs::readSource(test), '"' + name + '"'); });
 }
 
 // Whether what the block shows is the output of the one in front.
@@ -103,7 +102,7 @@ std::string fault(const std::string& command) {
         return "";
     }
     if (words.front() == "cmake" && contains(command, " --preset ")) {
-        const std::string preset = "\"name\": \"" + words.back() + "\"";
+        const std::string preset = R"("name": ")" + words.back() + '"';
         return contains(docs::readSource("CMakePresets.json"), preset) ? "" : "there is no preset " + words.back();
     }
     return "nobody looks this command up";
