@@ -1,5 +1,5 @@
-// Ctrl-C: a command that is asked to end does so at its next safe moment, and says what is done. Asked twice, it ends at
-// once.
+// Ctrl-C: a command that is asked to end does so at its next safe moment, and says what is done. Asked twice, it ends
+// at once.
 #pragma once
 
 #include <exception>

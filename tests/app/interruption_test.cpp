@@ -53,8 +53,7 @@ TEST_F(Interrupted, ImportOfATreeKeepsNoMessageAndRunAgainCompletesIt) {
     ASSERT_EXIT_CODE(0, chatTransfer({"sample-tree", "--to", at("plain"), "--user", kUser, "--conversations", "6",
                                       "--messages", "30000", "--days", "10"}));
     ASSERT_EXIT_CODE(0, encryptTree("plain", "backup"));
-    const Outcome run =
-        chatTransferOnTerminal(importArguments("account", "backup"), {{"Importing ...", kCtrlC, 0}});
+    const Outcome run = chatTransferOnTerminal(importArguments("account", "backup"), {{"Importing ...", kCtrlC, 0}});
     expectInterrupted("nothing has been written to the databases", run);
     EXPECT_EXIT_CODE(0, importTree("account", "backup"));
 }
