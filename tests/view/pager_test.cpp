@@ -8,7 +8,9 @@ namespace {
 std::vector<Message> messagesOf(std::size_t count, std::size_t bytes) {
     Message message;
     message.body.assign(bytes, 'x');
-    return std::vector<Message>(count, message);
+    std::vector<Message> messages;
+    messages.resize(count, message);
+    return messages;
 }
 
 std::string nameOf(std::size_t page) {

@@ -1,12 +1,8 @@
 // Pages of a tree: plain, decrypted, and encrypted with its key.
-#include <filesystem>
-
 #include "tests/view/view_fixture.h"
 
 namespace test {
 namespace {
-
-namespace fs = std::filesystem;
 
 class ViewTree : public ViewTest {
 protected:
