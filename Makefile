@@ -33,12 +33,12 @@ soak: build
 	CHAT_TRANSFER_KILLS=$(KILLS) $(BUILD)/tests/app/app_tests --gtest_filter='Killed*'
 
 ## Measure. QUICK=1: small sizes, under two minutes. ROUNDS, SIZES, WORK: rounds, numbers of messages (1000,10000) and
-## folder to work in. DOCS=1: write docs/performance.md and its plots.
+## folder to work in. ONLY: stages (sizes,tree); KEEP=1: the others from the run before. DOCS=1: write docs/performance.md and its plots.
 bench:
 	$(MAKE) --no-print-directory build PRESET=bench
 	build/bench/bench/bench-pieces $(if $(QUICK),--benchmark_min_time=0.02)
 	build/bench/bench/bench-compare $(if $(QUICK),--quick) $(if $(ROUNDS),--rounds $(ROUNDS)) \
-	    $(if $(SIZES),--sizes $(SIZES)) $(if $(WORK),--work $(WORK)) --results build/bench/results $(if $(DOCS),--docs docs)
+	    $(if $(SIZES),--sizes $(SIZES)) $(if $(WORK),--work $(WORK)) $(if $(ONLY),--only $(ONLY)) $(if $(KEEP),--keep) --results build/bench/results $(if $(DOCS),--docs docs)
 
 ## Fuzz every reader of foreign bytes. SECONDS: time for each target; TARGETS: some of them.
 fuzz:

@@ -96,13 +96,18 @@ void ProgressBar::print(const std::string& text) {
     const double now = sinceBegin_.seconds();
     if (now - lastLine_ < kSecondsBetweenLines) return;
     lastLine_ = now;
+    printed_ = true;
     std::cerr << phase_ << ": " << text << '\n';
 }
 
 void ProgressBar::complete() {
     finish();
     percent_ = 100;
-    std::cerr << "Done" << (onTerminal_ ? " " + bar(percent_) + " " : ": ") << percent_ << " %\n";
+    if (onTerminal_) {
+        std::cerr << "Done " << bar(percent_) << " 100 %\n";
+    } else if (printed_) {
+        std::cerr << "Done: 100 %\n";
+    }
 }
 
 void ProgressBar::finish() {

@@ -35,7 +35,7 @@ public:
     /// Leaves the operation when the program has been interrupted.
     void onProgress(long long context, int stage, int percent, const char* text) override;
 
-    /// Shows 100 % and ends the line: the command has succeeded.
+    /// Shows 100 %, if anything was shown before: the command has succeeded.
     void complete();
 
     /// Ends the line that is being drawn. Call it before anything else is printed.
@@ -50,6 +50,7 @@ private:
 
     bool onTerminal_;
     bool lineOpen_ = false;
+    bool printed_ = false;  // a plain line
     Shares shares_;
     StageNames names_;
     int stage_ = -1;

@@ -336,13 +336,6 @@ TEST_F(ExportCommand, OfAnEmptyAccountIsAnEmptyPackage) {
     }
 }
 
-TEST_F(ExportCommand, ShowsItsProgressInPlainLinesWithoutATerminal) {
-    makeSample("account");
-    const Outcome run = exportFrom("account", "package");
-    EXPECT_SAYS("Done: 100 %\n", run.err);
-    EXPECT_FALSE(hasControlCharacter(run.err));
-}
-
 TEST_F(ExportCommand, DrawsAProgressBarOnATerminal) {
     makeSample("account");
     const Outcome run =
