@@ -34,6 +34,7 @@ Settings settingsOf(const Arguments& arguments) {
     Settings settings;
     if (arguments.quick) {
         settings.rounds = 3;
+        settings.timesForSmall = 1;
         settings.sizes = {1000, 10000, 50000};
         settings.oneDaySizes = {10000, 50000};
         settings.manyConversations = 1000;

@@ -20,7 +20,8 @@ struct Programs {
 struct Settings {
     int rounds = 5;
     /// Runs of a few tenths of a second are disturbed most, and more of them cost little.
-    int roundsFor(int messages) const { return messages <= 100000 ? 3 * rounds : rounds; }
+    int timesForSmall = 3;
+    int roundsFor(int messages) const { return messages <= 100000 ? timesForSmall * rounds : rounds; }
     std::vector<int> sizes;  ///< messages; the table speaks of the last two
     std::vector<int> oneDaySizes;
     int manyConversations = 0;
