@@ -75,14 +75,17 @@ std::string Account::database(Database which) const {
     return root_ + (which == Database::main ? "/db/imsg.db" : "/db/backimsg.db");
 }
 
+std::vector<std::string> Account::databases() const {
+    return {database(Database::main), database(Database::back), pluginDatabase()};
+}
+
 std::vector<std::string> makeMissingParts(const Account& account, const std::string& key) {
     for (const char* folder : {"/db/plugin", transfer::kAudioFolder, transfer::kImageFolder, transfer::kFileFolder}) {
         makeFolder(account.root() + folder);
     }
     const tools::detail::FileHandle lock = lockDatabases(account);
     std::vector<std::string> made;
-    for (const std::string& path :
-         {account.database(Database::main), account.database(Database::back), account.pluginDatabase()}) {
+    for (const std::string& path : account.databases()) {
         removeUnfinished(path);
         if (tools::fileExist(path.c_str())) continue;
         makeDatabase(path, key);

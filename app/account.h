@@ -18,6 +18,7 @@ public:
 
     const std::string& root() const { return root_; }
     std::string database(Database which) const;
+    std::vector<std::string> databases() const;
     std::string pluginDatabase() const { return root_ + "/db/plugin/kab.db"; }
 
 private:

@@ -22,6 +22,13 @@ std::string refuseKey(const std::string& /*key*/) {
 
 }  // namespace
 
+void addReportOption(CLI::App& command, std::string& file) {
+    const auto faultOf = [](const std::string& text) { return text.empty() ? "needs the name of a file" : ""; };
+    command.add_option("--report", file, "Write what happened into FILE too, as JSON, also when the command fails")
+        ->type_name("FILE")
+        ->check(faultOf);
+}
+
 void addFolderOption(CLI::App& command, const std::string& name, std::string& folder, const std::string& help) {
     const auto faultOf = [](const std::string& text) { return text.empty() ? "needs the name of a folder" : ""; };
     command.add_option(name, folder, help)->type_name("DIR")->check(faultOf)->required();

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "app/key_source.h"
+#include "app/run_report.h"
 #include "app/since_day.h"
 
 namespace app {
@@ -17,14 +18,25 @@ inline constexpr int kFailed = 1;
 inline constexpr int kWrongUsage = 2;
 inline constexpr int kInterrupted = 130;  // as shells count a program that SIGINT ended
 
-/// What the chosen subcommand does; set while the command line is parsed, run afterwards. Returns an exit code, or
-/// throws Failure.
-using Job = std::function<int()>;
+/// What the chosen subcommand does; set while the command line is parsed, run afterwards.
+struct Job {
+    std::string command;
+    std::string reportFile;  ///< empty: no report is wanted
+    /// Returns an exit code, or throws Failure. Empty when no subcommand was chosen.
+    std::function<int(RunReport&)> run;
+};
+
+/// --report, which every subcommand has.
+void addReportOption(CLI::App& command, std::string& file);
 
 /// Gives the subcommand its options and its job. `run` gets the filled options.
 template <class Options>
-void setJob(CLI::App& command, Job& job, std::shared_ptr<Options> options, int (*run)(const Options&)) {
-    command.callback([&job, run, options = std::move(options)] { job = [run, options] { return run(*options); }; });
+void setJob(CLI::App& command, Job& job, std::shared_ptr<Options> options, int (*run)(const Options&, RunReport&)) {
+    addReportOption(command, job.reportFile);
+    command.callback([&job, run, name = command.get_name(), options = std::move(options)] {
+        job.command = name;
+        job.run = [run, options](RunReport& report) { return run(*options, report); };
+    });
 }
 
 /// A required option that names a folder, such as "--to".

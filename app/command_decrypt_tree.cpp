@@ -8,7 +8,6 @@
 #include "app/left_out.h"
 #include "app/paths.h"
 #include "app/printable.h"
-#include "app/text_table.h"
 #include "app/tree_conversion.h"
 #include "app/tree_place.h"
 
@@ -31,33 +30,28 @@ void requireFittingKey(const ConversionCounts& counts, const std::string& root) 
                    first.what + ": " + first.reason, "check the key"});
 }
 
-void printSummary(const ConversionCounts& counts, const std::string& target, const Stopwatch& watch) {
-    std::cout << "Decrypted into " << printable(target) << '\n';
-    Summary summary;
-    summary.add("Files decrypted", counts.converted);
-    summary.add("Decrypted copies taken over", counts.takenDecrypted);
-    summary.add("Other files copied", counts.copied);
-    summary.add("Files not decrypted", counts.failed);
-    summary.add("Left out", counts.report.skippedCount - counts.failed);
-    summary.add("Size", humanSize(sizeOfFolder(target)));
-    summary.add("Time", humanDuration(watch.seconds()));
-    summary.print(std::cout);
+void summarise(Summary& summary, const ConversionCounts& counts, const std::string& target) {
+    summary.add("files.converted", "Files decrypted", counts.converted);
+    summary.add("files.takenDecrypted", "Decrypted copies taken over", counts.takenDecrypted);
+    summary.add("files.copied", "Other files copied", counts.copied);
+    summary.add("files.notDecrypted", "Files not decrypted", counts.failed);
+    summary.add("files.leftOut", "Left out", counts.report.skippedCount - counts.failed);
+    summary.addSize("bytes", "Size", sizeOfFolder(target));
 }
 
-bool decryptedWhole(const ConversionCounts& counts) {
-    if (counts.failed > 0) warn(grouped(counts.failed) + " files or folders could not be decrypted, see below");
-    printLeftOut(counts.report, std::cerr);
+bool decryptedWhole(RunReport& run, const ConversionCounts& counts) {
+    if (counts.failed > 0) run.warn(grouped(counts.failed) + " files or folders could not be decrypted, see below");
+    run.leaveOut(counts.report);
     return counts.failed == 0;
 }
 
-int runDecryptTree(const DecryptTreeOptions& options) {
-    const Stopwatch watch;
+int runDecryptTree(const DecryptTreeOptions& options, RunReport& run) {
     const TreePlace place = findTree(options.from, options.user);
     const std::string target = resolvedPath(options.to).string();
     refuseTargetInside(place.root, target);
     const SecretText key = requireKey(options.key, options.to, KeyPurpose::unlock);
     FolderStaging staging(target, kStagedTree);
-    ProgressBar progress;
+    ProgressBar progress(run.phases);
     progress.begin("Decrypting", {{1, "Decrypting"}});
     const ConversionCounts counts =
         convertTree(CipherDirection::decrypt, place.root, staging.folder(), key.text(), progress);
@@ -65,8 +59,10 @@ int runDecryptTree(const DecryptTreeOptions& options) {
     requireFittingKey(counts, place.root);
     staging.publish();
     progress.complete();
-    printSummary(counts, target, watch);
-    return decryptedWhole(counts) ? kDone : kFailed;
+    summarise(run.summary, counts, target);
+    std::cout << "Decrypted into " << printable(target) << '\n';
+    run.printSummary(std::cout);
+    return decryptedWhole(run, counts) ? kDone : kFailed;
 }
 
 constexpr const char* kFooter =

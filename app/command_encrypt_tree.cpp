@@ -6,10 +6,8 @@
 
 #include "app/failure.h"
 #include "app/folder_staging.h"
-#include "app/left_out.h"
 #include "app/paths.h"
 #include "app/printable.h"
-#include "app/text_table.h"
 #include "app/tree_conversion.h"
 #include "app/tree_place.h"
 #include "transfer/tree_format.h"
@@ -45,33 +43,30 @@ void requireWhole(const ConversionCounts& counts) {
                    "check its permissions"});
 }
 
-void printSummary(const ConversionCounts& counts, const std::string& target, const Stopwatch& watch) {
-    std::cout << "Encrypted into " << printable(target) << '\n';
-    Summary summary;
-    summary.add("Files encrypted", counts.converted);
-    summary.add("Other files copied", counts.copied);
-    summary.add("Left out", counts.report.skippedCount);
-    summary.add("Size", humanSize(sizeOfFolder(target)));
-    summary.add("Time", humanDuration(watch.seconds()));
-    summary.print(std::cout);
+void summarise(Summary& summary, const ConversionCounts& counts, const std::string& target) {
+    summary.add("files.converted", "Files encrypted", counts.converted);
+    summary.add("files.copied", "Other files copied", counts.copied);
+    summary.add("files.leftOut", "Left out", counts.report.skippedCount);
+    summary.addSize("bytes", "Size", sizeOfFolder(target));
 }
 
-int runEncryptTree(const EncryptTreeOptions& options) {
-    const Stopwatch watch;
+int runEncryptTree(const EncryptTreeOptions& options, RunReport& run) {
     const std::string from = requireFolder(options.from);
     const std::string target = treeFolderIn(options.to, options.user);
     refuseTargetInside(from, target);
     const SecretText key = requireKey(options.key, options.to, KeyPurpose::choose);
     FolderStaging staging(target, kStagedTree);
-    ProgressBar progress;
+    ProgressBar progress(run.phases);
     progress.begin("Encrypting", {{1, "Encrypting"}});
     const ConversionCounts counts = convertTree(CipherDirection::encrypt, from, staging.folder(), key.text(), progress);
     progress.finish();
     requireWhole(counts);
     staging.publish();
     progress.complete();
-    printSummary(counts, target, watch);
-    printLeftOut(counts.report, std::cerr);
+    summarise(run.summary, counts, target);
+    std::cout << "Encrypted into " << printable(target) << '\n';
+    run.printSummary(std::cout);
+    run.leaveOut(counts.report);
     return kDone;
 }
 

@@ -16,7 +16,7 @@
 #include "app/printable.h"
 #include "app/progress_bar.h"
 #include "app/staging_folder.h"
-#include "app/text_table.h"
+#include "app/transfer_rows.h"
 #include "app/units.h"
 #include "transfer/dbTrans.h"
 
@@ -76,38 +76,32 @@ Extent extentOf(const dbTrans& transfer) {
     return extent;
 }
 
-void printSummary(const dbTrans& transfer, Layout layout, const std::string& package, const Stopwatch& watch) {
+void summarise(Summary& summary, const dbTrans& transfer, Layout layout, const std::string& package) {
     const TransferReport& report = transfer.report;
     const Extent extent = extentOf(transfer);
-    std::cout << "Exported to " << printable(package) << '\n';
-    Summary summary;
-    summary.add("Messages", report.messagesWritten);
-    if (layout == Layout::packed) summary.add("Messages left out", report.messagesSelected - report.messagesWritten);
-    summary.add("Conversations", static_cast<long long>(extent.conversations.size()));
-    summary.add("Days", static_cast<long long>(extent.days.size()));
-    summary.add("Message files", report.messageFilesWritten);
-    if (layout == Layout::days) summary.add("Recent contacts", report.contactsWritten);
-    summary.add("Attachments copied", report.attachmentsDone);
-    summary.add("Attachments missing", report.attachmentsMissing);
-    summary.add("Attachments refused", report.attachmentsRefused);
-    summary.addIfAny("Attachments failed", report.attachmentsFailed);
-    summary.add("Size", humanSize(sizeOfFolder(package)));
-    summary.add("Time", humanDuration(watch.seconds()));
-    summary.print(std::cout);
+    summary.add("messages.read", "Messages read", report.messagesSelected);
+    summary.add("messages.written", "Messages written", report.messagesWritten);
+    const long long leftOut = report.messagesSelected - report.messagesWritten;
+    if (layout == Layout::packed) summary.add("messages.leftOut", "Messages left out", leftOut);
+    summary.add("conversations.all", "Conversations", static_cast<long long>(extent.conversations.size()));
+    summary.add("days", "Days", static_cast<long long>(extent.days.size()));
+    summary.add("files.messages", "Message files", report.messageFilesWritten);
+    if (layout == Layout::days) summary.add("recentContacts.written", "Recent contacts", report.contactsWritten);
+    addAttachmentRows(summary, report, "copied");
+    summary.addSize("bytes", "Size", sizeOfFolder(package));
 }
 
-void warnOfLoss(const dbTrans& transfer, Layout layout, long long undated) {
-    if (undated > 0) warn(counted(undated, "message has", "messages have") + " no date, and no export takes them");
+void warnOfLoss(RunReport& run, const dbTrans& transfer, Layout layout, long long undated) {
+    if (undated > 0) run.warn(counted(undated, "message has", "messages have") + " no date, and no export takes them");
     const long long leftOut = transfer.report.messagesSelected - transfer.report.messagesWritten;
     if (layout == Layout::packed && leftOut > 0) {
-        warn("the packed layout left out " + counted(leftOut, "message", "messages") +
-             " of the last day in key order; --layout days leaves out none");
+        run.warn("the packed layout left out " + counted(leftOut, "message", "messages") +
+                 " of the last day in key order; --layout days leaves out none");
     }
-    printLeftOut(transfer.report, std::cerr);
+    run.leaveOut(transfer.report);
 }
 
-int runExport(const ExportOptions& options) {
-    const Stopwatch watch;
+int runExport(const ExportOptions& options, RunReport& run) {
     const Account account(options.account);
     const Layout layout = layoutOf(options);
     const SecretText key = findKey(options.key, account);
@@ -119,7 +113,8 @@ int runExport(const ExportOptions& options) {
     StagingFolder staging(options.to);
     staging.enter();
 
-    ProgressBar progress({{"Reading the messages", 35}, {"Writing message files", 35}, {"Copying attachments", 25}});
+    ProgressBar progress(run.phases,
+                         {{"Reading the messages", 35}, {"Writing message files", 35}, {"Copying attachments", 25}});
     transfer.progressListener = &progress;
     transfer.backupPath = ".";
     transfer.packageSubDir = options.user;
@@ -146,8 +141,10 @@ int runExport(const ExportOptions& options) {
     staging.publish();
     progress.complete();
 
-    printSummary(transfer, layout, staging.package(), watch);
-    warnOfLoss(transfer, layout, undated);
+    summarise(run.summary, transfer, layout, staging.package());
+    std::cout << "Exported to " << printable(staging.package()) << '\n';
+    run.printSummary(std::cout);
+    warnOfLoss(run, transfer, layout, undated);
     return unexpectedlyFailedAttachments(transfer) == 0 ? kDone : kFailed;
 }
 

@@ -7,15 +7,15 @@
 #include <memory>
 
 #include "app/account.h"
+#include "app/closed_database.h"
 #include "app/failure.h"
 #include "app/interruption.h"
-#include "app/left_out.h"
 #include "app/package_files.h"
 #include "app/package_place.h"
-#include "app/printable.h"
+#include "app/paths.h"
 #include "app/progress_bar.h"
-#include "app/ready_account.h"
-#include "app/text_table.h"
+#include "app/transfer_rows.h"
+#include "app/trial.h"
 #include "app/units.h"
 #include "transfer/dbTrans.h"
 
@@ -28,6 +28,7 @@ struct ImportOptions {
     std::string user;
     std::string into = "main";
     std::string packageVersion;
+    bool trial = false;
     KeyOptions key;
 };
 
@@ -58,44 +59,22 @@ void write(dbTrans& transfer, Database into, const Account& account) {
                    "close the client, check that the disk is not full, and import again: nothing doubles"});
 }
 
-long long refusedContacts(const dbTrans& transfer) {
-    const TransferReport& report = transfer.report;
-    const long long handled = report.contactsInserted + report.contactsPinned + report.contactsKept;
-    return static_cast<long long>(transfer.reContacts.size()) - handled;
-}
-
-void printSummary(const dbTrans& transfer, const ImportOptions& options, const Account& account,
-                  const Stopwatch& watch) {
-    const TransferReport& report = transfer.report;
-    std::cout << "Imported into " << printable(account.database(databaseOf(options))) << '\n';
-    Summary summary;
-    summary.add("Messages read", report.messagesRead);
-    summary.add("Messages inserted", report.messagesInserted);
-    summary.add("Messages there already", report.messagesDuplicate);
-    summary.add("Messages refused", report.messagesRefused);
-    summary.add("Conversations", static_cast<long long>(transfer.msgMap.size()));
-    summary.add("Conversations new", report.tablesCreated);
-    if (databaseOf(options) == Database::main) {
-        summary.add("Recent contacts read", static_cast<long long>(transfer.reContacts.size()));
-        summary.add("Recent contacts inserted", report.contactsInserted);
-        summary.addIfAny("Recent contacts refused", refusedContacts(transfer));
-    }
-    summary.add("Attachments restored", report.attachmentsDone);
-    summary.add("Attachments there already", report.attachmentsPresent);
-    summary.add("Attachments missing", report.attachmentsMissing);
-    summary.add("Attachments refused", report.attachmentsRefused);
-    summary.addIfAny("Attachments failed", report.attachmentsFailed);
-    summary.add("Time", humanDuration(watch.seconds()));
-    summary.print(std::cout);
+void summarise(Summary& summary, const dbTrans& transfer, const ImportOptions& options, const PackagePlace& place) {
+    addMessageRows(summary, transfer.report);
+    summary.add("conversations.all", "Conversations", static_cast<long long>(transfer.msgMap.size()));
+    summary.add("conversations.new", "Conversations new", transfer.report.tablesCreated);
+    if (databaseOf(options) == Database::main) addContactRows(summary, transfer);
+    addAttachmentRows(summary, transfer.report, "restored");
+    summary.addSize("bytes", "Size of the package", sizeOfFolder(place.messages) + sizeOfFolder(place.attachments));
 }
 
 // Says what of the package did not arrive though it should have. True when there is nothing to say.
-bool arrivedWhole(const dbTrans& transfer, const ImportOptions& options, const PackagePlace& place) {
+bool arrivedWhole(RunReport& run, const dbTrans& transfer, const ImportOptions& options, const PackagePlace& place) {
     const TransferReport& report = transfer.report;
     bool whole = true;
-    const auto complain = [&whole](long long count, const std::string& words) {
+    const auto complain = [&](long long count, const std::string& words) {
         if (count == 0) return;
-        warn(grouped(count) + " " + words);
+        run.warn(grouped(count) + " " + words);
         whole = false;
     };
     complain(countUnreadableFiles(place, report, transfer.msgFileDir),
@@ -106,7 +85,7 @@ bool arrivedWhole(const dbTrans& transfer, const ImportOptions& options, const P
     if (databaseOf(options) == Database::main) {
         complain(refusedContacts(transfer), "recent contacts were refused by the database");
     }
-    printLeftOut(report, std::cerr);
+    run.leaveOut(report);
     return whole;
 }
 
@@ -117,22 +96,24 @@ FailureWords wordsForInterrupted(const TransferReport& report) {
             "", "", "run the same command again: it adds what is missing, and nothing doubles"};
 }
 
-int runImport(const ImportOptions& options) {
-    const Stopwatch watch;
+int runImport(const ImportOptions& options, RunReport& run) {
     const PackagePlace place = findPackage(options.from, options.user);
     requireVersion(place, options.packageVersion);
     const Account account(options.account);
     const SecretText key = findKey(options.key, account);
     dbTrans transfer;
     transfer.dbKey = key.text();
-    makeAccountReady(account, key.text());
+    run.dryRun = options.trial;
+    const InterruptsMark interrupts;
     // Before the package is read, which restores attachments: a wrong key or a locked database must not leave them
     // behind.
-    openForWriting(transfer, account, databaseOf(options));
+    const Database into = databaseOf(options);
+    if (lookAt(account.database(into)) != FileLook::missing) openForWriting(transfer, account, into);
+    const ImportTarget target(account, transfer, options.trial);
+    openForWriting(transfer, target.account(), into);
     enter(place.parent);
-    const InterruptsMark interrupts;
 
-    ProgressBar progress({{"Reading message files", 45}, {"Writing conversations", 55}});
+    ProgressBar progress(run.phases, {{"Reading message files", 45}, {"Writing conversations", 55}});
     transfer.progressListener = &progress;
     transfer.backupPath = ".";
     transfer.packageSubDir = options.user;
@@ -142,13 +123,15 @@ int runImport(const ImportOptions& options) {
         read(transfer, place);
         leaveIfInterrupted();
         progress.begin("Writing the messages", {{1, "Writing conversations"}});
-        write(transfer, databaseOf(options), account);
+        write(transfer, into, account);
     };
-    interruptible(work, [&transfer] { return wordsForInterrupted(transfer.report); });
+    summarised([&] { interruptible(work, [&transfer] { return wordsForInterrupted(transfer.report); }); },
+               [&] { summarise(run.summary, transfer, options, place); });
     progress.complete();
 
-    printSummary(transfer, options, account, watch);
-    return arrivedWhole(transfer, options, place) ? kDone : kFailed;
+    std::cout << importedInto(account.database(into), options.trial) << '\n';
+    run.printSummary(std::cout);
+    return arrivedWhole(run, transfer, options, place) ? kDone : kFailed;
 }
 
 constexpr const char* kFooter =
@@ -174,6 +157,7 @@ void addImportCommand(CLI::App& program, Job& job) {
         ->check(CLI::IsMember({"main", "back"}).description(""))
         ->capture_default_str();
     addPackageVersionOption(*command, options->packageVersion);
+    addTrialOption(*command, options->trial);
     addKeyOptions(*command, options->key);
     command->footer(kFooter);
     setJob(*command, job, std::move(options), runImport);

@@ -8,19 +8,20 @@
 #include <cerrno>
 #include <iostream>
 #include <memory>
+#include <optional>
 
 #include "app/account.h"
 #include "app/closed_database.h"
 #include "app/failure.h"
 #include "app/interruption.h"
 #include "app/left_out.h"
-#include "app/printable.h"
 #include "app/progress_bar.h"
-#include "app/ready_account.h"
-#include "app/text_table.h"
+#include "app/rehearsal_tree.h"
+#include "app/transfer_rows.h"
 #include "app/tree_file_names.h"
 #include "app/tree_import_files.h"
 #include "app/tree_place.h"
+#include "app/trial.h"
 #include "app/units.h"
 #include "host/file_handle.h"
 #include "host/tools.h"
@@ -38,6 +39,7 @@ struct ImportTreeOptions {
     std::string user;
     std::string into = "main";
     bool removeDecrypted = false;
+    bool trial = false;
     std::string packageVersion;
     KeyOptions key;
 };
@@ -125,78 +127,44 @@ void importIntoBack(dbTrans& transfer, const Account& account, bool removeDecryp
                 {0, "The messages could not be written; none of them was kept", account.database(Database::back)});
 }
 
-long long refused(std::size_t read, long long inserted, long long present) {
-    return static_cast<long long>(read) - inserted - present;
-}
-
-long long refusedContacts(const dbTrans& transfer) {
-    const TransferReport& report = transfer.report;
-    return refused(transfer.reContacts.size(), report.contactsInserted + report.contactsPinned, report.contactsKept);
-}
-
-long long refusedNotes(const dbTrans& transfer) {
-    return refused(transfer.notes.size(), transfer.report.notesInserted, transfer.report.notesDuplicate);
-}
-
-long long refusedRooms(const dbTrans& transfer) {
-    return refused(transfer.rooms.size(), transfer.report.roomsInserted, transfer.report.roomsDuplicate);
-}
-
 long long countThere(const std::vector<std::string>& paths) {
     return std::count_if(paths.begin(), paths.end(),
                          [](const std::string& path) { return tools::isFileExsit(path) != 0; });
 }
 
-void addMessageRows(Summary& summary, dbTrans& transfer, const TreeImportFiles& files) {
-    const TransferReport& report = transfer.report;
-    summary.add("Messages read", report.messagesRead);
-    summary.add("Messages inserted", report.messagesInserted);
-    summary.add("Messages there already", report.messagesDuplicate);
-    summary.add("Messages refused", report.messagesRefused);
-    summary.addIfAny("Messages trimmed", report.messagesTrimmed);
-    summary.add("Conversations", files.conversations(transfer));
-    summary.add("Conversations new", report.tablesCreated);
-}
-
 // What goes with the main database only.
-void addOtherRows(Summary& summary, const dbTrans& transfer) {
+void addRowsOfMain(Summary& summary, const dbTrans& transfer) {
     const TransferReport& report = transfer.report;
-    summary.add("Recent contacts read", static_cast<long long>(transfer.reContacts.size()));
-    summary.add("Recent contacts inserted", report.contactsInserted);
-    summary.add("Notes inserted", report.notesInserted);
-    summary.add("Notes there already", report.notesDuplicate);
-    summary.add("Rooms inserted", report.roomsInserted);
-    summary.add("Rooms there already", report.roomsDuplicate);
-    summary.add("Attachments moved", report.attachmentsDone);
-    summary.add("Attachments there already", report.attachmentsPresent);
-    summary.add("Attachments missing", report.attachmentsMissing);
-    summary.add("Attachments refused", report.attachmentsRefused);
-    summary.addIfAny("Attachments failed", report.attachmentsFailed);
+    addContactRows(summary, transfer);
+    summary.add("notes.written", "Notes inserted", report.notesInserted);
+    summary.add("notes.duplicate", "Notes there already", report.notesDuplicate);
+    summary.addIfAny("notes.refused", "Notes refused", refusedNotes(transfer));
+    summary.add("rooms.written", "Rooms inserted", report.roomsInserted);
+    summary.add("rooms.duplicate", "Rooms there already", report.roomsDuplicate);
+    summary.addIfAny("rooms.refused", "Rooms refused", refusedRooms(transfer));
+    addAttachmentRows(summary, report, "moved");
 }
 
-void printSummary(dbTrans& transfer, const ImportTreeOptions& options, const Account& account,
-                  const TreeImportFiles& files, const Stopwatch& watch) {
-    std::cout << "Imported into " << printable(account.database(databaseOf(options))) << '\n';
-    Summary summary;
-    addMessageRows(summary, transfer, files);
-    if (intoMain(options)) addOtherRows(summary, transfer);
-    summary.add("Files not decryptable", files.notDecrypted);
-    summary.add("Files not parsable", countNotParsed(transfer.report, transfer::treeRoot(transfer)));
+void summarise(Summary& summary, dbTrans& transfer, const ImportTreeOptions& options, const TreeImportFiles& files) {
+    addMessageRows(summary, transfer.report);
+    summary.add("conversations.all", "Conversations", files.conversations(transfer));
+    summary.add("conversations.new", "Conversations new", transfer.report.tablesCreated);
+    if (intoMain(options)) addRowsOfMain(summary, transfer);
+    summary.add("files.notDecrypted", "Files not decryptable", files.notDecrypted);
+    summary.add("files.notParsed", "Files not parsable", countNotParsed(transfer.report, transfer::treeRoot(transfer)));
     if (options.removeDecrypted) {
         const std::vector<std::string> all = files.all();
-        summary.add("Decrypted copies removed", static_cast<long long>(all.size()) - countThere(all));
+        summary.add("files.removed", "Decrypted copies removed", static_cast<long long>(all.size()) - countThere(all));
     }
-    summary.add("Time", humanDuration(watch.seconds()));
-    summary.print(std::cout);
 }
 
 // True when all of the tree arrived.
-bool arrivedWhole(const dbTrans& transfer, const TreeImportFiles& files) {
+bool arrivedWhole(RunReport& run, const dbTrans& transfer, const TreeImportFiles& files) {
     const TransferReport& report = transfer.report;
     bool whole = true;
-    const auto complain = [&whole](long long count, const std::string& words) {
+    const auto complain = [&](long long count, const std::string& words) {
         if (count == 0) return;
-        warn(grouped(count) + " " + words);
+        run.warn(grouped(count) + " " + words);
         whole = false;
     };
     complain(files.notDecrypted,
@@ -209,19 +177,19 @@ bool arrivedWhole(const dbTrans& transfer, const TreeImportFiles& files) {
     complain(refusedNotes(transfer), "notes were refused by the database, see below");
     complain(refusedRooms(transfer), "rooms were refused by the database, see below");
     complain(report.attachmentsFailed, "attachments could not be moved, see below");
-    printLeftOut(report, std::cerr);
+    run.leaveOut(report);
     return whole;
 }
 
 // What is no failure, but should be known.
-void printRemarks(const ImportTreeOptions& options, const TreeImportFiles& files) {
+void remark(RunReport& run, const ImportTreeOptions& options, const TreeImportFiles& files) {
     if (files.contacts.size() > 1) {
-        warn("the tree holds " + grouped(static_cast<long long>(files.contacts.size())) +
-             " files of recent contacts; only the last one counts");
+        run.warn("the tree holds " + grouped(static_cast<long long>(files.contacts.size())) +
+                 " files of recent contacts; only the last one counts");
     }
     const long long kept = options.removeDecrypted ? countThere(files.all()) : 0;
     if (kept > 0)
-        warn(counted(kept, "decrypted copy was", "decrypted copies were") + " kept: not all of it has arrived");
+        run.warn(counted(kept, "decrypted copy was", "decrypted copies were") + " kept: not all of it has arrived");
 }
 
 void importAll(dbTrans& transfer, const ImportTreeOptions& options, const Account& account, ProgressBar& progress) {
@@ -240,8 +208,7 @@ FailureWords wordsForInterrupted(const TransferReport& report) {
             "", "", "run the same command again: it adds what is missing, and nothing doubles"};
 }
 
-int runImportTree(const ImportTreeOptions& options) {
-    const Stopwatch watch;
+int runImportTree(const ImportTreeOptions& options, RunReport& run) {
     const TreePlace place = findTree(options.from, options.user);
     const Account account(options.account);
     const SecretText key = findKey(options.key, account);
@@ -250,30 +217,45 @@ int runImportTree(const ImportTreeOptions& options) {
     // Before the tree is touched: what an account has cannot be opened with the wrong key, or is locked.
     const Database into = databaseOf(options);
     if (lookAt(account.database(into)) != FileLook::missing) openForWriting(transfer, account, into);
+    run.dryRun = options.trial;
+    // Copies of private texts must not stay behind; a decryption in place can be left at any moment.
+    std::optional<InterruptsMark> interrupts;
+    if (options.trial) interrupts.emplace();
     const tools::detail::FileHandle lock = lockTree(place.root);
-    removeLeftovers(place.root);
-    enterTree(transfer, place, options);
+    std::optional<RehearsalTree> copy;
+    if (options.trial) {
+        copy.emplace(place, options.user);
+        transfer.rehearsalSource = place.parent;
+    } else {
+        removeLeftovers(place.root);
+    }
+    enterTree(transfer, copy ? copy->place() : place, options);
 
-    ProgressBar progress({{"Decrypting the tree", 50}, {"Importing messages", 48}});
+    ProgressBar progress(run.phases, {{"Decrypting the tree", 50}, {"Importing messages", 48}});
     transfer.progressListener = &progress;
     progress.begin("Decrypting the tree", {});
-    const TreeImportFiles files = decryptFiles(transfer, intoMain(options) ? TreeKinds::all : TreeKinds::messages);
+    TreeImportFiles files = decryptFiles(transfer, intoMain(options) ? TreeKinds::all : TreeKinds::messages);
     progress.finish();
     requireTreeVersion(files, transfer);
-    makeAccountReady(account, key.text());
-    makeVideoFolder(account);
-    setUserFolders(transfer, account);
-    openForWriting(transfer, account, into);
-    const InterruptsMark interrupts;
-    if (intoMain(options)) openPluginDatabase(transfer, account);
-    interruptible([&] { importAll(transfer, options, account, progress); },
-                  [&transfer] { return wordsForInterrupted(transfer.report); });
-    if (intoMain(options) && options.removeDecrypted) removeImported(transfer, files);
+    if (copy) copy->settle(files);
+    const ImportTarget target(account, transfer, options.trial);
+    makeVideoFolder(target.account());
+    setUserFolders(transfer, target.account());
+    openForWriting(transfer, target.account(), into);
+    if (intoMain(options)) openPluginDatabase(transfer, target.account());
+    if (!interrupts) interrupts.emplace();
+    const auto work = [&] {
+        interruptible([&] { importAll(transfer, options, account, progress); },
+                      [&transfer] { return wordsForInterrupted(transfer.report); });
+        if (intoMain(options) && options.removeDecrypted) removeImported(transfer, files);
+    };
+    summarised(work, [&] { summarise(run.summary, transfer, options, files); });
     progress.complete();
 
-    printSummary(transfer, options, account, files, watch);
-    const bool whole = arrivedWhole(transfer, files);
-    printRemarks(options, files);
+    std::cout << importedInto(account.database(into), options.trial) << '\n';
+    run.printSummary(std::cout);
+    const bool whole = arrivedWhole(run, transfer, files);
+    remark(run, options, files);
     return whole ? kDone : kFailed;
 }
 
@@ -308,6 +290,7 @@ void addImportTreeCommand(CLI::App& program, Job& job) {
     command->add_flag("--remove-decrypted", options->removeDecrypted,
                       "Remove the decrypted files of which everything has arrived; they are the only copies");
     addPackageVersionOption(*command, options->packageVersion);
+    addTrialOption(*command, options->trial);
     addKeyOptions(*command, options->key);
     command->footer(kFooter);
     setJob(*command, job, std::move(options), runImportTree);

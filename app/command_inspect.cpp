@@ -7,7 +7,6 @@
 #include "app/inspect_tree.h"
 #include "app/package_summary.h"
 #include "app/printable.h"
-#include "app/text_table.h"
 #include "app/tree_conversion.h"
 #include "app/units.h"
 
@@ -22,21 +21,17 @@ struct InspectOptions {
     KeyOptions key;
 };
 
-void printTotals(const PackageSummary& summary) {
+void addTotals(Summary& table, const PackageSummary& summary) {
     const PackageFacts& facts = summary.facts;
-    Summary table;
-    table.add("Version", versionsText(facts.versions));
-    table.add("Message files", facts.messageFiles);
-    if (const auto days = summary.days()) table.add("Days", dayText(days->first) + " to " + dayText(days->second));
-    table.add("Messages", summary.messages);
-    table.add("Conversations", static_cast<long long>(summary.conversations.size()));
-    table.add("Recent contacts",
-              facts.hasContacts ? grouped(static_cast<long long>(facts.contacts.size())) : "no file");
-    table.add("Attachments present", summary.attachments.inSource());
-    table.add("Attachments missing", summary.attachments.neither);
-    table.addIfAny("Attachments refused", summary.attachments.refused);
-    table.add("Size", humanSize(summary.bytes));
-    table.print(std::cout);
+    table.add("files.messages", "Message files", facts.messageFiles);
+    addMessageTotals(table, facts.versions, summary);
+    if (facts.hasContacts) {
+        table.add("recentContacts.read", "Recent contacts", static_cast<long long>(facts.contacts.size()));
+    } else {
+        table.add("recentContacts.file", "Recent contacts", std::string("no file"));
+    }
+    addAttachmentTotals(table, summary.attachments);
+    table.addSize("bytes", "Size", summary.bytes);
 }
 
 void printDamage(const PackageFacts& facts) {
@@ -48,20 +43,21 @@ void printDamage(const PackageFacts& facts) {
               << ": no import reads the " << grouped(facts.filesBehindGap) << " behind it.\n";
 }
 
-int runInspect(const InspectOptions& options) {
+int runInspect(const InspectOptions& options, RunReport& run) {
     const TreeSource tree = findTreeSource(options.from, options.user, options.tree);
     if (!tree.root.empty()) {
         const SecretText key = findTreeKey(options.key, tree.root, KeyPurpose::unlock);
-        return inspectTree(tree, key.text(), options.json);
+        return inspectTree(tree, key.text(), options.json, run);
     }
     const PackagePlace place = findPackage(options.from, options.user);
     const PackageSummary summary = summarise(place);
+    addTotals(run.summary, summary);
     if (options.json) {
         std::cout << jsonOf(summary) << '\n';
         return kDone;
     }
     std::cout << "Package " << printable(place.parent) << "/qelmsg_0 of user " << printable(options.user) << '\n';
-    printTotals(summary);
+    run.printSummary(std::cout);
     printConversations(summary, std::cout);
     printDamage(summary.facts);
     return kDone;

@@ -11,7 +11,6 @@
 #include "app/sample_attachment.h"
 #include "app/sample_conversation.h"
 #include "app/sample_plan.h"
-#include "app/text_table.h"
 #include "app/units.h"
 #include "host/fixed_text.h"
 #include "host/tools.h"
@@ -118,25 +117,19 @@ private:
     std::map<int, long long> messagesByType_;
 };
 
-void printSummary(const dbTrans& transfer, const SampleOptions& options, const Account& account, const SampleJob& job,
-                  const Stopwatch& watch) {
-    std::cout << "Made the sample account " << printable(account.root()) << '\n';
-    Summary summary;
-    summary.add("User", printable(options.user));
-    summary.add("Messages", transfer.report.messagesInserted);
-    summary.add("Conversations", options.plan.conversations);
-    summary.add("Days", options.plan.days);
-    summary.add("Recent contacts", transfer.report.contactsInserted);
-    summary.add("Voice messages", job.messagesOfType(transfer::kVoiceMessage));
-    summary.add("Image messages", job.messagesOfType(transfer::kImageMessage));
-    summary.add("File messages", job.messagesOfType(transfer::kFileMessage));
-    summary.add("Encrypted", transfer.dbKey.empty() ? "no" : "yes");
-    summary.add("Time", humanDuration(watch.seconds()));
-    summary.print(std::cout);
+void summarise(Summary& summary, const dbTrans& transfer, const SampleOptions& options, const SampleJob& job) {
+    summary.add("user", "User", printable(options.user));
+    summary.add("messages.written", "Messages", transfer.report.messagesInserted);
+    summary.add("conversations.all", "Conversations", options.plan.conversations);
+    summary.add("days", "Days", options.plan.days);
+    summary.add("recentContacts.written", "Recent contacts", transfer.report.contactsInserted);
+    summary.add("messages.voice", "Voice messages", job.messagesOfType(transfer::kVoiceMessage));
+    summary.add("messages.image", "Image messages", job.messagesOfType(transfer::kImageMessage));
+    summary.add("messages.file", "File messages", job.messagesOfType(transfer::kFileMessage));
+    summary.add("encrypted", "Encrypted", std::string(transfer.dbKey.empty() ? "no" : "yes"));
 }
 
-int runSample(const SampleOptions& options) {
-    const Stopwatch watch;
+int runSample(const SampleOptions& options, RunReport& run) {
     const Account account(options.account);
     refuseExistingAccount(account);
     const SecretText key = findKey(options.key, account);
@@ -145,13 +138,15 @@ int runSample(const SampleOptions& options) {
     makeMissingParts(account, key.text());
     openDatabase(transfer, account, Database::main);
 
-    ProgressBar progress;
+    ProgressBar progress(run.phases);
     transfer.progressListener = &progress;
     progress.begin("Making the sample", {{1, "Writing conversations"}});
     SampleJob job(options, account, transfer);
     job.run();
     progress.complete();
-    printSummary(transfer, options, account, job, watch);
+    summarise(run.summary, transfer, options, job);
+    std::cout << "Made the sample account " << printable(account.root()) << '\n';
+    run.printSummary(std::cout);
     return kDone;
 }
 

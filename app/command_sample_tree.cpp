@@ -12,7 +12,6 @@
 #include "app/printable.h"
 #include "app/progress_bar.h"
 #include "app/sample_tree.h"
-#include "app/text_table.h"
 #include "app/units.h"
 #include "host/tools.h"
 #include "transfer/dbTrans.h"
@@ -48,31 +47,26 @@ std::string emptyFolder(const std::string& given) {
                    error ? error.message() : "", "choose another --to, or remove this one"});
 }
 
-void printSummary(const TreeSampleCounts& counts, const SampleTreeOptions& options, const std::string& folder,
-                  const Stopwatch& watch) {
-    std::cout << "Made the plain sample tree " << printable(folder) << '\n';
-    Summary summary;
-    summary.add("User", printable(options.user));
-    summary.add("Messages", counts.messages);
-    summary.add("Conversations", options.settings.plan.conversations);
-    summary.add("Message files", counts.messageFiles);
+void summarise(Summary& summary, const TreeSampleCounts& counts, const SampleTreeOptions& options) {
+    summary.add("user", "User", printable(options.user));
+    summary.add("messages.written", "Messages", counts.messages);
+    summary.add("conversations.all", "Conversations", options.settings.plan.conversations);
+    summary.add("files.messages", "Message files", counts.messageFiles);
     for (const auto& [type, messages] : counts.messagesByType) {
-        if (transfer::carriesTreeFiles(type)) summary.add("Of them " + typeName(type), messages);
+        if (transfer::carriesTreeFiles(type))
+            summary.add("messages." + typeName(type), "Of them " + typeName(type), messages);
     }
-    summary.add("Recent contacts", counts.contacts);
-    summary.add("Notes", counts.notes);
-    summary.add("Rooms", counts.rooms);
-    summary.add("Time", humanDuration(watch.seconds()));
-    summary.print(std::cout);
+    summary.add("recentContacts.written", "Recent contacts", counts.contacts);
+    summary.add("notes.written", "Notes", counts.notes);
+    summary.add("rooms.written", "Rooms", counts.rooms);
 }
 
-int runSampleTree(const SampleTreeOptions& options) {
-    const Stopwatch watch;
+int runSampleTree(const SampleTreeOptions& options, RunReport& run) {
     const std::string folder = emptyFolder(options.to);
     TreeSampleSettings settings = options.settings;
     settings.ownId = tools::atoint64(options.user.c_str());
 
-    ProgressBar progress;
+    ProgressBar progress(run.phases);
     dbTrans reporter;
     reporter.progressListener = &progress;
     progress.begin("Making the sample tree", {{1, "Writing conversations"}});
@@ -84,7 +78,9 @@ int runSampleTree(const SampleTreeOptions& options) {
         if (throttle.due(number == total)) reporter.progress(1, total, number);
     });
     progress.complete();
-    printSummary(sample.counts(), options, folder, watch);
+    summarise(run.summary, sample.counts(), options);
+    std::cout << "Made the plain sample tree " << printable(folder) << '\n';
+    run.printSummary(std::cout);
     return kDone;
 }
 

@@ -5,8 +5,6 @@
 
 #include "app/failure.h"
 #include "app/printable.h"
-#include "app/text_table.h"
-#include "app/units.h"
 #include "app/verification.h"
 #include "app/verify_tree.h"
 #include "transfer/dbTrans.h"
@@ -36,27 +34,26 @@ Database databaseOf(const VerifyOptions& options) {
     return options.database == "back" ? Database::back : Database::main;
 }
 
-void printSummary(const VerifyCounts& counts, const PackagePlace& place, const std::string& database,
-                  const Stopwatch& watch) {
-    std::cout << "Held " << printable(place.parent) << "/qelmsg_0 against " << printable(database) << '\n';
-    Summary summary;
-    summary.add("Messages in the package", counts.packageMessages);
-    summary.add("Messages in the account", counts.accountMessages);
-    summary.add("Messages that agree", counts.equalMessages);
-    summary.add("Recent contacts in the package", counts.packageContacts);
-    summary.add("Recent contacts in the account", counts.accountContacts);
-    summary.add("Attachments named", counts.attachments.named);
-    summary.add("Attachments compared", counts.attachments.both);
-    summary.add("Attachments on neither side", counts.attachments.neither);
-    summary.add("Time", humanDuration(watch.seconds()));
-    summary.print(std::cout);
+void summarise(Summary& summary, const VerifyCounts& counts) {
+    summary.add("messages.inPackage", "Messages in the package", counts.packageMessages);
+    summary.add("messages.inAccount", "Messages in the account", counts.accountMessages);
+    summary.add("messages.equal", "Messages that agree", counts.equalMessages);
+    summary.add("recentContacts.inPackage", "Recent contacts in the package", counts.packageContacts);
+    summary.add("recentContacts.inAccount", "Recent contacts in the account", counts.accountContacts);
+    summary.add("attachments.referenced", "Attachments named", counts.attachments.named);
+    summary.add("attachments.compared", "Attachments compared", counts.attachments.both);
+    summary.add("attachments.missing", "Attachments on neither side", counts.attachments.neither);
 }
 
-int exitCodeOf(const VerifyReport& report, const VerifyOptions& options) {
+// Prints what was found, and says by the exit code whether it matters.
+int conclude(const VerifyReport& report, const VerifyOptions& options, RunReport& run) {
+    report.print(std::cout, options.most);
+    run.findings = report.findings(options.most);
+    run.changedByRule = report.changedByRule();
     return report.hasFindings() || (options.strict && report.hasRules()) ? kFailed : kDone;
 }
 
-int runVerifyTree(const VerifyOptions& options, const TreeSource& tree) {
+int runVerifyTree(const VerifyOptions& options, const TreeSource& tree, RunReport& run) {
     if (!options.since.text.empty() || options.check == "exported") {
         throw Failure({0, "A tree is never exported, and is held against an account whole", tree.root, "",
                        "leave out --since and --check"});
@@ -65,13 +62,12 @@ int runVerifyTree(const VerifyOptions& options, const TreeSource& tree) {
     const SecretText key = findKey(options.key, account);
     dbTrans transfer;
     transfer.dbKey = key.text();
-    return exitCodeOf(verifyTree(tree, account, databaseOf(options), transfer, options.most), options);
+    return conclude(verifyTree(tree, account, databaseOf(options), transfer, run), options, run);
 }
 
-int runVerify(const VerifyOptions& options) {
+int runVerify(const VerifyOptions& options, RunReport& run) {
     const TreeSource tree = findTreeSource(options.from, options.user, options.tree);
-    if (!tree.root.empty()) return runVerifyTree(options, tree);
-    const Stopwatch watch;
+    if (!tree.root.empty()) return runVerifyTree(options, tree, run);
     const PackagePlace place = findPackage(options.from, options.user);
     const Account account(options.account);
     const Database database = databaseOf(options);
@@ -80,14 +76,15 @@ int runVerify(const VerifyOptions& options) {
     transfer.dbKey = key.text();
     openDatabase(transfer, account, database);
 
-    ProgressBar progress({{"Reading the package", 50}, {"Comparing conversations", 45}});
+    ProgressBar progress(run.phases, {{"Reading the package", 50}, {"Comparing conversations", 45}});
     transfer.progressListener = &progress;
     Verification verification({options.since, directionOf(options), database}, place, transfer);
     verification.run(progress);
-    const VerifyReport& report = verification.report();
-    printSummary(verification.counts(), place, account.database(database), watch);
-    report.print(std::cout, options.most);
-    return exitCodeOf(report, options);
+    summarise(run.summary, verification.counts());
+    std::cout << "Held " << printable(place.parent) << "/qelmsg_0 against " << printable(account.database(database))
+              << '\n';
+    run.printSummary(std::cout);
+    return conclude(verification.report(), options, run);
 }
 
 constexpr const char* kFooter =

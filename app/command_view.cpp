@@ -7,11 +7,9 @@
 
 #include "app/failure.h"
 #include "app/folder_staging.h"
-#include "app/left_out.h"
 #include "app/paths.h"
 #include "app/printable.h"
 #include "app/progress_bar.h"
-#include "app/text_table.h"
 #include "app/tree_conversion.h"
 #include "app/units.h"
 #include "app/view/viewer.h"
@@ -37,62 +35,59 @@ view::ViewProgress shownBy(ProgressBar& bar) {
     };
 }
 
-void printSummary(const view::ViewCounts& counts, const ViewSource& source, const std::string& target,
-                  const Stopwatch& watch) {
-    std::cout << "Made pages of " << printable(source.root) << " in " << printable(target) << '\n';
-    Summary summary;
-    summary.add("Messages", counts.messages);
-    summary.add("Conversations", counts.conversations);
-    summary.add("Files written", counts.files);
-    summary.add("Attachments copied", counts.media.copied);
-    summary.add("Attachments missing", counts.media.missing);
-    summary.addIfAny("Attachments refused", counts.media.refused);
-    summary.addIfAny("Attachments failed", counts.media.failed);
-    summary.addIfAny("Notes and rooms, not shown", source.notShown);
-    summary.add("Size", humanSize(sizeOfFolder(target)));
-    summary.add("Time", humanDuration(watch.seconds()));
-    summary.print(std::cout);
-    std::cout << "Open " << printable(target) << "/index.html in a browser.\n";
+void summarise(Summary& summary, const view::ViewCounts& counts, const ViewSource& source, const std::string& target) {
+    summary.add("messages.written", "Messages", counts.messages);
+    summary.add("conversations.all", "Conversations", counts.conversations);
+    summary.add("files.written", "Files written", counts.files);
+    summary.add("attachments.copied", "Attachments copied", counts.media.copied);
+    summary.add("attachments.missing", "Attachments missing", counts.media.missing);
+    summary.addIfAny("attachments.refused", "Attachments refused", counts.media.refused);
+    summary.addIfAny("attachments.failed", "Attachments failed", counts.media.failed);
+    summary.addIfAny("notShown", "Notes and rooms, not shown", source.notShown);
+    summary.addSize("bytes", "Size", sizeOfFolder(target));
 }
 
 // Says what the pages do not show. True when nothing was lost on the way that the package or tree has.
-bool shownWhole(const view::ViewCounts& counts, const ViewSource& source) {
-    const auto complain = [](long long count, const std::string& words) {
-        if (count > 0) warn(grouped(count) + " " + words);
+bool shownWhole(RunReport& run, const view::ViewCounts& counts, const ViewSource& source) {
+    const auto complain = [&run](long long count, const std::string& words) {
+        if (count > 0) run.warn(grouped(count) + " " + words);
     };
     complain(counts.media.missing, "attachments are not in it: their messages say so");
     complain(counts.media.refused, "attachments have names that lead elsewhere, or are no files: they were not copied");
     complain(counts.media.failed, "attachments could not be copied");
     complain(source.leftOut.skippedCount, "files or parts could not be read, see below");
-    printLeftOut(source.leftOut, std::cerr);
+    run.leaveOut(source.leftOut);
     return counts.media.failed == 0 && source.leftOut.skippedCount == 0;
 }
 
 // Nothing is read before it is clear that the pages can be written.
-int makePages(const ViewOptions& options, const std::string& root, const std::function<ViewSource()>& read) {
-    const Stopwatch watch;
+int makePages(const ViewOptions& options, RunReport& run, const std::string& root,
+              const std::function<ViewSource()>& read) {
     const std::string target = resolvedPath(options.to).string();
     refuseTargetInside(root, target);
     FolderStaging staging(target, kStagedPages);
-    ProgressBar progress;
+    ProgressBar progress(run.phases);
     progress.begin("Reading the messages", {{1, "Writing pages"}});
     ViewSource source = read();
     const view::ViewCounts counts =
         view::writeView(source.history, std::move(source.attachments), staging.folder(), shownBy(progress));
     staging.publish();
     progress.complete();
-    printSummary(counts, source, target, watch);
-    return shownWhole(counts, source) ? kDone : kFailed;
+    summarise(run.summary, counts, source, target);
+    std::cout << "Made pages of " << printable(source.root) << " in " << printable(target) << '\n';
+    run.printSummary(std::cout);
+    std::cout << "Open " << printable(target) << "/index.html in a browser.\n";
+    return shownWhole(run, counts, source) ? kDone : kFailed;
 }
 
-int runView(const ViewOptions& options) {
+int runView(const ViewOptions& options, RunReport& run) {
     const TreeSource tree = findTreeSource(options.from, options.user, options.tree);
     if (tree.root.empty()) {
         const PackagePlace place = findPackage(options.from, options.user);
-        return makePages(options, packageRootOf(place), [&] { return readPackageForView(place, options.user); });
+        return makePages(options, run, packageRootOf(place), [&] { return readPackageForView(place, options.user); });
     }
     const SecretText key = findTreeKey(options.key, tree.root, KeyPurpose::unlock);
-    return makePages(options, tree.root, [&] { return readTreeForView(tree, key.text()); });
+    return makePages(options, run, tree.root, [&] { return readTreeForView(tree, key.text()); });
 }
 
 constexpr const char* kFooter =

@@ -28,6 +28,21 @@ std::string versionsText(const std::map<std::string, int>& versions) {
     return text;
 }
 
+void addMessageTotals(Summary& table, const std::map<std::string, int>& versions, const PackageSummary& messages) {
+    table.add("version", "Version", versionsText(versions));
+    if (const auto days = messages.days())
+        table.add("dayRange", "Days", dayText(days->first) + " to " + dayText(days->second));
+    table.add("messages.read", "Messages", messages.messages);
+    table.add("conversations.all", "Conversations", static_cast<long long>(messages.conversations.size()));
+}
+
+void addAttachmentTotals(Summary& table, const AttachmentCounts& counts) {
+    table.add("attachments.referenced", "Attachments named", counts.named);
+    table.add("attachments.present", "Attachments present", counts.inSource());
+    table.add("attachments.missing", "Attachments missing", counts.neither);
+    table.addIfAny("attachments.refused", "Attachments refused", counts.refused);
+}
+
 void printConversations(const PackageSummary& summary, std::ostream& out) {
     if (summary.conversations.empty()) return;
     TextTable table({Align::right, Align::right, Align::left, Align::left, Align::left, Align::left});

@@ -6,11 +6,16 @@
 #include <string>
 
 #include "app/package_summary.h"
+#include "app/summary.h"
 
 namespace app {
 
 /// The versions that files say, with the number of files when there are several.
 std::string versionsText(const std::map<std::string, int>& versions);
+
+// Rows of the table of totals.
+void addMessageTotals(Summary& table, const std::map<std::string, int>& versions, const PackageSummary& messages);
+void addAttachmentTotals(Summary& table, const AttachmentCounts& counts);
 
 /// One line for each conversation.
 void printConversations(const PackageSummary& summary, std::ostream& out);

@@ -9,7 +9,6 @@
 #include "app/package_summary.h"
 #include "app/paths.h"
 #include "app/printable.h"
-#include "app/text_table.h"
 #include "app/tree_attachment_check.h"
 #include "app/tree_contact_files.h"
 #include "app/units.h"
@@ -75,26 +74,17 @@ TreeFileCounts countsOf(const TreeFacts& facts, const char* ending) {
     return found != facts.files.end() ? found->second : TreeFileCounts();
 }
 
-void printTotals(const TreeSource& source, const TreeSummary& summary) {
+void addTotals(Summary& table, const TreeSource& source, const TreeSummary& summary) {
     const TreeFacts& facts = summary.facts;
-    Summary table;
     for (const FileKind& kind : kFileKinds)
-        table.add(kind.words, stateText(countsOf(facts, kind.ending)));
-    table.addIfAny("Encrypted, not looked into", facts.locked);
-    table.add("Version", versionsText(facts.versions));
-    if (const auto days = summary.messages.days()) {
-        table.add("Days", dayText(days->first) + " to " + dayText(days->second));
-    }
-    table.add("Messages", summary.messages.messages);
-    table.add("Conversations", sizeOf(summary.messages.conversations));
-    table.add("Recent contacts", summary.contacts());
-    table.add("Notes", sizeOf(facts.notes));
-    table.add("Rooms", sizeOf(facts.rooms));
-    table.add("Attachments present", summary.attachments.inSource());
-    table.add("Attachments missing", summary.attachments.neither);
-    table.addIfAny("Attachments refused", summary.attachments.refused);
-    table.add("Size", humanSize(sizeOfFolder(source.root)));
-    table.print(std::cout);
+        table.add(std::string("storedAs.") + kind.key, kind.words, stateText(countsOf(facts, kind.ending)));
+    table.addIfAny("files.locked", "Encrypted, not looked into", facts.locked);
+    addMessageTotals(table, facts.versions, summary.messages);
+    table.add("recentContacts.read", "Recent contacts", summary.contacts());
+    table.add("notes.read", "Notes", sizeOf(facts.notes));
+    table.add("rooms.read", "Rooms", sizeOf(facts.rooms));
+    addAttachmentTotals(table, summary.attachments);
+    table.addSize("bytes", "Size", sizeOfFolder(source.root));
 }
 
 void printUnreadable(const TreeFacts& facts) {
@@ -107,15 +97,6 @@ void printUnreadable(const TreeFacts& facts) {
               << " encrypted: give the key with --key-file FILE, in CHAT_TRANSFER_KEY or with --ask-key.\n";
 }
 
-void set(JSON_Object* object, const char* key, long long number) {
-    json_object_set_number(object, key, static_cast<double>(number));
-}
-
-JSON_Object* addObject(JSON_Object* object, const char* key) {
-    json_object_set_value(object, key, json_value_init_object());
-    return json_object_get_object(object, key);
-}
-
 void addFiles(JSON_Object* object, const TreeFacts& facts) {
     JSON_Object* files = addObject(object, "files");
     for (const FileKind& kind : kFileKinds) {
@@ -126,24 +107,20 @@ void addFiles(JSON_Object* object, const TreeFacts& facts) {
         set(states, "plain", counts.plain);
     }
     set(object, "lockedFiles", facts.locked);
-    json_object_set_value(object, "unreadableFiles", json_value_init_array());
-    JSON_Array* unreadable = json_object_get_array(object, "unreadableFiles");
+    JSON_Array* unreadable = addArray(object, "unreadableFiles");
     for (const TransferReport::Skipped& file : facts.unreadable)
-        json_array_append_string(unreadable, printable(file.what).c_str());
-    json_object_set_value(object, "versions", json_value_init_array());
-    JSON_Array* versions = json_object_get_array(object, "versions");
+        appendText(unreadable, file.what);
+    JSON_Array* versions = addArray(object, "versions");
     for (const auto& [version, number] : facts.versions)
-        json_array_append_string(versions, printable(version).c_str());
+        appendText(versions, version);
 }
 
 void addContacts(JSON_Object* object, const TreeSummary& summary) {
     set(object, "recentContacts", summary.contacts());
-    json_object_set_value(object, "recentContactFiles", json_value_init_array());
-    JSON_Array* files = json_object_get_array(object, "recentContactFiles");
+    JSON_Array* files = addArray(object, "recentContactFiles");
     for (const TreeContactFile& file : summary.facts.contactFiles) {
-        json_array_append_value(files, json_value_init_object());
-        JSON_Object* one = json_array_get_object(files, json_array_get_count(files) - 1);
-        json_object_set_string(one, "name", printable(file.name).c_str());
+        JSON_Object* one = appendObject(files);
+        set(one, "name", file.name);
         set(one, "recentContacts", sizeOf(file.contacts));
         json_object_set_boolean(one, "taken", &file == summary.takenContacts ? 1 : 0);
     }
@@ -155,8 +132,8 @@ std::string jsonText(const TreeSource& source, const TreeSummary& summary) {
     addFiles(object, summary.facts);
     set(object, "messages", summary.messages.messages);
     if (const auto days = summary.messages.days()) {
-        json_object_set_string(object, "firstDay", dayText(days->first).c_str());
-        json_object_set_string(object, "lastDay", dayText(days->second).c_str());
+        set(object, "firstDay", dayText(days->first));
+        set(object, "lastDay", dayText(days->second));
     }
     addTypes(object, summary.messages.byType);
     addContacts(object, summary);
@@ -170,14 +147,15 @@ std::string jsonText(const TreeSource& source, const TreeSummary& summary) {
 
 }  // namespace
 
-int inspectTree(const TreeSource& source, const std::string& key, bool json) {
+int inspectTree(const TreeSource& source, const std::string& key, bool json, RunReport& run) {
     const TreeSummary summary = summarise(source, key);
+    addTotals(run.summary, source, summary);
     if (json) {
         std::cout << jsonText(source, summary) << '\n';
         return kDone;
     }
     std::cout << "Tree " << printable(source.root) << " of user " << printable(source.user) << '\n';
-    printTotals(source, summary);
+    run.printSummary(std::cout);
     if (summary.facts.contactFiles.size() > 1) std::cout << '\n';
     printContactFiles(std::cout, summary.facts.contactFiles, summary.takenContacts, "taken");
     printConversations(summary.messages, std::cout);

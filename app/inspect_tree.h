@@ -3,11 +3,12 @@
 
 #include <string>
 
+#include "app/run_report.h"
 #include "app/tree_contents.h"
 
 namespace app {
 
 /// Prints what the tree holds, as tables or as JSON. The key is empty when there is none. Returns an exit code.
-int inspectTree(const TreeSource& source, const std::string& key, bool json);
+int inspectTree(const TreeSource& source, const std::string& key, bool json, RunReport& run);
 
 }  // namespace app

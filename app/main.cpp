@@ -1,14 +1,12 @@
-// The program `chat-transfer`: runs the chosen subcommand and turns what it throws into words and exit codes.
+// The program `chat-transfer`: parses the command line and runs the chosen subcommand.
 #include <CLI/CLI.hpp>
-#include <exception>
 #include <iostream>
 #include <sstream>
 
-#include "app/failure.h"
-#include "app/interruption.h"
 #include "app/printable.h"
 #include "app/private_process.h"
 #include "app/program.h"
+#include "app/run_job.h"
 
 namespace {
 
@@ -37,34 +35,14 @@ int run(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         return reportParsing(program, error);
     }
-    if (job) return job();
+    if (job.run) return app::runJob(job);
     std::cerr << program.help();
     return app::kWrongUsage;
-}
-
-// Results that nobody received are no results: the disk behind the standard output may be full.
-int flushed(int code) {
-    std::cout.flush();
-    if (std::cout.good()) return code;
-    std::cerr << "chat-transfer: the results could not be printed.\n";
-    return app::kFailed;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     app::keepPrivate();
-    try {
-        return flushed(run(argc, argv));
-    } catch (const app::Interrupted& interruption) {
-        std::cout.flush();
-        app::printFailure(std::cerr, interruption.words());
-        return app::kInterrupted;
-    } catch (const app::Failure& failure) {
-        std::cout.flush();
-        app::printFailure(std::cerr, failure.words());
-    } catch (const std::exception& error) {
-        std::cerr << "chat-transfer: " << app::printable(error.what()) << ".\n";
-    }
-    return app::kFailed;
+    return run(argc, argv);
 }

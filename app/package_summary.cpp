@@ -16,40 +16,16 @@ namespace {
 
 using tools::JsonDocument;
 
-void set(JSON_Object* object, const char* key, long long number) {
-    json_object_set_number(object, key, static_cast<double>(number));
-}
-
-// Takes the text over as it is shown on a terminal: foreign texts may hold anything.
-void set(JSON_Object* object, const char* key, const std::string& text) {
-    json_object_set_string(object, key, printable(text).c_str());
-}
-
-JSON_Object* addObject(JSON_Object* object, const char* key) {
-    json_object_set_value(object, key, json_value_init_object());
-    return json_object_get_object(object, key);
-}
-
-JSON_Array* addArray(JSON_Object* object, const char* key) {
-    json_object_set_value(object, key, json_value_init_array());
-    return json_object_get_array(object, key);
-}
-
-JSON_Object* appendObject(JSON_Array* array) {
-    json_array_append_value(array, json_value_init_object());
-    return json_array_get_object(array, json_array_get_count(array) - 1);
-}
-
 void setFacts(JSON_Object* object, const PackageFacts& facts) {
     JSON_Array* versions = addArray(object, "versions");
     for (const auto& [version, files] : facts.versions) {
-        json_array_append_string(versions, printable(version).c_str());
+        appendText(versions, version);
     }
     set(object, "messageFiles", facts.messageFiles);
     set(object, "messageFilesBehindGap", facts.filesBehindGap);
     JSON_Array* unreadable = addArray(object, "unreadableFiles");
     for (const std::string& path : facts.unreadable)
-        json_array_append_string(unreadable, printable(path).c_str());
+        appendText(unreadable, path);
     json_object_set_boolean(object, "hasRecentContacts", facts.hasContacts ? 1 : 0);
     set(object, "recentContacts", static_cast<long long>(facts.contacts.size()));
 }

@@ -13,7 +13,7 @@ PrivateFolder::PrivateFolder() {
     std::error_code error;
     path_ = (std::filesystem::temp_directory_path(error) / "chat-transfer-XXXXXX").string();
     if (!error && mkdtemp(path_.data()) != nullptr) return;
-    throw Failure({0, "A folder for decrypted files cannot be made", path_,
+    throw Failure({0, "A private folder for temporary files cannot be made", path_,
                    error ? error.message() : systemWords(errno), "set TMPDIR to a folder that you may write to"});
 }
 

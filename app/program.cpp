@@ -32,7 +32,7 @@ The same with a tree; its key is asked for, and becomes the key of the new accou
   chat-transfer verify --from plain-tree --account demo3 --user 1000000000000001 --ask-key
 
 chat-transfer COMMAND --help explains a command.
-Exit codes: 0 done, 1 the operation failed, 2 wrong usage, 130 interrupted (export, import and import-tree).)";
+Exit codes: 0 done, 1 the operation failed, 2 wrong usage, 130 interrupted.)";
 
 // The parser's own text without the second empty line that hidden options leave behind.
 class HelpText : public CLI::Formatter {
@@ -51,10 +51,15 @@ private:
 
 }  // namespace
 
+const char* programVersion() {
+    return CHAT_TRANSFER_VERSION;
+}
+
 void addCommands(CLI::App& program, Job& job) {
     program.require_subcommand(0, 1);
     program.formatter(std::make_shared<HelpText>());
-    program.set_version_flag("--version", "chat-transfer " CHAT_TRANSFER_VERSION, "Print the version and exit");
+    program.set_version_flag("--version", std::string(kProgramName) + " " + programVersion(),
+                             "Print the version and exit");
     program.footer(kFooter);
     addSampleCommand(program, job);
     addExportCommand(program, job);

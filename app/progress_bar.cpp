@@ -30,7 +30,8 @@ std::string bar(int percent) {
 
 }  // namespace
 
-ProgressBar::ProgressBar(Shares shares) : onTerminal_(isatty(STDERR_FILENO) == 1), shares_(std::move(shares)) {}
+ProgressBar::ProgressBar(PhaseTimes& times, Shares shares)
+    : times_(times), onTerminal_(isatty(STDERR_FILENO) == 1), shares_(std::move(shares)) {}
 
 ProgressBar::~ProgressBar() {
     finish();
@@ -68,6 +69,7 @@ void ProgressBar::enter(const std::string& phase) {
     const auto before = shares_.find(phase_);
     if (before != shares_.end()) done_ += before->second;
     phase_ = phase;
+    times_.begin(phase);
     lastLine_ = 0;
 }
 
@@ -102,6 +104,7 @@ void ProgressBar::print(const std::string& text) {
 
 void ProgressBar::complete() {
     finish();
+    times_.end();
     percent_ = 100;
     if (onTerminal_) {
         std::cerr << "Done " << bar(percent_) << " 100 %\n";

@@ -6,6 +6,7 @@
 #include <map>
 #include <string>
 
+#include "app/phase_times.h"
 #include "app/units.h"
 #include "transfer/progress_listener.h"
 
@@ -21,8 +22,8 @@ public:
     /// really take depends on the data: these are means.
     using Shares = std::map<std::string, int>;
 
-    /// Without shares a command has one phase.
-    explicit ProgressBar(Shares shares = {});
+    /// `times` hears of each phase. Without shares a command has one phase.
+    explicit ProgressBar(PhaseTimes& times, Shares shares = {});
     ~ProgressBar() override;
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
@@ -48,6 +49,7 @@ private:
     void draw(const std::string& text);
     void print(const std::string& text);
 
+    PhaseTimes& times_;
     bool onTerminal_;
     bool lineOpen_ = false;
     bool printed_ = false;  // a plain line

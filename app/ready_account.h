@@ -11,4 +11,7 @@ namespace app {
 /// database for the one that the client uses. Throws Failure.
 void makeAccountReady(const Account& account, const std::string& key);
 
+/// Prints which databases that would make, and makes nothing.
+void tellWhatIsMissing(const Account& account, const std::string& key);
+
 }  // namespace app

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <ostream>
 
-#include "app/units.h"
-
 namespace app {
 
 std::size_t TextTable::widthOf(std::size_t column) const {
@@ -28,14 +26,6 @@ void TextTable::print(std::ostream& out) const {
         line.erase(line.find_last_not_of(' ') + 1);
         out << line << '\n';
     }
-}
-
-void Summary::add(const std::string& label, long long number) {
-    add(label, grouped(number));
-}
-
-void Summary::addIfAny(const std::string& label, long long number) {
-    if (number != 0) add(label, number);
 }
 
 }  // namespace app

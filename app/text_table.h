@@ -26,17 +26,4 @@ private:
     std::vector<std::vector<std::string>> rows_;
 };
 
-/// A table of two columns: what, and how much.
-class Summary {
-public:
-    void add(const std::string& label, const std::string& value) { table_.add({label, value}); }
-    void add(const std::string& label, long long number);
-    /// Leaves the row out when there is nothing to tell.
-    void addIfAny(const std::string& label, long long number);
-    void print(std::ostream& out) const { table_.print(out); }
-
-private:
-    TextTable table_{{Align::left, Align::right}};
-};
-
 }  // namespace app

@@ -8,6 +8,7 @@
 
 #include "app/failure.h"
 #include "app/file_version.h"
+#include "app/interruption.h"
 #include "app/paths.h"
 #include "app/private_folder.h"
 #include "app/tree_files.h"
@@ -65,6 +66,7 @@ public:
             leaveOut(folder.name, folder.reason);
         // A record file stands before its decrypted copy.
         for (const TreeEntry& entry : listing.entries) {
+            leaveIfInterrupted();
             if (isRecordFile(entry.name) && entry.kind != TreeEntryKind::folder) takeRecordFile(entry);
             if (isDecryptedCopy(entry.name) && entry.kind == TreeEntryKind::file) takeCopy(entry.name);
         }
@@ -206,7 +208,14 @@ TreeSource findTreeSource(const std::string& folder, const std::string& user, bo
 }
 
 TreeFacts readTree(const TreeSource& source, const std::string& key, const std::function<void(TreeMessage)>& take) {
-    return TreeReader(source, key, take).run();
+    // Decrypted texts must not stay in the private folder.
+    const InterruptsMark interrupts;
+    TreeFacts facts;
+    interruptible([&] { facts = TreeReader(source, key, take).run(); },
+                  [] {
+                      return FailureWords{0, "Interrupted; nothing was made or changed", "", "", ""};
+                  });
+    return facts;
 }
 
 }  // namespace app

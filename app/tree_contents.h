@@ -56,7 +56,7 @@ struct TreeFacts {
 
 /// Calls take(message) for every message, file by file. With a key, encrypted files are decrypted one at a time into a
 /// private folder; without one they are only counted. A decrypted copy beside an encrypted file that could be read is
-/// passed over, since an import replaces it.
+/// passed over, since an import replaces it. Ctrl-C ends it between two files: throws Interrupted.
 TreeFacts readTree(const TreeSource& source, const std::string& key, const std::function<void(TreeMessage)>& take);
 
 }  // namespace app

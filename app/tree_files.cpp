@@ -32,12 +32,6 @@ bool beginsWith(std::string_view name, std::string_view beginning) {
     return name.substr(0, beginning.size()) == beginning;
 }
 
-bool hasRecordEnding(std::string_view name) {
-    const auto endings = {transfer::kMessageExtension, transfer::kContactExtension, transfer::kNoteExtension,
-                          transfer::kRoomExtension};
-    return std::any_of(endings.begin(), endings.end(), [name](const char* ending) { return endsWith(name, ending); });
-}
-
 bool isAttachmentPath(std::string_view name) {
     return beginsWith(name, transfer::kTreeAttachmentsFolder);
 }
@@ -111,12 +105,22 @@ TreeListing listTree(const std::string& root) {
     return Walk(root).run();
 }
 
+bool hasRecordEnding(std::string_view name) {
+    const auto endings = {transfer::kMessageExtension, transfer::kContactExtension, transfer::kNoteExtension,
+                          transfer::kRoomExtension};
+    return std::any_of(endings.begin(), endings.end(), [name](const char* ending) { return endsWith(name, ending); });
+}
+
+bool hasDecryptedEnding(std::string_view name) {
+    return endsWith(name, transfer::kDecryptedSuffix);
+}
+
 bool isRecordFile(const std::string& name) {
     return hasRecordEnding(name) && !isAttachmentPath(name);
 }
 
 bool isDecryptedCopy(const std::string& name) {
-    return endsWith(name, transfer::kDecryptedSuffix) && isRecordFile(nameWithoutDecrypted(name));
+    return hasDecryptedEnding(name) && isRecordFile(nameWithoutDecrypted(name));
 }
 
 std::string nameWithoutDecrypted(const std::string& name) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace app {
@@ -33,6 +34,12 @@ struct TreeListing {
 TreeListing listTree(const std::string& root);
 
 inline constexpr int kDeepestFolder = 200;
+
+/// True for a name that ends in .mg, .ct, .nt or .rm.
+bool hasRecordEnding(std::string_view name);
+
+/// True for a name that ends as decrypted copies do.
+bool hasDecryptedEnding(std::string_view name);
 
 /// True for the name of an encrypted record file: one that ends in .mg, .ct, .nt or .rm and is no attachment.
 bool isRecordFile(const std::string& name);

@@ -7,6 +7,7 @@
 
 #include "app/failure.h"
 #include "app/left_out.h"
+#include "app/transfer_rows.h"
 #include "app/tree_files.h"
 #include "app/units.h"
 #include "host/json_owner.h"
@@ -49,10 +50,6 @@ void removeUnless(bool doubt, const std::vector<std::string>& paths, const std::
     for (const std::string& path : paths) {
         if (skipped.count(path) == 0) static_cast<void>(std::remove(path.c_str()));
     }
-}
-
-long long missing(std::size_t read, long long inserted, long long present) {
-    return static_cast<long long>(read) - inserted - present;
 }
 
 }  // namespace
@@ -119,14 +116,11 @@ void removeImported(const dbTrans& transfer, const TreeImportFiles& files) {
     for (const TransferReport::Skipped& one : report.skipped)
         skipped.insert(one.what);
     const bool attachmentsLeft = report.attachmentsFailed > 0;
-    const long long contactsLeft =
-        missing(transfer.reContacts.size(), report.contactsInserted + report.contactsPinned, report.contactsKept);
     removeUnless(attachmentsLeft || report.messagesRefused > 0, files.messages, skipped);
     // Of several contact files only the last one counts.
-    removeUnless(contactsLeft > 0 || files.contacts.size() > 1, files.contacts, skipped);
-    removeUnless(attachmentsLeft || missing(transfer.notes.size(), report.notesInserted, report.notesDuplicate) > 0,
-                 files.notes, skipped);
-    removeUnless(missing(transfer.rooms.size(), report.roomsInserted, report.roomsDuplicate) > 0, files.rooms, skipped);
+    removeUnless(refusedContacts(transfer) > 0 || files.contacts.size() > 1, files.contacts, skipped);
+    removeUnless(attachmentsLeft || refusedNotes(transfer) > 0, files.notes, skipped);
+    removeUnless(refusedRooms(transfer) > 0, files.rooms, skipped);
 }
 
 void removeLeftovers(const std::string& root) {

@@ -13,74 +13,83 @@ namespace {
 // More lines than anybody asks for are not kept.
 constexpr std::size_t kMostLinesKept = 100000;
 
-const char* titleOf(Finding finding) {
+// For programs and for people.
+struct Name {
+    const char* kind;
+    const char* words;
+};
+
+Name nameOf(Finding finding) {
     switch (finding) {
         case Finding::fileUnreadable:
-            return "Files that cannot be read";
+            return {"fileUnreadable", "Files that cannot be read"};
         case Finding::tableUnreadable:
-            return "Tables of the account that cannot be read";
+            return {"tableUnreadable", "Tables of the account that cannot be read"};
         case Finding::messageNotInPackage:
-            return "Messages missing in the package";
+            return {"messageNotInPackage", "Messages missing in the package"};
         case Finding::messageNotInAccount:
-            return "Messages missing in the account";
+            return {"messageNotInAccount", "Messages missing in the account"};
         case Finding::messageDiffers:
-            return "Messages that differ";
+            return {"messageDiffers", "Messages that differ"};
         case Finding::contactNotInPackage:
-            return "Recent contacts missing in the package";
+            return {"contactNotInPackage", "Recent contacts missing in the package"};
         case Finding::contactNotInAccount:
-            return "Recent contacts missing in the account";
+            return {"contactNotInAccount", "Recent contacts missing in the account"};
         case Finding::contactDiffers:
-            return "Recent contacts that differ";
+            return {"contactDiffers", "Recent contacts that differ"};
         case Finding::noteNotInAccount:
-            return "Notes missing in the account";
+            return {"noteNotInAccount", "Notes missing in the account"};
         case Finding::noteDiffers:
-            return "Notes that differ";
+            return {"noteDiffers", "Notes that differ"};
         case Finding::roomNotInAccount:
-            return "Rooms missing in the account";
+            return {"roomNotInAccount", "Rooms missing in the account"};
         case Finding::attachmentNotInPackage:
-            return "Attachments missing in the package";
+            return {"attachmentNotInPackage", "Attachments missing in the package"};
         case Finding::attachmentNotInAccount:
-            return "Attachments missing in the account";
+            return {"attachmentNotInAccount", "Attachments missing in the account"};
         case Finding::attachmentDiffers:
-            return "Attachments that differ";
+            return {"attachmentDiffers", "Attachments that differ"};
     }
-    return "";
+    return {"", ""};
 }
 
-const char* wordsOf(Rule rule) {
+Name nameOf(Rule rule) {
     switch (rule) {
         case Rule::notCarried:
-            return "messages have a status, burnAfterReading or localID that no package carries";
+            return {"notCarried", "messages have a status, burnAfterReading or localID that no package carries"};
         case Rule::securityLevelDropped:
-            return "messages lost their securityLevel: an import does not read it";
+            return {"securityLevelDropped", "messages lost their securityLevel: an import does not read it"};
         case Rule::listsDropped:
-            return "messages lost limitRange or relatedUsers: an import does not read them";
+            return {"listsDropped", "messages lost limitRange or relatedUsers: an import does not read them"};
         case Rule::listsOfNumbers:
-            return "lists of users hold more than numbers below 2^53: a package keeps only those";
+            return {"listsOfNumbers", "lists of users hold more than numbers below 2^53: a package keeps only those"};
         case Rule::idRounded:
-            return "ids above 2^53 were rounded: a package holds them as doubles";
+            return {"idRounded", "ids above 2^53 were rounded: a package holds them as doubles"};
         case Rule::textCutAtNul:
-            return "texts end at their first NUL byte";
+            return {"textCutAtNul", "texts end at their first NUL byte"};
         case Rule::textRepaired:
-            return "texts had ill-formed UTF-8, replaced by U+FFFD";
+            return {"textRepaired", "texts had ill-formed UTF-8, replaced by U+FFFD"};
         case Rule::idShared:
-            return "messages share their id with another one of the conversation: an import keeps the first";
+            return {"idShared",
+                    "messages share their id with another one of the conversation: an import keeps the first"};
         case Rule::tableTrimmed:
-            return "messages are older than the newest 3,000 that an import keeps of a conversation beyond 5,000";
+            return {"tableTrimmed",
+                    "messages are older than the newest 3,000 that an import keeps of a conversation beyond 5,000"};
         case Rule::contactKept:
-            return "recent contacts are the account's own: an import never overwrites one";
+            return {"contactKept", "recent contacts are the account's own: an import never overwrites one"};
         case Rule::contactFileReplaced:
-            return "recent contacts stand in other files than the one that counts: an import takes those of one file";
+            return {"contactFileReplaced",
+                    "recent contacts stand in other files than the one that counts: an import takes those of one file"};
         case Rule::pinConverted:
-            return "pins were converted from 1 to 4";
+            return {"pinConverted", "pins were converted from 1 to 4"};
         case Rule::attachmentNameShared:
-            return "attachments share their name with another one, which took its place";
+            return {"attachmentNameShared", "attachments share their name with another one, which took its place"};
         case Rule::attachmentWithoutFolder:
-            return "images have no folder in their name: a package has no place for them";
+            return {"attachmentWithoutFolder", "images have no folder in their name: a package has no place for them"};
         case Rule::attachmentNameRefused:
-            return "attachment names lead outside their folder: they are never transferred";
+            return {"attachmentNameRefused", "attachment names lead outside their folder: they are never transferred"};
     }
-    return "";
+    return {"", ""};
 }
 
 }  // namespace
@@ -96,19 +105,37 @@ void VerifyReport::print(std::ostream& out, long long most) const {
     printFindings(out, most);
 }
 
+std::vector<RunReport::Finding> VerifyReport::findings(long long most) const {
+    std::vector<RunReport::Finding> result;
+    for (const auto& [finding, lines] : findings_) {
+        const auto kept = std::min(lines.first.size(), static_cast<std::size_t>(most));
+        const std::vector<std::string> first(lines.first.begin(),
+                                             lines.first.begin() + static_cast<std::ptrdiff_t>(kept));
+        result.push_back({nameOf(finding).kind, nameOf(finding).words, lines.count, first});
+    }
+    return result;
+}
+
+std::vector<RunReport::Finding> VerifyReport::changedByRule() const {
+    std::vector<RunReport::Finding> result;
+    for (const auto& [rule, count] : rules_)
+        result.push_back({nameOf(rule).kind, nameOf(rule).words, count, {}});
+    return result;
+}
+
 void VerifyReport::printRules(std::ostream& out) const {
     if (rules_.empty()) return;
     out << "Changed by the rules of export and import:\n";
     TextTable table({Align::right, Align::left});
     for (const auto& [rule, count] : rules_)
-        table.add({grouped(count), wordsOf(rule)});
+        table.add({grouped(count), nameOf(rule).words});
     table.print(out);
 }
 
 void VerifyReport::printFindings(std::ostream& out, long long most) const {
     if (findings_.empty()) out << "Nothing is missing and nothing differs.\n";
     for (const auto& [finding, lines] : findings_) {
-        out << titleOf(finding) << ": " << grouped(lines.count) << '\n';
+        out << nameOf(finding).words << ": " << grouped(lines.count) << '\n';
         const long long shown = std::min(most, static_cast<long long>(lines.first.size()));
         for (long long i = 0; i < shown; ++i) {
             out << "  " << printable(lines.first[static_cast<std::size_t>(i)]) << '\n';

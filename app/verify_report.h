@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "app/run_report.h"
+
 namespace app {
 
 /// What should not be. The order is that of the printed list.
@@ -55,6 +57,10 @@ public:
 
     /// Prints each kind with its count and at most `most` lines.
     void print(std::ostream& out, long long most) const;
+
+    /// The same for the report of the run.
+    std::vector<RunReport::Finding> findings(long long most) const;
+    std::vector<RunReport::Finding> changedByRule() const;
 
 private:
     struct Lines {

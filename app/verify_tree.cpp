@@ -5,47 +5,41 @@
 #include "app/failure.h"
 #include "app/printable.h"
 #include "app/progress_bar.h"
-#include "app/text_table.h"
 #include "app/tree_contact_files.h"
 #include "app/tree_verification.h"
-#include "app/units.h"
 
 namespace app {
 namespace {
 
-void printSummary(const TreeVerifyCounts& counts, const TreeSource& source, const std::string& database,
-                  const Stopwatch& watch) {
-    std::cout << "Held the tree " << printable(source.root) << " against " << printable(database) << '\n';
-    Summary summary;
-    summary.add("Messages in the tree", counts.messages);
-    summary.add("Messages that agree", counts.equalMessages);
-    summary.add("Recent contacts in the tree", counts.contacts);
-    summary.add("Notes in the tree", counts.notes);
-    summary.add("Rooms in the tree", counts.rooms);
-    summary.add("Attachments named", counts.attachments.named);
-    summary.add("Attachments in the account", counts.attachments.inAccount());
-    summary.add("Attachments compared", counts.attachments.both);
-    summary.add("Time", humanDuration(watch.seconds()));
-    summary.print(std::cout);
+void summarise(Summary& summary, const TreeVerifyCounts& counts) {
+    summary.add("messages.inTree", "Messages in the tree", counts.messages);
+    summary.add("messages.equal", "Messages that agree", counts.equalMessages);
+    summary.add("recentContacts.inTree", "Recent contacts in the tree", counts.contacts);
+    summary.add("notes.inTree", "Notes in the tree", counts.notes);
+    summary.add("rooms.inTree", "Rooms in the tree", counts.rooms);
+    summary.add("attachments.referenced", "Attachments named", counts.attachments.named);
+    summary.add("attachments.inAccount", "Attachments in the account", counts.attachments.inAccount());
+    summary.add("attachments.compared", "Attachments compared", counts.attachments.both);
 }
 
 }  // namespace
 
 VerifyReport verifyTree(const TreeSource& source, const Account& account, Database database, dbTrans& transfer,
-                        long long most) {
-    const Stopwatch watch;
+                        RunReport& run) {
     openDatabase(transfer, account, database);
     if (database == Database::main) openPluginDatabase(transfer, account);
-    ProgressBar progress;
+    ProgressBar progress(run.phases);
     progress.begin("Comparing", {});
     TreeVerification verification(source, database, transfer);
     verification.run();
     progress.complete();
-    printSummary(verification.counts(), source, account.database(database), watch);
+    summarise(run.summary, verification.counts());
+    std::cout << "Held the tree " << printable(source.root) << " against " << printable(account.database(database))
+              << '\n';
+    run.printSummary(std::cout);
     if (database == Database::main) {
         printContactFiles(std::cout, verification.facts().contactFiles, verification.contactFile(), "compared");
     }
-    verification.report().print(std::cout, most);
     return verification.report();
 }
 

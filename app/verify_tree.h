@@ -7,8 +7,8 @@
 
 namespace app {
 
-/// Holds the tree against the account, whose key `transfer` has, and prints what was found; `most` lines of each kind.
+/// Holds the tree against the account, whose key `transfer` has, and prints how much was compared.
 VerifyReport verifyTree(const TreeSource& source, const Account& account, Database database, dbTrans& transfer,
-                        long long most);
+                        RunReport& run);
 
 }  // namespace app

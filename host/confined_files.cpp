@@ -59,6 +59,11 @@ std::string_view lastComponentOf(std::string_view name) {
     return component;
 }
 
+std::string_view parentsOf(std::string_view name) {
+    const std::string_view last = lastComponentOf(name);
+    return name.substr(0, static_cast<std::size_t>(last.data() - name.data()));
+}
+
 FileHandle openFolder(int parent, const char* name, bool followLinks) {
     const int links = followLinks ? 0 : O_NOFOLLOW;
     return FileHandle(openat(parent, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | links));
@@ -150,15 +155,15 @@ Place ConfinedFolder::find(const std::string& name) {
         place.error = EINVAL;
         return place;
     }
-    const std::string_view last = lastComponentOf(name);
-    place.name = last;
-    const std::string_view parents(name.data(), static_cast<std::size_t>(last.data() - name.data()));
-    place.folder = enter(parents, MissingFolders::stay);
+    place.name = lastComponentOf(name);
+    place.folder = enter(parentsOf(name), MissingFolders::stay);
     if (!place.valid()) place.error = errno;
     return place;
 }
 
 bool ConfinedFolder::hasFile(const std::string& name) {
+    if (hasVanished(name)) return false;
+    if (hasAppeared(name)) return true;
     return kindOf(find(name)) == Kind::regular;
 }
 
@@ -167,11 +172,13 @@ bool ConfinedFolder::hasFolder(const std::string& name) {
 }
 
 bool ConfinedFolder::isTaken(const std::string& name) {
+    if (hasAppeared(name)) return true;
     const Place place = find(name);
     return place.valid() ? kindOf(place) != Kind::none : !place.missing();
 }
 
 bool ConfinedFolder::sees(const std::string& name) {
+    if (hasAppeared(name)) return true;
     return kindOf(find(name)) != Kind::none;
 }
 
@@ -186,10 +193,39 @@ bool ConfinedFolder::read(const std::string& name, std::string& bytes) try {
 
 int ConfinedFolder::createFolder(const std::string& name) {
     if (hasComponent(name) && !isConfinedName(name)) return -1;
+    if (rehearsal_ != nullptr) return rehearseFolder(name);
     if (enter(name, MissingFolders::create) >= 0) return 0;
     const bool again = errno == ENOENT && createDir(path_.c_str()) == 0;
     return again && enter(name, MissingFolders::create) >= 0 ? 0 : -1;
 }
+
+// --- Rehearsals ---
+
+// One spelling for each place, however the name is written.
+std::string ConfinedFolder::fullPath(std::string_view name) const {
+    std::string path = path_ + below_;
+    std::string_view component;
+    while (nextComponent(name, component))
+        path.append("/").append(component);
+    return path;
+}
+
+bool ConfinedFolder::hasAppeared(std::string_view name) const {
+    return rehearsal_ != nullptr && rehearsal_->hasAppeared(fullPath(name));
+}
+
+bool ConfinedFolder::hasVanished(std::string_view name) const {
+    return rehearsal_ != nullptr && rehearsal_->hasVanished(fullPath(name));
+}
+
+int ConfinedFolder::rehearseFolder(const std::string& name) {
+    if (enter(name, MissingFolders::stay) >= 0) return 0;
+    if (errno != ENOENT) return -1;
+    rehearsal_->appear(fullPath(name));
+    return 0;
+}
+
+// --- Copies and moves ---
 
 // transfer(source, target) with both names resolved.
 template <class Transfer>
@@ -200,24 +236,34 @@ FileOutcome ConfinedFolder::transferTo(ConfinedFolder& to, const std::string& so
         return transferTo(again, source, target, transfer);
     }
     if (!isConfinedName(source) || !isConfinedName(target)) return FileOutcome::refused;
+    if (hasVanished(source)) return FileOutcome::missing;
     const Place from = find(source);
     if (from.missing()) return FileOutcome::missing;
     if (!from.valid()) return from.refused() ? FileOutcome::refused : FileOutcome::failed;
     const Kind kind = kindOf(from);
     if (kind != Kind::regular) return kind == Kind::none ? FileOutcome::missing : FileOutcome::refused;
     const Place place = to.find(target);
-    if (!place.valid()) return place.refused() ? FileOutcome::refused : FileOutcome::failed;
+    const bool appears = place.missing() && to.hasAppeared(parentsOf(target));
+    if (!place.valid() && !appears) return place.refused() ? FileOutcome::refused : FileOutcome::failed;
     return transfer(from, place);
 }
 
 FileOutcome ConfinedFolder::copyTo(ConfinedFolder& to, const std::string& source, const std::string& target,
                                    Flush flush) {
-    return transferTo(to, source, target,
-                      [flush](const Place& from, const Place& place) { return copyBetween(from, place, flush); });
+    return transferTo(to, source, target, [&](const Place& from, const Place& place) {
+        if (to.rehearsal_ == nullptr) return copyBetween(from, place, flush);
+        to.rehearsal_->appear(to.fullPath(target));
+        return FileOutcome::done;
+    });
 }
 
 FileOutcome ConfinedFolder::moveTo(ConfinedFolder& to, const std::string& source, const std::string& target) {
-    return transferTo(to, source, target, moveBetween);
+    return transferTo(to, source, target, [&](const Place& from, const Place& place) {
+        if (to.rehearsal_ == nullptr) return moveBetween(from, place);
+        to.rehearsal_->vanish(fullPath(source));
+        to.rehearsal_->appear(to.fullPath(target));
+        return FileOutcome::done;
+    });
 }
 
 // --- Single names ---

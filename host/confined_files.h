@@ -11,6 +11,7 @@
 
 #include "host/file_handle.h"
 #include "host/flush.h"
+#include "host/rehearsal.h"
 
 namespace tools {
 
@@ -42,6 +43,10 @@ public:
         : path_(std::move(path)), below_(std::move(below)) {}
 
     const std::string& path() const { return path_; }
+
+    /// From now on nothing is copied, moved or created: `rehearsal`, which is not owned, notes what would be, and what
+    /// it has noted counts as done. Null changes nothing.
+    void rehearse(Rehearsal* rehearsal) { rehearsal_ = rehearsal; }
 
     /// True when `name` is a regular file that can be reached without following a symbolic link beneath the folder.
     bool hasFile(const std::string& name);
@@ -76,6 +81,10 @@ private:
     detail::ConfinedPlace find(const std::string& name);
     bool open(detail::MissingFolders missing);
     int enter(std::string_view parents, detail::MissingFolders missing);
+    int rehearseFolder(const std::string& name);
+    std::string fullPath(std::string_view name) const;
+    bool hasAppeared(std::string_view name) const;
+    bool hasVanished(std::string_view name) const;
     template <class Transfer>
     FileOutcome transferTo(ConfinedFolder& to, const std::string& source, const std::string& target, Transfer transfer);
 
@@ -84,6 +93,7 @@ private:
     detail::FileHandle itself_;
     detail::FileHandle inner_;  // the subfolder used last
     std::string innerName_;
+    Rehearsal* rehearsal_ = nullptr;
 };
 
 // --- The same for a single name beneath `folder` ---

@@ -67,6 +67,10 @@ void dbUtils::cacheSchemaOf(std::size_t tables) {
     if (connection_) connection_->cacheSchemaOf(tables);
 }
 
+int dbUtils::copyTo(dbUtils& target) const {
+    return connection_ && target.connection_ && target.connection_->takeAllOf(*connection_) ? 1 : 0;
+}
+
 bool dbUtils::isOpen() const {
     return connection_ != nullptr;
 }
@@ -79,8 +83,8 @@ std::string dbUtils::lastError() const {
     return connection_ ? connection_->lastError() : lastOpenError_;
 }
 
-bool dbUtils::lastFailureWasConstraint() const {
-    return connection_ && connection_->lastFailureWasConstraint();
+bool dbUtils::lastFailureWasDuplicate() const {
+    return connection_ && connection_->lastFailureWasDuplicate();
 }
 
 bool dbUtils::lastFailureWasLock() const {

@@ -129,6 +129,11 @@ public:
     /// a cache that cannot grow only costs time.
     void cacheSchemaOf(std::size_t tables);
 
+    /// Replaces all that `target` holds by all that this database holds now, as SQLite's online backup does: another
+    /// process may go on writing to this one. Both must be open, with the same key or both without. Non-zero on
+    /// success; after 0, `target` holds what it had, and lastError() of `target` says why.
+    int copyTo(dbUtils& target) const;
+
     /// True between a successful open() and the destruction or a failed open().
     bool isOpen() const;
 
@@ -141,9 +146,9 @@ public:
     /// What the last failed call of this object said, in English words; empty when none has failed since open().
     std::string lastError() const;
 
-    /// True when the last failure was a duplicate key or another constraint of the table: the row was refused, the
-    /// database is fine.
-    bool lastFailureWasConstraint() const;
+    /// True when the last failure was that the row's key is in the table already. Other refusals, by a trigger or a
+    /// check for example, are none: their row is nowhere.
+    bool lastFailureWasDuplicate() const;
 
     /// True when the last failure was that another connection held the database for longer than the busy wait.
     bool lastFailureWasLock() const;

@@ -152,6 +152,17 @@ void Connection::cacheSchemaOf(std::size_t tables) {
     execute(tools::FixedText<64>("PRAGMA cache_size = -%zu", std::min(wanted, kMostPageCacheKiB)).text());
 }
 
+bool Connection::takeAllOf(Connection& source) {
+    constexpr int kAllPages = -1;
+    sqlite3_backup* copy = sqlite3_backup_init(handle_.get(), "main", source.handle_.get(), "main");
+    if (copy != nullptr) {
+        static_cast<void>(sqlite3_backup_step(copy, kAllPages));
+        if (sqlite3_backup_finish(copy) == SQLITE_OK) return true;
+    }
+    keepReason(sqlite3_errcode(handle_.get()));
+    return false;
+}
+
 int Connection::step(sqlite3_stmt* statement) {
     timesStepped_ = 0;
     return sqlite3_step(statement);
@@ -202,9 +213,20 @@ bool Connection::runToEnd(sqlite3_stmt* statement) {
     return code == SQLITE_DONE;
 }
 
+bool Connection::lastFailureWasDuplicate() const {
+    return lastFailure_ == SQLITE_CONSTRAINT_PRIMARYKEY || lastFailure_ == SQLITE_CONSTRAINT_UNIQUE ||
+           lastFailure_ == SQLITE_CONSTRAINT_ROWID;
+}
+
+bool Connection::lastFailureWasLock() const {
+    const int kind = lastFailure_ & 0xff;
+    return kind == SQLITE_BUSY || kind == SQLITE_LOCKED;
+}
+
 // Throws nothing: a transaction ends also when there is no memory for the reason of its failure.
 void Connection::keepReason(int code) noexcept try {
-    lastFailure_ = code & 0xff;
+    const bool last = sqlite3_errcode(handle_.get()) == (code & 0xff);
+    lastFailure_ = last ? sqlite3_extended_errcode(handle_.get()) : code;
     lastError_ = sqlite3_errmsg(handle_.get());
 } catch (const std::bad_alloc&) {
     lastError_.clear();

@@ -74,10 +74,13 @@ public:
     /// Makes the page cache large enough for the schema of so many tables. Never makes it smaller.
     void cacheSchemaOf(std::size_t tables);
 
+    /// Replaces the content by that of another database.
+    bool takeAllOf(Connection& source);
+
     int changedRows() const { return sqlite3_changes(handle_.get()); }
     const std::string& lastError() const { return lastError_; }
-    bool lastFailureWasConstraint() const { return lastFailure_ == SQLITE_CONSTRAINT; }
-    bool lastFailureWasLock() const { return lastFailure_ == SQLITE_BUSY || lastFailure_ == SQLITE_LOCKED; }
+    bool lastFailureWasDuplicate() const;
+    bool lastFailureWasLock() const;
 
 private:
     Connection() = default;
@@ -98,7 +101,7 @@ private:
     std::size_t cachedTables_ = 0;
     int batchDepth_ = 0;
     bool batchLost_ = false;
-    int lastFailure_ = SQLITE_OK;
+    int lastFailure_ = SQLITE_OK;  // an extended code
     std::string lastError_;
 };
 

@@ -14,7 +14,10 @@ struct AttachmentFolders {
         : package(attachmentFolder(transfer)),
           audio(transfer.rootPath + kAudioFolder),
           file(transfer.rootPath + kFileFolder),
-          image(transfer.rootPath + kImageFolder) {}
+          image(transfer.rootPath + kImageFolder) {
+        for (tools::ConfinedFolder* folder : {&audio, &file, &image})
+            folder->rehearse(transfer.rehearsal);
+    }
 
     tools::ConfinedFolder package;
     tools::ConfinedFolder audio;

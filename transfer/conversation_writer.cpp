@@ -31,7 +31,7 @@ int insertMessage(TransferReport& report, imsdk::dbUtils& db, imsdk::dbCommand& 
     const int stored = db.excuteNonQuery(&command);
     if (stored != 0) {
         ++report.messagesInserted;
-    } else if (db.lastFailureWasConstraint()) {
+    } else if (db.lastFailureWasDuplicate()) {
         ++report.messagesDuplicate;
     } else {
         ++report.messagesRefused;

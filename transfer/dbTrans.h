@@ -26,6 +26,10 @@
 // The JSON library's value type, as host/json.h declares it: that header is needed only to look inside.
 typedef struct json_value_t JSON_Value;  // NOLINT(modernize-use-using): the library's own declaration, repeated
 
+namespace tools {
+class Rehearsal;
+}
+
 class dbTrans {
 public:
     dbTrans() = default;
@@ -103,6 +107,13 @@ public:
     std::string userVideoDir;
     /// What the operations did and left out. Only the host empties it.
     TransferReport report;
+    /// For a trial: while it is set, imports copy and move no attachments, but note here what they would have done, and
+    /// count as if they had. Not owned; null for a real import. The databases are written all the same: a trial gives
+    /// `rootPath` a copy of them. Set by the host.
+    tools::Rehearsal* rehearsal = nullptr;
+    /// Where the attachments of a tree at trial are, when its records have been copied to `backupPath` without them:
+    /// what backupPath would be for a real import. Empty: in backupPath. Set by the host.
+    std::string rehearsalSource;
 
     // --- Opening, reset, progress ---
     /// Open rootPath + "/db/imsg.db", "/db/backimsg.db" and "/db/plugin/kab.db" with dbKey (none when it is empty).

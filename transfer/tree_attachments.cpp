@@ -10,14 +10,6 @@
 namespace transfer {
 namespace {
 
-// At every "/" of the path, the folder before it.
-void createDirRe(const std::string& path) {
-    for (std::size_t slash = path.find('/', 1); slash != std::string::npos; slash = path.find('/', slash + 1)) {
-        const std::string folder = path.substr(0, slash);
-        if (tools::isFileExsit(folder) == 0) tools::createDir(folder.c_str());
-    }
-}
-
 std::string baseNameOf(const std::string& value) {
     std::string name;
     tools::getNameFromPath(value, name);
@@ -36,7 +28,10 @@ tools::FileOutcome moveInto(tools::ConfinedFolder& tree, const std::string& valu
     // An empty folder is one that nobody has set: it must not come to mean the working directory.
     if (tree.path().empty() || baseNameOf(value).size() >= kNameBuffer) return tools::FileOutcome::missing;
     if (user.path().empty()) return tools::FileOutcome::failed;
-    if (missing == MissingFolder::isCreated && tree.hasFile(value)) createDirRe(user.path() + name);
+    if (missing == MissingFolder::isCreated && tree.hasFile(value)) {
+        const std::size_t slash = name.rfind('/');
+        user.createFolder(slash == std::string::npos ? "" : name.substr(0, slash));
+    }
     return tree.moveTo(user, value, name);
 }
 
@@ -108,7 +103,10 @@ TreeFileFolders::TreeFileFolders(const dbTrans& transfer)
       audio(asFolder(transfer.userAudioDir)),
       file(asFolder(transfer.userFileDir)),
       image(asFolder(transfer.userImageDir)),
-      video(asFolder(transfer.userVideoDir)) {}
+      video(asFolder(transfer.userVideoDir)) {
+    for (tools::ConfinedFolder* folder : {&audio, &file, &image, &video})
+        folder->rehearse(transfer.rehearsal);
+}
 
 bool carriesTreeFiles(int type) {
     return carriesAttachments(type) || type == kPicturesMessage || type == kVideoMessage;

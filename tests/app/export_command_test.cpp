@@ -36,7 +36,7 @@ TEST_F(ExportCommand, WritesThePackageAndSaysHowMuch) {
     makeSample("account");
     const Outcome run = exportFrom("account", "package");
     EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("300", rowOf(run.out, "Messages"));
+    EXPECT_EQ("300", rowOf(run.out, "Messages written"));
     EXPECT_EQ("4", rowOf(run.out, "Conversations"));
     EXPECT_EQ("5", rowOf(run.out, "Days"));
     EXPECT_EQ("4", rowOf(run.out, "Recent contacts"));
@@ -106,7 +106,7 @@ TEST_F(ExportCommand, SelectsMessagesSinceADay) {
 TEST_F(ExportCommand, TakesMessagesOfTheYearZeroWithoutSince) {
     makeAccount("account", {createTable("im_msg_5"), insertMessage("im_msg_5", 1, "'old'"),
                             "update im_msg_5 set year_ = 0, mon = 0, day_ = 0"});
-    EXPECT_EQ("1", rowOf(exportFrom("account", "package").out, "Messages"));
+    EXPECT_EQ("1", rowOf(exportFrom("account", "package").out, "Messages written"));
 }
 
 TEST_F(ExportCommand, SaysHowManyMessagesHaveNoDate) {
@@ -115,7 +115,7 @@ TEST_F(ExportCommand, SaysHowManyMessagesHaveNoDate) {
                  insertMessage("im_msg_5", 2, "'undated'"), "update im_msg_5 set year_ = null where msgID = 2"});
     const Outcome run = exportFrom("account", "package");
     EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("1", rowOf(run.out, "Messages"));
+    EXPECT_EQ("1", rowOf(run.out, "Messages written"));
     EXPECT_SAYS("1 message has no date", run.err);
 }
 
@@ -300,7 +300,7 @@ TEST_F(ExportCommand, PackedSaysHowManyMessagesItLeftOut) {
     makeAccount("account", statements);
     const Outcome run = exportFrom("account", "package", {"--layout", "packed"});
     EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("1,000", rowOf(run.out, "Messages"));
+    EXPECT_EQ("1,000", rowOf(run.out, "Messages written"));
     EXPECT_EQ("200", rowOf(run.out, "Messages left out"));
     EXPECT_SAYS("the packed layout left out 200 messages", run.err);
     EXPECT_FALSE(exists(messageFolder("package") + "recontact.mg"));
@@ -310,7 +310,7 @@ TEST_F(ExportCommand, PackedLeavesNothingOutWhereTheLastFileHasRoom) {
     makeSample("account");
     const Outcome run = exportFrom("account", "package", {"--layout", "packed"});
     EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("300", rowOf(run.out, "Messages"));
+    EXPECT_EQ("300", rowOf(run.out, "Messages written"));
     EXPECT_EQ("0", rowOf(run.out, "Messages left out"));
     EXPECT_SAYS_NOT("warning", run.err);
 }
@@ -332,7 +332,7 @@ TEST_F(ExportCommand, OfAnEmptyAccountIsAnEmptyPackage) {
     for (const char* layout : {"days", "packed"}) {
         const Outcome run = exportFrom("account", layout, {"--layout", layout});
         EXPECT_EXIT_CODE(0, run);
-        EXPECT_EQ("0", rowOf(run.out, "Messages"));
+        EXPECT_EQ("0", rowOf(run.out, "Messages written"));
     }
 }
 

@@ -58,5 +58,37 @@ TEST_F(Interrupted, ImportOfATreeKeepsNoMessageAndRunAgainCompletesIt) {
     EXPECT_EXIT_CODE(0, importTree("account", "backup"));
 }
 
+// A trial and a look into an encrypted tree keep private texts in a folder of their own for a while.
+class InterruptedInPrivate : public Interrupted {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(0, setenv("TMPDIR", dir_.makeDir("tmp").c_str(), 1));
+        makeBigPlainTree("plain", 400);
+        ASSERT_EXIT_CODE(0, encryptTree("plain", "backup"));
+    }
+    void TearDown() override { unsetenv("TMPDIR"); }
+
+    void expectNothingLeft(const Outcome& run) const {
+        EXPECT_EQ(130, run.code) << run.out;
+        EXPECT_SAYS("chat-transfer: Interrupted; nothing ", run.out);
+        EXPECT_EQ("", listing(at("tmp")));
+    }
+};
+
+TEST_F(InterruptedInPrivate, ViewOfATreeLeavesNoDecryptedText) {
+    const Outcome run = chatTransferOnTerminal(
+        {"view", "--from", at("backup"), "--user", kUser, "--to", at("pages"), "--key-file", at("key")},
+        {{"Reading the messages ...", kCtrlC, 0}});
+    expectNothingLeft(run);
+    EXPECT_FALSE(exists(at("pages")));
+}
+
+TEST_F(InterruptedInPrivate, TrialOfATreeLeavesNoDecryptedText) {
+    Arguments arguments = importArguments("account", "backup");
+    arguments.emplace_back("--dry-run");
+    expectNothingLeft(chatTransferOnTerminal(arguments, {{"Decrypting the tree ...", kCtrlC, 0}}));
+    EXPECT_FALSE(exists(at("account")));
+}
+
 }  // namespace
 }  // namespace test

@@ -19,7 +19,8 @@ void work(ProgressBar& bar, std::chrono::milliseconds time) {
 TEST(ProgressBar, OfLongWorkPrintsPlainLinesWithoutATerminal) {
     testing::internal::CaptureStderr();
     {
-        ProgressBar bar({{"Copying", 80}});
+        PhaseTimes times;
+        ProgressBar bar(times, {{"Copying", 80}});
         work(bar, std::chrono::milliseconds(1050));
     }
     const std::string text = testing::internal::GetCapturedStderr();
@@ -30,7 +31,8 @@ TEST(ProgressBar, OfLongWorkPrintsPlainLinesWithoutATerminal) {
 TEST(ProgressBar, OfShortWorkPrintsNothingWithoutATerminal) {
     testing::internal::CaptureStderr();
     {
-        ProgressBar bar({{"Copying", 80}});
+        PhaseTimes times;
+        ProgressBar bar(times, {{"Copying", 80}});
         work(bar, std::chrono::milliseconds(0));
     }
     EXPECT_EQ("", testing::internal::GetCapturedStderr());

@@ -25,15 +25,5 @@ TEST(TextTable, EndsNoLineInBlanks) {
     EXPECT_EQ("  a\n  b  long\n", out.str());
 }
 
-TEST(Summary, LeavesOutWhatNeverHappened) {
-    Summary summary;
-    summary.add("Messages", 0);
-    summary.addIfAny("Failed", 0);
-    summary.addIfAny("Refused", 1200);
-    std::ostringstream out;
-    summary.print(out);
-    EXPECT_EQ("  Messages      0\n  Refused   1,200\n", out.str());
-}
-
 }  // namespace
 }  // namespace app

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -32,7 +33,8 @@ using nlohmann::json;
 using Adapter = valijson::adapters::NlohmannJsonAdapter;
 
 const std::vector<std::string> kSchemas = {
-    "package-messages", "package-recent-contacts", "tree-messages", "tree-recent-contacts", "tree-notes", "tree-rooms"};
+    "package-messages", "package-recent-contacts", "tree-messages", "tree-recent-contacts", "tree-notes", "tree-rooms",
+    "run-report"};
 
 json schemaText(const std::string& name) {
     return json::parse(docs::readSource("docs/schemas/" + name + ".schema.json"));
@@ -77,6 +79,7 @@ std::string schemaOfBlock(const std::string& name) {
         {"recent-contact file", "tree-recent-contacts"},
         {"note file", "tree-notes"},
         {"room file", "tree-rooms"},
+        {"run report", "run-report"},
     };
     const auto found = schemas.find(name);
     return found == schemas.end() ? "" : found->second;
@@ -84,9 +87,10 @@ std::string schemaOfBlock(const std::string& name) {
 
 // A document that has every key, out of the format pages.
 json example(const std::string& schema) {
-    const bool package = schema.compare(0, 7, "package") == 0;
-    const std::string page = docs::readSource(package ? "docs/formats/package.md" : "docs/formats/tree.md");
-    for (const docs::Block& block : docs::blocksOf(page)) {
+    const std::map<std::string, std::string> pages = {
+        {"package", "docs/formats/package.md"}, {"tree", "docs/formats/tree.md"}, {"run", "docs/run-report.md"}};
+    const std::string page = pages.at(schema.substr(0, schema.find('-')));
+    for (const docs::Block& block : docs::blocksOf(docs::readSource(page))) {
         if (block.language == "json" && block.name != "msg_0.mg" && schemaOfBlock(block.name) == schema)
             return json::parse(block.text);
     }
@@ -292,6 +296,64 @@ protected:
 
     test::TempDir home_;
 };
+
+// The report of each command, done and failed.
+class RealReports : public RealFiles {
+protected:
+    // Runs the command with a report and validates it; gives it back.
+    json reportOf(test::Arguments arguments, int exitCode) const {
+        arguments.insert(arguments.end(), {"--report", home_.at("report.json")});
+        const test::Outcome outcome = test::chatTransfer(arguments);
+        EXPECT_EQ(exitCode, outcome.code) << outcome.all();
+        json report = json::parse(test::readFile(home_.at("report.json")));
+        EXPECT_EQ("", Validator("run-report").fault(report)) << report.dump(2);
+        EXPECT_EQ(arguments.front(), report.at("command"));
+        EXPECT_EQ(exitCode, report.at("exitCode"));
+        return report;
+    }
+    test::Arguments with(const std::string& command, const test::Arguments& more) const {
+        test::Arguments arguments = {command, "--user", "1001"};
+        for (std::size_t i = 0; i + 1 < more.size(); i += 2)
+            arguments.insert(arguments.end(), {more[i], home_.at(more[i + 1])});
+        return arguments;
+    }
+};
+
+TEST_F(RealReports, OfTheCommandsForPackagesObeyTheSchema) {
+    reportOf(with("sample", {"--account", "account"}), 0);
+    reportOf(with("export", {"--account", "account", "--to", "backup"}), 0);
+    reportOf(with("export", {"--account", "account", "--to", "backup"}), 1);
+    reportOf(with("import", {"--account", "copy", "--from", "backup"}), 0);
+    reportOf(with("inspect", {"--from", "backup"}), 0);
+    reportOf(with("view", {"--from", "backup", "--to", "pages"}), 0);
+    const json verified = reportOf(with("verify", {"--account", "copy", "--from", "backup"}), 0);
+    EXPECT_FALSE(verified.at("changedByRule").empty());
+    fs::remove_all(home_.at("copy/image"));
+    const json differs = reportOf(with("verify", {"--account", "copy", "--from", "backup"}), 1);
+    EXPECT_EQ("attachmentNotInAccount", differs.at("/findings/0/kind"_json_pointer));
+}
+
+TEST_F(RealReports, OfTheCommandsForTreesObeyTheSchema) {
+    std::ofstream(home_.at("key")) << "battery staple\n";
+    fs::permissions(home_.at("key"), fs::perms::owner_read | fs::perms::owner_write);
+    reportOf(with("sample-tree", {"--to", "plain"}), 0);
+    reportOf(with("encrypt-tree", {"--from", "plain", "--to", "backup", "--key-file", "key"}), 0);
+    reportOf(with("inspect", {"--from", "backup", "--key-file", "key"}), 0);
+    reportOf(with("decrypt-tree", {"--from", "backup", "--to", "plain2", "--key-file", "key"}), 0);
+    test::Arguments trial = with("import-tree", {"--from", "backup", "--account", "new", "--key-file", "key"});
+    trial.emplace_back("--dry-run");
+    EXPECT_EQ(true, reportOf(trial, 0).at("dryRun"));
+    const json imported =
+        reportOf(with("import-tree", {"--from", "backup", "--account", "new", "--key-file", "key"}), 0);
+    EXPECT_FALSE(imported.at("phases").empty());
+    reportOf(with("verify", {"--from", "plain", "--account", "new", "--key-file", "key"}), 0);
+}
+
+TEST_F(RealReports, OfAFailureHaveItsWords) {
+    const json report = reportOf(with("import", {"--account", "copy", "--from", "nowhere"}), 1);
+    EXPECT_EQ("failed", report.at("outcome"));
+    EXPECT_NE("", report.at("/failure/what"_json_pointer));
+}
 
 TEST_F(RealFiles, OfAnExportObeyTheSchemas) {
     run({"sample", "--account", home_.at("account"), "--user", "1001", "--messages", "2000"});

@@ -134,7 +134,7 @@ TEST_F(CommandTest, ARefusedRowLeavesTheCommandUsable) {
     EXPECT_TRUE(execute(command));
     command.bindParam(1, 1);
     EXPECT_FALSE(execute(command));
-    EXPECT_TRUE(db.lastFailureWasConstraint());
+    EXPECT_TRUE(db.lastFailureWasDuplicate());
     command.bindParam(1, 4);
     EXPECT_TRUE(execute(command));
     EXPECT_EQ("123 423", rows());

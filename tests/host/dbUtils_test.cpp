@@ -372,13 +372,20 @@ TEST_F(StatementTest, TheExistenceQueryCountsRows) {
 TEST_F(StatementTest, AMalformedStatementFails) {
     EXPECT_FALSE(run("insert into"));
     EXPECT_NE("", db.lastError());
-    EXPECT_FALSE(db.lastFailureWasConstraint());
+    EXPECT_FALSE(db.lastFailureWasDuplicate());
 }
 
-TEST_F(StatementTest, ADuplicateKeyIsAConstraintFailure) {
+TEST_F(StatementTest, ARowThatATriggerRefusesIsNoDuplicate) {
+    ASSERT_TRUE(run("create trigger picky before insert on t begin select raise(abort, 'no'); end"));
+    EXPECT_FALSE(run("insert into t values(1)"));
+    EXPECT_FALSE(db.lastFailureWasDuplicate());
+    EXPECT_EQ("", rows());
+}
+
+TEST_F(StatementTest, ADuplicateKeyIsToldFromOtherFailures) {
     EXPECT_TRUE(run("insert into t values(1)"));
     EXPECT_FALSE(run("insert into t values(1)"));
-    EXPECT_TRUE(db.lastFailureWasConstraint());
+    EXPECT_TRUE(db.lastFailureWasDuplicate());
     EXPECT_NE("", db.lastError());
     EXPECT_EQ("1", rows());
 }

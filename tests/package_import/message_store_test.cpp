@@ -297,6 +297,9 @@ TEST_F(MessageStore, PassesOverMessagesThatTheTableRefuses) {
     collect(5, {1, 2, 3});
     EXPECT_EQ(0U, transfer_.wtMsgToDB());
     EXPECT_EQ("1 3", idsIn("im_msg_5"));
+    EXPECT_EQ(1, transfer_.report.messagesRefused);
+    EXPECT_EQ(0, transfer_.report.messagesDuplicate);
+    EXPECT_TRUE(reported("message 2"));
 }
 
 TEST_F(MessageStore, PassesOverATableOfAnotherShape) {

@@ -1,0 +1,28 @@
+#include "app/trial.h"
+
+#include "app/printable.h"
+#include "app/ready_account.h"
+
+namespace app {
+
+void addTrialOption(CLI::App& command, bool& trial) {
+    command.add_flag("--dry-run", trial,
+                     "Write nothing, and say what an import would do; it is done on copies of the databases in TMPDIR");
+}
+
+ImportTarget::ImportTarget(const Account& account, dbTrans& transfer, bool trial) : account_(account) {
+    if (!trial) {
+        makeAccountReady(account, transfer.dbKey);
+        return;
+    }
+    tellWhatIsMissing(account, transfer.dbKey);
+    copy_.emplace(account, transfer.dbKey);
+    transfer.rehearsal = &attachments_;
+}
+
+std::string importedInto(const std::string& database, bool trial) {
+    return trial ? "Dry run, nothing was written. An import into " + printable(database) + " would do this:"
+                 : "Imported into " + printable(database);
+}
+
+}  // namespace app

@@ -1,0 +1,26 @@
+// A run that changes no file, and still counts as a real one would.
+#pragma once
+
+#include <map>
+#include <string>
+
+namespace tools {
+
+/// What copies, moves and new folders would have changed. Names are full paths.
+class Rehearsal {
+public:
+    void appear(const std::string& path) { changed_[path] = true; }
+    void vanish(const std::string& path) { changed_[path] = false; }
+    bool hasAppeared(const std::string& path) const { return isChanged(path, true); }
+    bool hasVanished(const std::string& path) const { return isChanged(path, false); }
+
+private:
+    bool isChanged(const std::string& path, bool there) const {
+        const auto found = changed_.find(path);
+        return found != changed_.end() && found->second == there;
+    }
+
+    std::map<std::string, bool> changed_;  // and whether it would be there now
+};
+
+}  // namespace tools
