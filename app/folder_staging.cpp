@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 #include <utility>
@@ -69,9 +68,7 @@ void FolderStaging::refuseTakenTarget() const {
 }
 
 void FolderStaging::failOn(const std::string& path, const std::string& subject, const std::string& predicate) const {
-    const std::string reason = systemWords(errno);
-    throw Failure({0, subject + " " + thing_.name + " " + predicate, path, reason,
-                   "check that the place can be written to and is not full"});
+    failToWrite(path, subject + " " + thing_.name + " " + predicate);
 }
 
 void refuseTargetInside(const std::string& from, const std::string& target) {

@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 
@@ -28,10 +27,6 @@ FileHandle openFolder(const std::string& path) {
     return FileHandle(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
-[[noreturn]] void failOn(const std::string& path, const std::string& what) {
-    throw Failure({0, what, path, systemWords(errno), "check that the place can be written to and is not full"});
-}
-
 bool flush(const std::string& folder) {
     const FileHandle handle = openFolder(folder);
     return handle.valid() && fsync(handle.get()) == 0;
@@ -40,10 +35,10 @@ bool flush(const std::string& folder) {
 void flushFolders(const std::string& root) {
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root)) {
         if (entry.is_directory() && !entry.is_symlink() && !flush(entry.path().string())) {
-            failOn(entry.path().string(), "The package could not be flushed to the disk");
+            failToWrite(entry.path().string(), "The package could not be flushed to the disk");
         }
     }
-    if (!flush(root)) failOn(root, "The package could not be flushed to the disk");
+    if (!flush(root)) failToWrite(root, "The package could not be flushed to the disk");
 }
 
 }  // namespace
@@ -52,17 +47,17 @@ StagingFolder::StagingFolder(const std::string& target)
     : target_(resolvedPath(target).string()),
       package_((fs::path(target_) / kPackageName).string()),
       path_((fs::path(target_) / kStagingName).string()) {
-    if (tools::createDir(target_.c_str()) != 0) failOn(target_, "The folder for the package cannot be made");
+    if (tools::createDir(target_.c_str()) != 0) failToWrite(target_, "The folder for the package cannot be made");
     refuseExistingPackage();
     lock_ = openFolder(target_);
-    if (!lock_.valid()) failOn(target_, "The folder for the package cannot be opened");
+    if (!lock_.valid()) failToWrite(target_, "The folder for the package cannot be opened");
     // The lock ends with the process, however that ends: what is found under the staging name then is a leftover.
     if (flock(lock_.get(), LOCK_EX | LOCK_NB) != 0) {
         throw Failure(
             {0, "Another export into this folder is at work", target_, "", "wait for it, or choose another --to"});
     }
     tools::del_dir(path_.c_str());
-    if (mkdir(path_.c_str(), kOwnerOnly) != 0) failOn(target_, "The folder for the package cannot be written to");
+    if (mkdir(path_.c_str(), kOwnerOnly) != 0) failToWrite(target_, "The folder for the package cannot be written to");
 }
 
 StagingFolder::~StagingFolder() {
@@ -70,15 +65,15 @@ StagingFolder::~StagingFolder() {
 }
 
 void StagingFolder::enter() const {
-    if (chdir(path_.c_str()) != 0) failOn(path_, "The folder for the package cannot be entered");
+    if (chdir(path_.c_str()) != 0) failToWrite(path_, "The folder for the package cannot be entered");
 }
 
 void StagingFolder::publish() {
     const std::string built = path_ + "/" + kPackageName;
     flushFolders(built);
     refuseExistingPackage();
-    if (std::rename(built.c_str(), package_.c_str()) != 0) failOn(package_, "The package could not get its name");
-    if (fsync(lock_.get()) != 0) failOn(target_, "The package could not be flushed to the disk");
+    if (std::rename(built.c_str(), package_.c_str()) != 0) failToWrite(package_, "The package could not get its name");
+    if (fsync(lock_.get()) != 0) failToWrite(target_, "The package could not be flushed to the disk");
 }
 
 void StagingFolder::refuseExistingPackage() const {
