@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <optional>
 
+#include "app/key_source.h"
 #include "host/file_handle.h"
 #include "host/tools.h"
 #include "transfer/error_codes.h"
@@ -74,26 +75,24 @@ FileLook lookOf(const Beginning& beginning) {
 }
 
 struct Advice {
-    const char* reason;
-    const char* remedy;
+    std::string reason;
+    std::string remedy;
 };
 
-constexpr Advice kMissing{"there is no such file",
-                          "give with --account the folder that holds db/imsg.db and db/backimsg.db"};
-constexpr Advice kNotPermitted{"it may not be read", "check that it is a file, and its permissions"};
-constexpr Advice kLocked{"another program holds it", "close the client, then run this again"};
-constexpr Advice kForeign{"it is no database", "check --account; put the right file in its place, or a copy of it"};
-constexpr Advice kKeyForPlain{"it is not encrypted, but a key was given",
-                              "leave out --key-file and --ask-key, and unset CHAT_TRANSFER_KEY"};
-constexpr Advice kKeyMissing{"it is encrypted, and no key was given",
-                             "give the key with --key-file FILE, in CHAT_TRANSFER_KEY or with --ask-key"};
-constexpr Advice kKeyWrong{"the key does not fit, or the beginning of the file is damaged", "check the key"};
-constexpr Advice kNewer{"a newer version of the database engine wrote it", "use a newer version of chat-transfer"};
-constexpr Advice kNotWritable{"it, or the folder that it is in, may not be written to",
-                              "check the permissions of both"};
-constexpr Advice kNoRoom{"", "check that the disk is not full"};  // the reason is the database's own
-constexpr Advice kDamaged{"it is damaged",
-                          "put a copy in its place; \"sqlite3 FILE .recover\" saves what can still be read"};
+const Advice kMissing{"there is no such file",
+                      "give with --account the folder that holds db/imsg.db and db/backimsg.db"};
+const Advice kNotPermitted{"it may not be read", "check that it is a file, and its permissions"};
+const Advice kLocked{"another program holds it", "close the client, then run this again"};
+const Advice kForeign{"it is no database", "check --account; put the right file in its place, or a copy of it"};
+const Advice kKeyForPlain{"it is not encrypted, but a key was given",
+                          "leave out --key-file and --ask-key, and unset CHAT_TRANSFER_KEY"};
+const Advice kKeyMissing{"it is encrypted, and no key was given", std::string("give the key with ") + kWaysToGiveAKey};
+const Advice kKeyWrong{"the key does not fit, or the beginning of the file is damaged", "check the key"};
+const Advice kNewer{"a newer version of the database engine wrote it", "use a newer version of chat-transfer"};
+const Advice kNotWritable{"it, or the folder that it is in, may not be written to", "check the permissions of both"};
+const Advice kNoRoom{"", "check that the disk is not full"};  // the reason is the database's own
+const Advice kDamaged{"it is damaged",
+                      "put a copy in its place; \"sqlite3 FILE .recover\" saves what can still be read"};
 
 std::optional<Advice> adviceForClosed(const imsdk::dbUtils& db, const std::string& path, bool withKey) {
     const Beginning beginning = beginningOf(path);
@@ -151,7 +150,7 @@ void requireWritable(imsdk::dbUtils& db, const std::string& path) {
     db.endTransaction();
     if (!advice) return;
     throw Failure({transfer::kDatabaseFailed, "The database cannot be written to; nothing was changed", path,
-                   *advice->reason != '\0' ? advice->reason : error, advice->remedy});
+                   !advice->reason.empty() ? advice->reason : error, advice->remedy});
 }
 
 }  // namespace app

@@ -155,7 +155,7 @@ SecretText requireKey(const KeyOptions& options, const std::string& folder, KeyP
     if (!key.empty()) return key;
     if (canAskForKey()) return askForKey(purpose);
     throw Failure({0, "A key is needed: the files of a tree are always encrypted", "", "no key was given",
-                   "give it with --key-file FILE, in CHAT_TRANSFER_KEY or with --ask-key"});
+                   std::string("give it with ") + kWaysToGiveAKey});
 }
 
 }  // namespace app
