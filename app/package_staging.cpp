@@ -1,4 +1,4 @@
-#include "app/staging_folder.h"
+#include "app/package_staging.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -42,17 +42,17 @@ std::string requireFree(std::string package) {
 
 }  // namespace
 
-StagingFolder::StagingFolder(const std::string& target)
+PackageStaging::PackageStaging(const std::string& target)
     : target_(resolvedPath(target).string()),
       package_(requireFree((fs::path(target_) / kPackageName).string())),
       hidden_(target_, kStagingName, "package",
               {0, "Another export into this folder is at work", target_, "", "wait for it, or choose another --to"}) {}
 
-void StagingFolder::enter() const {
+void PackageStaging::enter() const {
     if (chdir(hidden_.path().c_str()) != 0) failToWrite(hidden_.path(), "The folder for the package cannot be entered");
 }
 
-void StagingFolder::publish() {
+void PackageStaging::publish() {
     const std::string built = hidden_.path() + "/" + kPackageName;
     flushFolders(built);
     requireFree(package_);

@@ -9,11 +9,11 @@ namespace app {
 
 /// A hidden folder inside the folder that is to hold the package. The package moves to its final name only when it is
 /// whole and on the disk.
-class StagingFolder {
+class PackageStaging {
 public:
     /// Makes `target` where it is missing. Throws Failure when the target holds a package already, cannot be written
     /// to, or is in use by another export.
-    explicit StagingFolder(const std::string& target);
+    explicit PackageStaging(const std::string& target);
 
     /// Makes this the working directory: paths of the transfer below it stay short, however long the target's path is.
     void enter() const;
