@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "tests/support/json_text.h"
+
 namespace test {
 namespace {
 
@@ -23,20 +25,6 @@ std::string joined(const std::vector<std::string>& parts) {
 }
 
 }  // namespace
-
-std::string quoted(const std::string& text) {
-    std::string result = "\"";
-    for (const char c : text) {
-        constexpr const char* kDigits = "0123456789abcdef";
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x20) {
-            result += std::string(R"(\u00)") + kDigits[byte / 16] + kDigits[byte % 16];
-        } else {
-            result += (c == '"' || c == '\\' ? R"(\)" : "") + std::string(1, c);
-        }
-    }
-    return result + "\"";
-}
 
 std::string fileBody(const std::string& mediaUrl, const std::string& fileName) {
     return R"({"mediaUrl": )" + quoted(mediaUrl) + R"(, "fileName": )" + quoted(fileName) + "}";

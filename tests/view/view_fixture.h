@@ -19,9 +19,6 @@ struct Said {
     long long id = 1;
 };
 
-/// `text` as a JSON string. Bytes that are no UTF-8 go through as they are.
-std::string quoted(const std::string& text);
-
 /// The body of a message that names files.
 std::string fileBody(const std::string& mediaUrl, const std::string& fileName);
 std::string pictureBody(const std::string& mediaUrl, const std::string& thumbUrl);

@@ -1,4 +1,5 @@
 // Pages of a tree: plain, decrypted, and encrypted with its key.
+#include "tests/support/json_text.h"
 #include "tests/view/view_fixture.h"
 
 namespace test {
