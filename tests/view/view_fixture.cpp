@@ -74,6 +74,21 @@ std::vector<std::string> ViewTest::filesEnding(const std::string& ending) const 
     return names;
 }
 
+std::string ViewTest::allPages() const {
+    std::string text;
+    for (const std::string& name : filesEnding(".html"))
+        text += page(name);
+    return text;
+}
+
+void ViewTest::expectWholeSample(const Outcome& run) const {
+    EXPECT_EXIT_CODE(0, run);
+    EXPECT_EQ("300", rowOf(run.out, "Messages"));
+    EXPECT_EQ("4", rowOf(run.out, "Conversations"));
+    EXPECT_EQ("0", rowOf(run.out, "Attachments missing"));
+    EXPECT_EQ(300U, countOf(R"(<li id="m)", allPages()));
+}
+
 std::size_t countOf(const std::string& part, const std::string& text) {
     std::size_t count = 0;
     for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size()))
