@@ -6,9 +6,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <filesystem>
+#include <optional>
 
+#include "app/key_source.h"
 #include "host/file_handle.h"
 #include "host/tools.h"
 #include "transfer/error_codes.h"
@@ -29,14 +30,16 @@ using Header = std::array<unsigned char, kHeaderSize>;
 
 // The beginning of a file; what lies behind its end reads as zeros.
 struct Beginning {
+    bool exists = false;
     bool readable = false;
     off_t size = 0;
     Header header{};
 };
 
 Beginning beginningOf(const std::string& path) {
-    const tools::detail::FileHandle file = tools::detail::openRegularFile(AT_FDCWD, path.c_str(), true);
     Beginning beginning;
+    beginning.exists = tools::fileExist(path.c_str());
+    const tools::detail::FileHandle file = tools::detail::openRegularFile(AT_FDCWD, path.c_str(), true);
     struct stat status {};
     if (!file.valid() || fstat(file.get(), &status) != 0) return beginning;
     beginning.size = status.st_size;
@@ -62,35 +65,48 @@ bool isNewer(const Header& header) {
            header[kSchemaFormat] > kNewestSchemaFormat;
 }
 
+FileLook lookOf(const Beginning& beginning) {
+    if (!beginning.exists) return FileLook::missing;
+    if (!beginning.readable) return FileLook::unreadable;
+    if (beginning.size == 0) return FileLook::empty;
+    if (isPlain(beginning.header)) return FileLook::plain;
+    const bool wholePages = beginning.size % kSmallestPage == 0;
+    return wholePages && !isText(beginning.header) ? FileLook::encrypted : FileLook::foreign;
+}
+
 struct Advice {
-    const char* reason;
-    const char* remedy;
+    std::string reason;
+    std::string remedy;
 };
 
-constexpr Advice kMissing{"there is no such file",
-                          "give with --account the folder that holds db/imsg.db and db/backimsg.db"};
-constexpr Advice kNotPermitted{"it may not be read", "check that it is a file, and its permissions"};
-constexpr Advice kLocked{"another program holds it", "close the client, then run this again"};
-constexpr Advice kForeign{"it is no database", "check --account; put the right file in its place, or a copy of it"};
-constexpr Advice kKeyForPlain{"it is not encrypted, but a key was given",
-                              "leave out --key-file and --ask-key, and unset CHAT_TRANSFER_KEY"};
-constexpr Advice kKeyMissing{"it is encrypted, and no key was given",
-                             "give the key with --key-file FILE, in CHAT_TRANSFER_KEY or with --ask-key"};
-constexpr Advice kKeyWrong{"the key does not fit, or the beginning of the file is damaged", "check the key"};
-constexpr Advice kNewer{"a newer version of the database engine wrote it", "use a newer version of chat-transfer"};
-constexpr Advice kDamaged{"it is damaged",
-                          "put a copy in its place; \"sqlite3 FILE .recover\" saves what can still be read"};
+const Advice kMissing{"there is no such file",
+                      "give with --account the folder that holds db/imsg.db and db/backimsg.db"};
+const Advice kNotPermitted{"it may not be read", "check that it is a file, and its permissions"};
+const Advice kLocked{"another program holds it", "close the client, then run this again"};
+const Advice kForeign{"it is no database", "check --account; put the right file in its place, or a copy of it"};
+const Advice kKeyForPlain{"it is not encrypted, but a key was given",
+                          "leave out --key-file and --ask-key, and unset CHAT_TRANSFER_KEY"};
+const Advice kKeyMissing{"it is encrypted, and no key was given", std::string("give the key with ") + kWaysToGiveAKey};
+const Advice kKeyWrong{"the key does not fit, or the beginning of the file is damaged", "check the key"};
+const Advice kNewer{"a newer version of the database engine wrote it", "use a newer version of chat-transfer"};
+const Advice kNotWritable{"it, or the folder that it is in, may not be written to", "check the permissions of both"};
+const Advice kNoRoom{"", "check that the disk is not full"};  // the reason is the database's own
+const Advice kDamaged{"it is damaged",
+                      "put a copy in its place; \"sqlite3 FILE .recover\" saves what can still be read"};
 
-const Advice* adviceFor(const imsdk::dbUtils& db, const std::string& path, bool withKey) {
-    const FileLook look = lookAt(path);
-    if (look == FileLook::missing) return &kMissing;
-    if (look == FileLook::unreadable) return &kNotPermitted;
-    if (db.openFailure() == imsdk::OpenFailure::locked) return &kLocked;
-    if (look == FileLook::foreign) return &kForeign;
-    if (look == FileLook::encrypted) return withKey ? &kKeyWrong : &kKeyMissing;
-    if (look == FileLook::plain && withKey) return &kKeyForPlain;
-    if (look == FileLook::plain && isNewer(beginningOf(path).header)) return &kNewer;
-    return look == FileLook::plain && db.openFailure() != imsdk::OpenFailure::other ? &kDamaged : nullptr;
+std::optional<Advice> adviceForClosed(const imsdk::dbUtils& db, const std::string& path, bool withKey) {
+    const Beginning beginning = beginningOf(path);
+    const FileLook look = lookOf(beginning);
+    if (look == FileLook::missing) return kMissing;
+    if (look == FileLook::unreadable) return kNotPermitted;
+    if (db.openFailure() == imsdk::OpenFailure::locked) return kLocked;
+    if (look == FileLook::foreign) return kForeign;
+    if (look == FileLook::encrypted) return withKey ? kKeyWrong : kKeyMissing;
+    if (look != FileLook::plain) return std::nullopt;
+    if (withKey) return kKeyForPlain;
+    if (isNewer(beginning.header)) return kNewer;
+    if (db.openFailure() != imsdk::OpenFailure::other) return kDamaged;
+    return std::nullopt;
 }
 
 // With the rights that this process acts with.
@@ -102,28 +118,25 @@ bool mayWriteIn(const std::string& path) {
     return mayWrite(std::filesystem::path(path).parent_path().string());
 }
 
-Advice adviceForUnwritable(const imsdk::dbUtils& db, const std::string& path) {
-    if (!mayWrite(path) || !mayWriteIn(path))
-        return {"it, or the folder that it is in, may not be written to", "check the permissions of both"};
-    if (isNewer(beginningOf(path).header)) return kNewer;
-    return db.lastFailureWasLock() ? kLocked : Advice{"", "check that the disk is not full"};
+// `refused`: whether the database has just refused the write lock. None when the database can be written to.
+std::optional<Advice> adviceForUnwritable(const imsdk::dbUtils& db, const std::string& path, bool refused) {
+    const bool newer = isNewer(beginningOf(path).header);
+    const bool mayAddJournal = mayWriteIn(path);
+    if (!refused && mayAddJournal && !newer) return std::nullopt;
+    if (!mayWrite(path) || !mayAddJournal) return kNotWritable;
+    if (newer) return kNewer;
+    return db.lastFailureWasLock() ? kLocked : kNoRoom;
 }
 
 }  // namespace
 
 FileLook lookAt(const std::string& databasePath) {
-    if (!tools::fileExist(databasePath.c_str())) return FileLook::missing;
-    const Beginning beginning = beginningOf(databasePath);
-    if (!beginning.readable) return FileLook::unreadable;
-    if (beginning.size == 0) return FileLook::empty;
-    if (isPlain(beginning.header)) return FileLook::plain;
-    const bool wholePages = beginning.size % kSmallestPage == 0;
-    return wholePages && !isText(beginning.header) ? FileLook::encrypted : FileLook::foreign;
+    return lookOf(beginningOf(databasePath));
 }
 
 FailureWords wordsForClosed(const imsdk::dbUtils& db, const std::string& path, bool withKey) {
     FailureWords words{transfer::kDatabaseFailed, "The database does not open", path, db.lastError(), ""};
-    if (const Advice* advice = adviceFor(db, path, withKey)) {
+    if (const auto advice = adviceForClosed(db, path, withKey)) {
         words.reason = advice->reason;
         words.remedy = advice->remedy;
     }
@@ -132,13 +145,12 @@ FailureWords wordsForClosed(const imsdk::dbUtils& db, const std::string& path, b
 
 void requireWritable(imsdk::dbUtils& db, const std::string& path) {
     db.beginTransaction();
-    const bool refused = db.transactionFailed();
     const std::string error = db.lastError();
-    const Advice advice = adviceForUnwritable(db, path);
+    const auto advice = adviceForUnwritable(db, path, db.transactionFailed());
     db.endTransaction();
-    if (!refused && mayWriteIn(path) && !isNewer(beginningOf(path).header)) return;
+    if (!advice) return;
     throw Failure({transfer::kDatabaseFailed, "The database cannot be written to; nothing was changed", path,
-                   *advice.reason != '\0' ? advice.reason : error, advice.remedy});
+                   !advice->reason.empty() ? advice->reason : error, advice->remedy});
 }
 
 }  // namespace app

@@ -12,10 +12,10 @@
 #include "app/failure.h"
 #include "app/interruption.h"
 #include "app/left_out.h"
+#include "app/package_staging.h"
 #include "app/paths.h"
 #include "app/printable.h"
 #include "app/progress_bar.h"
-#include "app/staging_folder.h"
 #include "app/transfer_rows.h"
 #include "app/units.h"
 #include "transfer/dbTrans.h"
@@ -110,7 +110,7 @@ int runExport(const ExportOptions& options, RunReport& run) {
     openDatabase(transfer, account, Database::main);
     if (layout == Layout::days) openDatabase(transfer, account, Database::back);
     const InterruptsMark interrupts;
-    StagingFolder staging(options.to);
+    PackageStaging staging(options.to);
     staging.enter();
 
     ProgressBar progress(run.phases,

@@ -6,8 +6,8 @@
 #include <set>
 
 #include "app/failure.h"
+#include "app/paths.h"
 #include "app/units.h"
-#include "host/tools.h"
 #include "transfer/attachment_body.h"
 
 namespace app {
@@ -26,8 +26,7 @@ unsigned long long sizeOf(const imsdk::st_dbMessageBean& message) {
 void addFiles(const std::vector<std::string>& paths, const std::string& folder, ExportSize& size) {
     std::set<std::string> names;
     for (const std::string& path : paths) {
-        std::string name;
-        tools::getNameFromPath(path, name);
+        const std::string name = lastComponent(path);
         struct stat status {};
         const bool isNew = names.insert(name).second;
         if (!isNew || lstat((folder + name).c_str(), &status) != 0 || !S_ISREG(status.st_mode)) continue;

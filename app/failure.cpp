@@ -1,5 +1,6 @@
 #include "app/failure.h"
 
+#include <cerrno>
 #include <iostream>
 #include <system_error>
 
@@ -34,6 +35,10 @@ void warn(const std::string& text) {
 
 std::string systemWords(int error) {
     return std::generic_category().message(error);
+}
+
+void failToWrite(const std::string& path, const std::string& what) {
+    throw Failure({0, what, path, systemWords(errno), kCheckThePlace});
 }
 
 }  // namespace app

@@ -37,4 +37,10 @@ void warn(const std::string& text);
 /// The system's words for an errno value.
 std::string systemWords(int error);
 
+/// What to do where something cannot be written.
+inline constexpr const char* kCheckThePlace = "check that the place can be written to and is not full";
+
+/// Throws Failure for what cannot be made or written at `path`. The reason is in errno.
+[[noreturn]] void failToWrite(const std::string& path, const std::string& what);
+
 }  // namespace app

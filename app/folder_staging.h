@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "host/file_handle.h"
+#include "app/hidden_folder.h"
 
 namespace app {
 
@@ -22,18 +22,12 @@ struct StagedThing {
 
 inline constexpr StagedThing kStagedTree{"tree", ".chat-transfer-tree.part", TargetBefore::nothing};
 
-/// A hidden folder beside the final one. It is renamed only when everything is whole and on the disk; a crash leaves
-/// the hidden folder at most, and the next command with a target in the same place removes it.
+/// A hidden folder beside the final one. It is renamed only when everything is whole and on the disk.
 class FolderStaging {
 public:
     /// `target` is absolute. Makes the folder that is to hold it where that is missing. Throws Failure when there is
     /// something at the target already, when it cannot be made, or when another command is building in the same place.
     FolderStaging(std::string target, const StagedThing& thing);
-    ~FolderStaging();
-    FolderStaging(const FolderStaging&) = delete;
-    FolderStaging& operator=(const FolderStaging&) = delete;
-    FolderStaging(FolderStaging&&) = delete;
-    FolderStaging& operator=(FolderStaging&&) = delete;
 
     /// The hidden folder, ending in "/".
     const std::string& folder() const { return folder_; }
@@ -43,14 +37,10 @@ public:
     void publish();
 
 private:
-    void refuseTakenTarget() const;
-    [[noreturn]] void failOn(const std::string& path, const std::string& subject, const std::string& predicate) const;
-
     StagedThing thing_;
     std::string target_;
-    std::string parent_;
+    HiddenFolder hidden_;
     std::string folder_;
-    tools::detail::FileHandle lock_;
 };
 
 /// Throws Failure when `target` lies in `from`: the source must stay as it is.

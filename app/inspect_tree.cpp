@@ -6,6 +6,7 @@
 #include "app/command.h"
 #include "app/conversation_table.h"
 #include "app/json_texts.h"
+#include "app/key_source.h"
 #include "app/package_summary.h"
 #include "app/paths.h"
 #include "app/printable.h"
@@ -93,8 +94,8 @@ void printUnreadable(const TreeFacts& facts) {
         std::cout << "  " << printable(file.what) << ": " << printable(file.reason) << '\n';
     if (facts.locked == 0) return;
     std::cout << "\n"
-              << counted(facts.locked, "file is", "files are")
-              << " encrypted: give the key with --key-file FILE, in CHAT_TRANSFER_KEY or with --ask-key.\n";
+              << counted(facts.locked, "file is", "files are") << " encrypted: give the key with " << kWaysToGiveAKey
+              << ".\n";
 }
 
 void addFiles(JSON_Object* object, const TreeFacts& facts) {

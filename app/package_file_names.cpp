@@ -1,16 +1,10 @@
 #include "app/package_file_names.h"
 
-#include "host/tools.h"
+#include "app/paths.h"
 #include "transfer/attachment_body.h"
 
 namespace app {
 namespace {
-
-std::string lastComponent(const std::string& path) {
-    std::string name;
-    tools::getNameFromPath(path, name);
-    return name;
-}
 
 AttachmentFile imageAt(const std::string& path, AttachmentRole role) {
     return {path, transfer::kImageFolder, lastComponent(path), lastComponent(path), role};

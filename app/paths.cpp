@@ -2,7 +2,15 @@
 
 #include <system_error>
 
+#include "host/tools.h"
+
 namespace app {
+
+std::string lastComponent(const std::string& path) {
+    std::string name;
+    tools::getNameFromPath(path, name);
+    return name;
+}
 
 unsigned long long sizeOfFolder(const std::string& folder) {
     unsigned long long bytes = 0;

@@ -1,4 +1,4 @@
-// Paths as people give them.
+// Paths, and what lies at them.
 #pragma once
 
 #include <filesystem>
@@ -12,6 +12,9 @@ inline std::filesystem::path resolvedPath(const std::string& given) {
     const std::filesystem::path path = std::filesystem::weakly_canonical(std::filesystem::absolute(given));
     return path.has_filename() || !path.has_relative_path() ? path : path.parent_path();
 }
+
+/// What stands behind the last "/" of the path: all of it when there is none, nothing when it ends in one.
+std::string lastComponent(const std::string& path);
 
 /// The bytes of all regular files below `folder`; what cannot be read counts for nothing.
 unsigned long long sizeOfFolder(const std::string& folder);

@@ -1,36 +1,14 @@
 #include "app/printable.h"
 
+#include "app/characters.h"
 #include "host/fixed_text.h"
 #include "host/utf8.h"
 
 namespace app {
 namespace {
 
-struct Character {
-    char32_t code;
-    std::size_t length;
-};
-
-std::size_t lengthOfSequence(unsigned char first) {
-    if (first < 0x80) return 1;
-    if (first < 0xE0) return 2;
-    return first < 0xF0 ? 3 : 4;
-}
-
-// `text` is well-formed and not empty.
-Character firstCharacter(std::string_view text) {
-    const auto first = static_cast<unsigned char>(text.front());
-    const std::size_t length = lengthOfSequence(first);
-    char32_t code = length == 1 ? first : first & (0xFFU >> (length + 1));
-    for (std::size_t i = 1; i < length; ++i)
-        code = (code << 6) | (static_cast<unsigned char>(text[i]) & 0x3FU);
-    return {code, length};
-}
-
 bool isHarmless(char32_t code) {
-    if (code < 0x20 || (code >= 0x7F && code < 0xA0)) return false;
-    // Line and paragraph separators; embeddings, overrides and isolates of the reading direction.
-    return !(code >= 0x2028 && code <= 0x202E) && !(code >= 0x2066 && code <= 0x2069);
+    return !isControl(code) && !isSecondControl(code) && !isLineSeparator(code) && !changesDirection(code);
 }
 
 std::string spelledOut(char32_t code) {
@@ -44,13 +22,12 @@ std::string filtered(std::string_view text, IsKept isKept) {
     const std::string wellFormed = tools::toWellFormedUtf8(text);
     std::string result;
     for (std::string_view rest = wellFormed; !rest.empty();) {
-        const Character character = firstCharacter(rest);
+        const Character character = nextCharacter(rest);
         if (isKept(character.code)) {
-            result += rest.substr(0, character.length);
+            result += character.bytes;
         } else {
             result += spelledOut(character.code);
         }
-        rest.remove_prefix(character.length);
     }
     return result;
 }
@@ -66,13 +43,7 @@ std::string printableLines(std::string_view text) {
 }
 
 std::string shortened(std::string_view text, std::size_t most) {
-    std::string safe = printable(text);
-    std::string_view rest = safe;
-    for (std::size_t count = 0; !rest.empty(); ++count) {
-        if (count == most) return safe.substr(0, safe.size() - rest.size()) + "...";
-        rest.remove_prefix(firstCharacter(rest).length);
-    }
-    return safe;
+    return cutShort(printable(text), most, "...");
 }
 
 }  // namespace app

@@ -21,8 +21,7 @@ namespace {
 
 }  // namespace
 
-RehearsalAccount::RehearsalAccount(const Account& real, const std::string& key)
-: copy_(folder_.path()) {
+RehearsalAccount::RehearsalAccount(const Account& real, const std::string& key) : copy_(folder_.path()) {
     linkFolders(real);
     makeMissingParts(copy_, key);
     const std::vector<std::string> copies = copy_.databases();
@@ -42,8 +41,7 @@ void RehearsalAccount::copyDatabase(const std::string& from, const std::string& 
 
 // Attachments are only looked at in a trial.
 void RehearsalAccount::linkFolders(const Account& real) const {
-    for (const char* folder :
-         {transfer::kAudioFolder, transfer::kImageFolder, transfer::kFileFolder, kVideoFolder}) {
+    for (const char* folder : {transfer::kAudioFolder, transfer::kImageFolder, transfer::kFileFolder, kVideoFolder}) {
         std::string name = folder;
         name.pop_back();  // its "/"
         std::error_code ignored;

@@ -17,8 +17,9 @@ namespace {
 namespace fs = std::filesystem;
 
 [[noreturn]] void failToCopy(const std::string& path, const std::error_code& error) {
-    throw Failure({0, "The tree cannot be copied for the trial", path, error.message(),
-                   "the trial needs as much room as the tree without its attachments: set TMPDIR to a folder with more"});
+    throw Failure(
+        {0, "The tree cannot be copied for the trial", path, error.message(),
+         "the trial needs as much room as the tree without its attachments: set TMPDIR to a folder with more"});
 }
 
 // Wherever it is: an import also opens what lies among the attachments under such a name.
@@ -38,7 +39,8 @@ RehearsalTree::RehearsalTree(TreePlace real, const std::string& user) : real_(st
     for (const TreeEntry& entry : listing.entries) {
         if (!isOfImport(entry.name)) continue;
         if (entry.kind == TreeEntryKind::file) copyFile(entry.name);
-        if (entry.kind == TreeEntryKind::other) notCopied_.push_back({real_.root + "/" + entry.name, "is no regular file"});
+        if (entry.kind == TreeEntryKind::other)
+            notCopied_.push_back({real_.root + "/" + entry.name, "is no regular file"});
     }
 }
 

@@ -8,8 +8,8 @@
 
 namespace app {
 
-/// Begun before the command does anything, so that a report that cannot be written is known before there is something to
-/// report. For its owner only: it names paths and conversations.
+/// Begun before the command does anything, so that a report that cannot be written is known before there is something
+/// to report. For its owner only: it names paths and conversations.
 class ReportFile {
 public:
     /// `given` is a new name or that of an earlier report, which is replaced; nothing else is. Throws Failure.

@@ -15,8 +15,6 @@
 namespace app {
 namespace {
 
-constexpr const char* kDiskRemedy = "check that the place can be written to and is not full";
-
 class Conversion {
 public:
     Conversion(CipherDirection direction, const std::string& from, const std::string& to, const std::string& key,
@@ -71,14 +69,14 @@ private:
 
     void makeFolder(const std::string& name) const {
         if (tools::createConfinedDir(to_, name) == 0) return;
-        throw Failure({0, "A folder cannot be made", to_ + name, "", kDiskRemedy});
+        throw Failure({0, "A folder cannot be made", to_ + name, "", kCheckThePlace});
     }
 
     void copy(const std::string& name, const std::string& target) const {
         const tools::FileOutcome outcome = tools::copyConfined(from_, name, to_, target, tools::Flush::later);
         if (outcome == tools::FileOutcome::done) return;
         throw Failure({0, "A file cannot be copied", from_ + name, "",
-                       std::string("check that you may read it; ") + kDiskRemedy});
+                       std::string("check that you may read it; ") + kCheckThePlace});
     }
 
     void encrypt(const std::string& name, const std::string& target) {
@@ -87,7 +85,7 @@ private:
                            "give a plain tree; chat-transfer decrypt-tree makes one"});
         }
         const std::string error = runCipher(name, target);
-        if (!error.empty()) throw Failure({0, "A file cannot be encrypted", from_ + name, error, kDiskRemedy});
+        if (!error.empty()) throw Failure({0, "A file cannot be encrypted", from_ + name, error, kCheckThePlace});
         ++counts_.converted;
     }
 
@@ -96,7 +94,7 @@ private:
         if (error.empty()) {
             ++counts_.converted;
         } else if (error.compare(0, kCannotWrite.size(), kCannotWrite) == 0) {
-            throw Failure({0, "A decrypted file cannot be written", to_ + name, error, kDiskRemedy});
+            throw Failure({0, "A decrypted file cannot be written", to_ + name, error, kCheckThePlace});
         } else {
             lose(name, "cannot be decrypted: " + error);
         }
@@ -157,7 +155,7 @@ SecretText requireKey(const KeyOptions& options, const std::string& folder, KeyP
     if (!key.empty()) return key;
     if (canAskForKey()) return askForKey(purpose);
     throw Failure({0, "A key is needed: the files of a tree are always encrypted", "", "no key was given",
-                   "give it with --key-file FILE, in CHAT_TRANSFER_KEY or with --ask-key"});
+                   std::string("give it with ") + kWaysToGiveAKey});
 }
 
 }  // namespace app

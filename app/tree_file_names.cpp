@@ -1,5 +1,6 @@
 #include "app/tree_file_names.h"
 
+#include "app/paths.h"
 #include "host/json_owner.h"
 #include "host/tools.h"
 #include "transfer/attachment_body.h"
@@ -15,8 +16,7 @@ using Visit = std::function<void(AttachmentFile)>;
 void visitByName(const JSON_Object* body, const char* key, const char* folder, const Visit& visit) {
     const char* value = json_object_get_string(body, key);
     if (value == nullptr || *value == '\0') return;
-    std::string name;
-    tools::getNameFromPath(std::string(value), name);
+    const std::string name = lastComponent(value);
     visit({value, folder, name, name});
 }
 

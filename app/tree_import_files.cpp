@@ -6,6 +6,7 @@
 #include <set>
 
 #include "app/failure.h"
+#include "app/key_source.h"
 #include "app/left_out.h"
 #include "app/transfer_rows.h"
 #include "app/tree_files.h"
@@ -41,8 +42,7 @@ void noteUnreadable(const TransferReport& found, std::set<std::string>& named, T
                    "None of the tree's files can be read (" + counted(files.notDecrypted, "file", "files") +
                        "); nothing was made or changed",
                    root, first.what + ": " + first.reason,
-                   "check the key: give the one that the tree was encrypted with, by --key-file FILE, in "
-                   "CHAT_TRANSFER_KEY or with --ask-key"});
+                   std::string("check the key: give the one that the tree was encrypted with, by ") + kWaysToGiveAKey});
 }
 
 void removeUnless(bool doubt, const std::vector<std::string>& paths, const std::set<std::string>& skipped) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "app/failure.h"
+#include "app/key_source.h"
 #include "app/package_file_names.h"
 #include "app/package_files.h"
 #include "app/tree_contact_files.h"
@@ -124,7 +125,7 @@ ViewSource readTreeForView(const TreeSource& tree, const std::string& key) {
     if (facts.locked > 0) {
         throw Failure({0, "The tree is encrypted, and no page was written", tree.root,
                        counted(facts.locked, "file needs", "files need") + " the key, and none was given",
-                       "give it with --key-file FILE, in CHAT_TRANSFER_KEY or with --ask-key"});
+                       std::string("give it with ") + kWaysToGiveAKey});
     }
     if (const TreeContactFile* file = lastListedFile(tree, facts.contactFiles)) maker.addContacts(file->contacts);
     for (const TransferReport::Skipped& file : facts.unreadable)

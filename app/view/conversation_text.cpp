@@ -1,5 +1,6 @@
 #include "app/view/conversation_text.h"
 
+#include "app/view/clock.h"
 #include "app/view/shown_text.h"
 #include "transfer/attachment_body.h"
 #include "transfer/tree_attachments.h"
@@ -44,6 +45,11 @@ bool isOwn(const History& history, const Message& message) {
 
 std::string senderOf(const History& history, const Message& message) {
     return isOwn(history, message) ? "You" : nameOf(history, message.sender);
+}
+
+std::string whenText(const Message& message) {
+    const auto clock = clockOf(message.time);
+    return shortDayText(message.day) + (clock ? " " + clockText(*clock) : "");
 }
 
 std::string textOf(const History& history, const Message& message) {

@@ -1,4 +1,4 @@
-// Names and short texts: who is who, and what a message says in a line.
+// Names and short texts: who is who, and when a message was sent and what it says, in a line.
 #pragma once
 
 #include <string>
@@ -15,6 +15,9 @@ bool isOwn(const History& history, const Message& message);
 
 /// "You", or the sender's name.
 std::string senderOf(const History& history, const Message& message);
+
+/// "2024-06-30 14:05"; the day alone where the time is unknown.
+std::string whenText(const Message& message);
 
 /// What a message says: its text, or for one that carries files what they are, such as "File: plan.pdf". As shownText()
 /// gives it.

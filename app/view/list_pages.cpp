@@ -4,7 +4,6 @@
 #include <set>
 
 #include "app/units.h"
-#include "app/view/clock.h"
 #include "app/view/conversation_pages.h"
 #include "app/view/conversation_text.h"
 #include "app/view/page_frame.h"
@@ -24,11 +23,6 @@ bool isPinned(const History& history, long long id) {
 
 std::string listPageName(std::size_t page) {
     return page == 1 ? "index.html" : "index-" + std::to_string(page) + ".html";
-}
-
-std::string whenText(const Message& message) {
-    const auto clock = clockOf(message.time);
-    return shortDayText(message.day) + (clock ? " " + clockText(*clock) : "");
 }
 
 void addLastMessage(Markup& entry, const History& history, const Message& message, const std::string& place) {

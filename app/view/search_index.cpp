@@ -1,6 +1,5 @@
 #include "app/view/search_index.h"
 
-#include "app/view/clock.h"
 #include "app/view/conversation_text.h"
 #include "app/view/page_frame.h"
 #include "app/view/shown_text.h"
@@ -16,11 +15,6 @@ constexpr const char* kFolder = "search/";
 
 std::string partName(std::size_t part) {
     return kFolder + std::to_string(part) + ".js";
-}
-
-std::string whenText(const Message& message) {
-    const auto clock = clockOf(message.time);
-    return shortDayText(message.day) + (clock ? " " + clockText(*clock) : "");
 }
 
 }  // namespace

@@ -65,6 +65,11 @@ ByDay calendarDaysOf(const ByDay& byDay) {
     return days;
 }
 
+// Bars of equal length keep their order.
+void sortLargestFirst(std::vector<Bar>& bars) {
+    std::stable_sort(bars.begin(), bars.end(), [](const Bar& a, const Bar& b) { return a.value > b.value; });
+}
+
 std::vector<Bar> typeBars(const Statistics& statistics) {
     std::map<std::string, long long> byName;
     for (const auto& [type, messages] : statistics.byType)
@@ -73,7 +78,7 @@ std::vector<Bar> typeBars(const Statistics& statistics) {
     bars.reserve(byName.size());
     for (const auto& [name, messages] : byName)
         bars.push_back({name, messages});
-    std::stable_sort(bars.begin(), bars.end(), [](const Bar& a, const Bar& b) { return a.value > b.value; });
+    sortLargestFirst(bars);
     return bars;
 }
 
@@ -82,7 +87,7 @@ std::vector<Bar> conversationBars(const History& history, const Statistics& stat
     bars.reserve(statistics.byConversation.size());
     for (const auto& [id, messages] : statistics.byConversation)
         bars.push_back({nameOf(history, id), messages});
-    std::stable_sort(bars.begin(), bars.end(), [](const Bar& a, const Bar& b) { return a.value > b.value; });
+    sortLargestFirst(bars);
     if (bars.size() <= kMostConversations) return bars;
     Bar others{"All others", 0};
     for (std::size_t i = kMostConversations - 1; i < bars.size(); ++i)

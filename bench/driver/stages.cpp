@@ -41,6 +41,14 @@ Contender openBy(const Workshop& workshop, const std::string& name, const std::s
             }};
 }
 
+// The copy of a folder by the system: a floor, and what the contenders behind it work on.
+Contender copyOf(const std::string& folder, const std::string& copied) {
+    return {"copy", [folder, copied]() -> Command {
+                fs::remove_all(copied);
+                return {{"cp", "-r", folder, copied}, "", ""};
+            }};
+}
+
 std::string packageOf(const Workshop& workshop, const std::string& account, const std::string& name) {
     std::string package = workshop.freshFolder(name);
     workshop.run(workshop.own("floor-export", {"days", account, package}));
@@ -72,11 +80,7 @@ void raceWalk(Workshop& workshop) {
     const std::string copied = workshop.at("tree-copy");
     // The copy that is measured is the tree that the walk then uses up.
     race("walk",
-         {{"copy",
-           [&tree, &copied]() -> Command {
-               fs::remove_all(copied);
-               return {{"cp", "-r", tree, copied}, "", ""};
-           }},
+         {copyOf(tree, copied),
           {"project",
            [&] {
                return workshop.own("transfer-bench", {"walk", workshop.freshAccount("a"), copied});
@@ -197,11 +201,7 @@ void raceTreeImport(Workshop& workshop) {
         return workshop.own("transfer-bench", with({operation, workshop.freshAccount(into), copied}, more));
     };
     race("tree-import",
-         {{"copy",
-           [&tree, &copied]() -> Command {
-               fs::remove_all(copied);
-               return {{"cp", "-r", tree, copied}, "", ""};
-           }},
+         {copyOf(tree, copied),
           {"walk", [&] { return onCopy("walk", "a"); }},
           {"read", [&] { return onCopy("read-tree", "a"); }},
           {"insert",
@@ -227,13 +227,7 @@ void raceAttachments(Workshop& workshop) {
         "account", {"--conversations", "10", "--messages", std::to_string(workshop.settings().attachments / 10),
                     "--attachments", "100", "--file-bytes", std::to_string(workshop.settings().fileBytes)});
     const std::string copied = workshop.at("copied");
-    race("attachments",
-         {{"copy",
-           [&]() -> Command {
-               fs::remove_all(copied);
-               return {{"cp", "-r", account + "/file", copied}, "", ""};
-           }},
-          exportBy(workshop, "project", account)},
+    race("attachments", {copyOf(account + "/file", copied), exportBy(workshop, "project", account)},
          workshop.settings().rounds, workshop.results(), [&] {
              requireSameCount(countFiles(copied, ".pdf"), countFiles(workshop.at("out-project"), ".pdf"),
                               "attachments");

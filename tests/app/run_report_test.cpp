@@ -21,7 +21,8 @@ protected:
         const tools::JsonDocument document(json_parse_file(report().c_str()));
         const JSON_Object* object = json_value_get_object(document.get());
         const JSON_Value* value = json_object_dotget_value(object, path.c_str());
-        if (json_value_get_type(value) == JSONNumber) return std::to_string(static_cast<long long>(json_value_get_number(value)));
+        if (json_value_get_type(value) == JSONNumber)
+            return std::to_string(static_cast<long long>(json_value_get_number(value)));
         if (json_value_get_type(value) == JSONBoolean) return json_value_get_boolean(value) == 1 ? "true" : "false";
         const char* text = json_value_get_string(value);
         return text != nullptr ? text : "";
@@ -56,17 +57,17 @@ TEST_F(RunReport, OfAnExportSaysWhatTheTableSays) {
     EXPECT_EQ("0", said("exitCode"));
     EXPECT_EQ("0x00000000", said("resultCode"));
     EXPECT_EQ("false", said("dryRun"));
-    for (const auto& [key, label] : std::vector<std::pair<std::string, std::string>>{
-             {"messages.read", "Messages read"},
-             {"messages.written", "Messages written"},
-             {"conversations.all", "Conversations"},
-             {"days", "Days"},
-             {"files.messages", "Message files"},
-             {"recentContacts.written", "Recent contacts"},
-             {"attachments.referenced", "Attachments referenced"},
-             {"attachments.copied", "Attachments copied"},
-             {"attachments.missing", "Attachments missing"},
-             {"attachments.refused", "Attachments refused"}}) {
+    for (const auto& [key, label] :
+         std::vector<std::pair<std::string, std::string>>{{"messages.read", "Messages read"},
+                                                          {"messages.written", "Messages written"},
+                                                          {"conversations.all", "Conversations"},
+                                                          {"days", "Days"},
+                                                          {"files.messages", "Message files"},
+                                                          {"recentContacts.written", "Recent contacts"},
+                                                          {"attachments.referenced", "Attachments referenced"},
+                                                          {"attachments.copied", "Attachments copied"},
+                                                          {"attachments.missing", "Attachments missing"},
+                                                          {"attachments.refused", "Attachments refused"}}) {
         EXPECT_EQ(rowOf(run.out, label), said("summary." + key)) << key;
     }
     EXPECT_EQ("300", said("summary.messages.read"));
@@ -120,9 +121,9 @@ TEST_F(RunReport, OfAnImportThatFailedHalfwayCountsWhatWasWritten) {
     makePackage("account", "package");
     ASSERT_EXIT_CODE(0, importInto("copy", "package"));
     // The conversations stay, the recent contacts cannot be written any more: their table refuses every row.
-    runSql(mainDatabase("copy"), {"delete from " + biggestTable("copy"),
-                                  "create trigger no_more before insert on " + biggestTable("copy") +
-                                      " begin select raise(abort, 'no'); end"});
+    runSql(mainDatabase("copy"),
+           {"delete from " + biggestTable("copy"), "create trigger no_more before insert on " + biggestTable("copy") +
+                                                       " begin select raise(abort, 'no'); end"});
     const Outcome run = importInto("copy", "package", reported());
     ASSERT_EXIT_CODE(1, run);
     EXPECT_EQ("incomplete", said("outcome"));

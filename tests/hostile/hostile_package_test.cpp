@@ -8,6 +8,7 @@
 #include "tests/hostile/hostile_names.h"
 #include "tests/hostile/hostile_package.h"
 #include "tests/hostile/swapper.h"
+#include "tests/support/json_text.h"
 #include "tests/support/seconds_of.h"
 #include "tests/support/small_stack.h"
 #include "tests/support/soak.h"

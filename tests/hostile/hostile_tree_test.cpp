@@ -7,6 +7,7 @@
 #include "tests/hostile/hostile_names.h"
 #include "tests/hostile/hostile_values.h"
 #include "tests/hostile/swapper.h"
+#include "tests/support/json_text.h"
 #include "tests/support/small_stack.h"
 #include "tests/support/snapshot.h"
 #include "tests/support/soak.h"

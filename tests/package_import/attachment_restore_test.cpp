@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "tests/package_import/import_fixture.h"
+#include "tests/support/json_text.h"
 
 namespace fs = std::filesystem;
 

@@ -6,8 +6,6 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "host/json_text.h"
-
 namespace test {
 
 std::string messageJson(long long conversation, long long id, const std::string& more) {
@@ -29,12 +27,6 @@ std::string contactsJson(const std::string& contacts) {
 
 std::string smallFile(long long conversation, long long id) {
     return fileJson(dayJson(messageJson(conversation, id)));
-}
-
-std::string quoted(const std::string& text) {
-    tools::TextBuffer json;
-    tools::appendJsonString(json, text);
-    return std::string(json.text());
 }
 
 imsdk::st_dbMessageBean messageOf(long long conversation, long long id, const std::string& body) {

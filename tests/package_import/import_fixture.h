@@ -22,8 +22,6 @@ std::string fileJson(const std::string& days);
 std::string contactsJson(const std::string& contacts);
 /// A file of one day with one message.
 std::string smallFile(long long conversation, long long id);
-/// `text` as a JSON string.
-std::string quoted(const std::string& text);
 
 imsdk::st_dbMessageBean messageOf(long long conversation, long long id, const std::string& body = "");
 imsdk::st_dbReContactBean contactOf(long long targetID, long long time, int top);

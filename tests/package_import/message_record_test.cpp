@@ -2,6 +2,7 @@
 #include <limits>
 
 #include "tests/package_import/import_fixture.h"
+#include "tests/support/json_text.h"
 
 namespace test {
 namespace {

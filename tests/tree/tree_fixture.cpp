@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "host/CAES.h"
+#include "tests/support/json_text.h"
 
 namespace fs = std::filesystem;
 
@@ -44,15 +45,6 @@ std::string messageFile(const std::vector<std::string>& messages, const std::str
 
 std::string recordFile(const std::string& key, const std::vector<std::string>& records, const std::string& version) {
     return R"({"version": )" + quoted(version) + R"(, ")" + key + R"(": )" + joined(records) + "}";
-}
-
-std::string quoted(const std::string& text) {
-    std::string result = R"(")";
-    for (const char c : text) {
-        if (c == '"' || c == '\\') result += '\\';
-        result += c;
-    }
-    return result + R"(")";
 }
 
 TreeTest::TreeTest() {

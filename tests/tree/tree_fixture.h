@@ -27,8 +27,6 @@ std::string messageFile(const std::vector<std::string>& messages, const std::str
 /// {"version": ..., "<key>": [...]}
 std::string recordFile(const std::string& key, const std::vector<std::string>& records,
                        const std::string& version = kVersion);
-/// `text` as a JSON string.
-std::string quoted(const std::string& text);
 
 /// The codes as the operations' int.
 inline constexpr unsigned kDatabaseFailed = 0xff00001f;

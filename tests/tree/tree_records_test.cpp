@@ -2,6 +2,7 @@
 #include <filesystem>
 
 #include "host/tools.h"
+#include "tests/support/json_text.h"
 #include "tests/tree/tree_fixture.h"
 
 namespace fs = std::filesystem;

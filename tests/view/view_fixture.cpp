@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "tests/support/json_text.h"
+
 namespace test {
 namespace {
 
@@ -23,20 +25,6 @@ std::string joined(const std::vector<std::string>& parts) {
 }
 
 }  // namespace
-
-std::string quoted(const std::string& text) {
-    std::string result = "\"";
-    for (const char c : text) {
-        constexpr const char* kDigits = "0123456789abcdef";
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x20) {
-            result += std::string(R"(\u00)") + kDigits[byte / 16] + kDigits[byte % 16];
-        } else {
-            result += (c == '"' || c == '\\' ? R"(\)" : "") + std::string(1, c);
-        }
-    }
-    return result + "\"";
-}
 
 std::string fileBody(const std::string& mediaUrl, const std::string& fileName) {
     return R"({"mediaUrl": )" + quoted(mediaUrl) + R"(, "fileName": )" + quoted(fileName) + "}";
@@ -84,6 +72,21 @@ std::vector<std::string> ViewTest::filesEnding(const std::string& ending) const 
     }
     std::sort(names.begin(), names.end());
     return names;
+}
+
+std::string ViewTest::allPages() const {
+    std::string text;
+    for (const std::string& name : filesEnding(".html"))
+        text += page(name);
+    return text;
+}
+
+void ViewTest::expectWholeSample(const Outcome& run) const {
+    EXPECT_EXIT_CODE(0, run);
+    EXPECT_EQ("300", rowOf(run.out, "Messages"));
+    EXPECT_EQ("4", rowOf(run.out, "Conversations"));
+    EXPECT_EQ("0", rowOf(run.out, "Attachments missing"));
+    EXPECT_EQ(300U, countOf(R"(<li id="m)", allPages()));
 }
 
 std::size_t countOf(const std::string& part, const std::string& text) {

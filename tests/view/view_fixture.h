@@ -19,9 +19,6 @@ struct Said {
     long long id = 1;
 };
 
-/// `text` as a JSON string. Bytes that are no UTF-8 go through as they are.
-std::string quoted(const std::string& text);
-
 /// The body of a message that names files.
 std::string fileBody(const std::string& mediaUrl, const std::string& fileName);
 std::string pictureBody(const std::string& mediaUrl, const std::string& thumbUrl);
@@ -41,12 +38,17 @@ protected:
     /// Makes the pages of "package" in "pages".
     void makePages() const;
 
+    /// The command made the pages of a sample of 300 messages in 4 conversations, and they hold all of it.
+    void expectWholeSample(const Outcome& run) const;
+
     /// A file of "pages".
     std::string page(const std::string& name) const { return readFile(at("pages/" + name)); }
     /// The first page of the conversation 2002.
     std::string firstPage() const { return page("conversations/2002/1.html"); }
     /// The names of all files of "pages" with the ending, below the folder, sorted.
     std::vector<std::string> filesEnding(const std::string& ending) const;
+    /// All pages in one text.
+    std::string allPages() const;
 };
 
 /// How often `part` stands in `text`.

@@ -149,15 +149,8 @@ TEST_F(ViewPages, AreTheSameEveryTime) {
 TEST_F(ViewPages, HoldAWholeSample) {
     makePackage("account", "package");
     const Outcome run = view("package", "pages");
-    ASSERT_EXIT_CODE(0, run);
-    EXPECT_EQ("300", rowOf(run.out, "Messages"));
-    EXPECT_EQ("4", rowOf(run.out, "Conversations"));
+    expectWholeSample(run);
     EXPECT_EQ("3", rowOf(run.out, "Attachments copied"));
-    EXPECT_EQ("0", rowOf(run.out, "Attachments missing"));
-    std::size_t messages = 0;
-    for (const std::string& name : filesEnding(".html"))
-        messages += countOf(R"(<li id="m)", page(name));
-    EXPECT_EQ(300U, messages);
 }
 
 }  // namespace

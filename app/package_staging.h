@@ -3,22 +3,17 @@
 
 #include <string>
 
-#include "host/file_handle.h"
+#include "app/hidden_folder.h"
 
 namespace app {
 
 /// A hidden folder inside the folder that is to hold the package. The package moves to its final name only when it is
-/// whole and on the disk; a crash leaves the hidden folder at most, and the next export into the same place removes it.
-class StagingFolder {
+/// whole and on the disk.
+class PackageStaging {
 public:
     /// Makes `target` where it is missing. Throws Failure when the target holds a package already, cannot be written
     /// to, or is in use by another export.
-    explicit StagingFolder(const std::string& target);
-    ~StagingFolder();
-    StagingFolder(const StagingFolder&) = delete;
-    StagingFolder& operator=(const StagingFolder&) = delete;
-    StagingFolder(StagingFolder&&) = delete;
-    StagingFolder& operator=(StagingFolder&&) = delete;
+    explicit PackageStaging(const std::string& target);
 
     /// Makes this the working directory: paths of the transfer below it stay short, however long the target's path is.
     void enter() const;
@@ -34,12 +29,9 @@ public:
     const std::string& package() const { return package_; }
 
 private:
-    void refuseExistingPackage() const;
-
     std::string target_;
     std::string package_;
-    std::string path_;
-    tools::detail::FileHandle lock_;
+    HiddenFolder hidden_;
 };
 
 }  // namespace app
