@@ -15,6 +15,7 @@
 #include "app/failure.h"
 #include "app/interruption.h"
 #include "app/left_out.h"
+#include "app/paths.h"
 #include "app/progress_bar.h"
 #include "app/rehearsal_tree.h"
 #include "app/transfer_rows.h"
@@ -145,7 +146,8 @@ void addRowsOfMain(Summary& summary, const dbTrans& transfer) {
     addAttachmentRows(summary, report, "moved");
 }
 
-void summarise(Summary& summary, dbTrans& transfer, const ImportTreeOptions& options, const TreeImportFiles& files) {
+void summarise(Summary& summary, dbTrans& transfer, const ImportTreeOptions& options, const TreeImportFiles& files,
+               unsigned long long bytes) {
     addMessageRows(summary, transfer.report);
     summary.add("conversations.all", "Conversations", files.conversations(transfer));
     summary.add("conversations.new", "Conversations new", transfer.report.tablesCreated);
@@ -156,6 +158,7 @@ void summarise(Summary& summary, dbTrans& transfer, const ImportTreeOptions& opt
         const std::vector<std::string> all = files.all();
         summary.add("files.removed", "Decrypted copies removed", static_cast<long long>(all.size()) - countThere(all));
     }
+    summary.addSize("bytes", "Size of the tree", bytes);
 }
 
 // True when all of the tree arrived.
@@ -222,6 +225,7 @@ int runImportTree(const ImportTreeOptions& options, RunReport& run) {
     std::optional<InterruptsMark> interrupts;
     if (options.trial) interrupts.emplace();
     const tools::detail::FileHandle lock = lockTree(place.root);
+    const unsigned long long bytes = sizeOfFolder(place.root);  // before attachments leave it
     std::optional<RehearsalTree> copy;
     if (options.trial) {
         copy.emplace(place, options.user);
@@ -249,7 +253,7 @@ int runImportTree(const ImportTreeOptions& options, RunReport& run) {
                       [&transfer] { return wordsForInterrupted(transfer.report); });
         if (intoMain(options) && options.removeDecrypted) removeImported(transfer, files);
     };
-    summarised(work, [&] { summarise(run.summary, transfer, options, files); });
+    summarised(work, [&] { summarise(run.summary, transfer, options, files, bytes); });
     progress.complete();
 
     std::cout << importedInto(account.database(into), options.trial) << '\n';

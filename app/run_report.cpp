@@ -17,10 +17,9 @@ namespace {
 constexpr const char* kFormat = "chat-transfer run report";
 constexpr int kFormatVersion = 1;
 
-// Whole milliseconds: more would be noise.
-double inMilliseconds(double seconds) {
+long long inMilliseconds(double seconds) {
     constexpr double kPerSecond = 1000;
-    return std::round(seconds * kPerSecond) / kPerSecond;
+    return std::llround(seconds * kPerSecond);
 }
 
 // In UTC, by RFC 3339.
@@ -68,7 +67,7 @@ void addPhases(JSON_Object* document, const PhaseTimes& times) {
     for (const PhaseTimes::Phase& phase : times.phases()) {
         JSON_Object* object = appendObject(phases);
         set(object, "name", phase.name);
-        json_object_set_number(object, "seconds", inMilliseconds(phase.seconds));
+        set(object, "milliseconds", inMilliseconds(phase.seconds));
     }
 }
 
@@ -136,7 +135,7 @@ std::string RunReport::json() const {
     set(object, "command", command_);
     json_object_set_boolean(object, "dryRun", dryRun ? 1 : 0);
     set(object, "startedAt", timeText(begun_));
-    json_object_set_number(object, "seconds", inMilliseconds(seconds()));
+    set(object, "milliseconds", inMilliseconds(seconds()));
     set(object, "outcome", std::string(outcome()));
     set(object, "exitCode", exitCode_);
     set(object, "resultCode", hexCode(failure_.code));

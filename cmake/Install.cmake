@@ -37,7 +37,7 @@ if(TARGET chat_transfer_sqlite3mc)
 endif()
 
 # Only what a host includes; the other headers are the inside of the libraries.
-install(FILES host/dbUtils.h host/tools.h host/CAES.h host/json.h "${PROJECT_BINARY_DIR}/host/generated/host/json_names.h"
+install(FILES host/dbUtils.h host/rehearsal.h host/tools.h host/CAES.h host/json.h "${PROJECT_BINARY_DIR}/host/generated/host/json_names.h"
         DESTINATION "${include_dir}/host")
 install(FILES "${PROJECT_BINARY_DIR}/host/generated/chat_transfer/parson.h" DESTINATION "${include_dir}/chat_transfer")
 install(FILES c/chat_transfer.h DESTINATION "${include_dir}/c")

@@ -7,9 +7,13 @@
 
 import posixpath
 import re
+import warnings
 from pathlib import Path
 
 from mkdocs.structure.files import File
+
+# A template of the theme has a spelling that newer Pythons warn of: nothing that an author of a page could mend.
+warnings.filterwarnings("ignore", category=DeprecationWarning, message="invalid escape sequence")
 
 ROOT = Path(__file__).resolve().parent.parent
 ALWAYS = ["README.md", "CONTRIBUTING.md", "CHANGELOG.md"]
