@@ -2,7 +2,7 @@
 PRESET ?= release
 BUILD := build/$(PRESET)
 
-.PHONY: demo test browser-tests asan soak bench fuzz cross coverage package docs build setup format tidy clean
+.PHONY: demo test browser-tests asan soak bench fuzz cross coverage package docs build setup format tidy analyse clean
 
 ## Make a sample account, export it, import it elsewhere (twice), verify, and say what moved.
 demo: setup
@@ -81,6 +81,11 @@ format:
 tidy: setup
 	scripts/format
 	scripts/tidy
+
+## Analysers that look for defects: cppcheck over all of our sources, GCC's and Clang's over those in C.
+analyse:
+	scripts/setup cppcheck clang
+	scripts/analyse
 
 clean:
 	rm -rf build demo

@@ -33,7 +33,7 @@ void compareField(Comparison& result, const char* name, signed char row, signed 
 
 void compareField(Comparison& result, const char* name, const std::string& row, const std::string& packaged) {
     if (row == packaged) return;
-    const std::string text = row.c_str();  // NOLINT(readability-redundant-string-cstr): up to the first NUL
+    const std::string text = row.substr(0, row.find('\0'));
     const std::string repaired = tools::toWellFormedUtf8(text);
     if (repaired != packaged) {
         result.differing.emplace_back(name);

@@ -9,13 +9,19 @@
 
 namespace app {
 
-PrivateFolder::PrivateFolder() {
+namespace {
+
+std::string makeFolder() {
     std::error_code error;
-    path_ = (std::filesystem::temp_directory_path(error) / "chat-transfer-XXXXXX").string();
-    if (!error && mkdtemp(path_.data()) != nullptr) return;
-    throw Failure({0, "A private folder for temporary files cannot be made", path_,
+    std::string path = (std::filesystem::temp_directory_path(error) / "chat-transfer-XXXXXX").string();
+    if (!error && mkdtemp(path.data()) != nullptr) return path;
+    throw Failure({0, "A private folder for temporary files cannot be made", path,
                    error ? error.message() : systemWords(errno), "set TMPDIR to a folder that you may write to"});
 }
+
+}  // namespace
+
+PrivateFolder::PrivateFolder() : path_(makeFolder()) {}
 
 PrivateFolder::~PrivateFolder() {
     tools::del_dir(path_.c_str());

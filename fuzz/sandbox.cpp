@@ -30,12 +30,16 @@ std::string bytesOf(const fs::path& path) {
     return bytes.str();
 }
 
+std::string makeRoot() {
+    const std::string memory = "/dev/shm";
+    std::string root = (fs::is_directory(memory) ? memory : fs::temp_directory_path().string()) + "/fuzz-XXXXXX";
+    if (mkdtemp(root.data()) == nullptr) throw std::runtime_error("no temporary folder");
+    return root;
+}
+
 }  // namespace
 
-Sandbox::Sandbox() {
-    const std::string memory = "/dev/shm";
-    root_ = (fs::is_directory(memory) ? memory : fs::temp_directory_path().string()) + "/fuzz-XXXXXX";
-    if (mkdtemp(root_.data()) == nullptr) throw std::runtime_error("no temporary folder");
+Sandbox::Sandbox() : root_(makeRoot()) {
     write(root_ + "/other/secret", kSecret);
     for (const char* folder : {"/audio", "/file", "/image", "/video", "/db/plugin"})
         fs::create_directories(account() + folder);

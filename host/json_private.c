@@ -58,7 +58,7 @@ JSON_Value* chat_transfer_stock_text(const char* bytes, size_t length) {
 }
 
 int chat_transfer_stock_add_member(JSON_Value* owner, const char* name, size_t length, JSON_Value* value) {
-    JSON_Object* object = json_value_get_object(owner);
+    JSON_Object* object = owner->value.object;
     if (object->count == object->capacity) {
         size_t capacity = MAX(object->capacity * 2, STARTING_CAPACITY);
         if (json_object_resize(object, capacity) == JSONFailure) return 0;

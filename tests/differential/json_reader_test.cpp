@@ -218,7 +218,7 @@ TEST(JsonReader, AgreesWithTheLibraryOnTheDeepestNesting) {
 
 TEST(JsonTree, HasAnyKindOfRoot) {
     for (const char* root : {"1", "-0.5e3", R"("x\u0000y")", "true", "false", "null", " [] ", "\xEF\xBB\xBF{}", "nul",
-                             "\"x", "truefalse", "1x", ""}) {
+                             "\"x", "truefalse", "1x", "", "-", "-B"}) {
         std::string text = root;
         const tools::JsonDocument tree = tools::readJsonTree(text);
         const tools::JsonDocument expected = parseByLibrary(root);

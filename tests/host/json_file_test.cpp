@@ -250,6 +250,9 @@ TEST(JsonParseTest, ARefusedTextLeavesNoMemoryBehind) {
     for (const char* text : {R"({"a\u0000b":1})", R"({"x":[1,{"a\u0000":2}]})", R"({"a":1,"a":2})", "[1,2"}) {
         EXPECT_EQ(nullptr, json_parse_string(text)) << text;
         EXPECT_EQ(0, liveBlocks) << text;
+        // This form still goes through the library's own parser, which forgets blocks.
+        EXPECT_EQ(nullptr, json_parse_string_with_comments(text)) << text;
+        EXPECT_EQ(0, liveBlocks) << text;
     }
     json_set_allocation_functions(nullptr, nullptr);
 }

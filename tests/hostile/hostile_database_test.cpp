@@ -179,18 +179,20 @@ TEST_F(HostileDatabase, WithABodyOfManyMegabytesExportsItWhole) {
 
 // More than a row may have: its table is read up to it.
 TEST_F(HostileDatabase, WithABodyOfAGigabyteSaysSoAndExportsTheRest) {
-    run({"create table im_msg_5(msgID, year_, body)", "insert into im_msg_5 values(1, 2020, zeroblob(999999000))"});
+    run({"create table im_msg_5" + std::string(kMessageColumns),
+         "insert into im_msg_5(msgID, year_, mon, day_, body) values(1, 2020, 1, 1, zeroblob(999999000))"});
     EXPECT_TRUE(exportAll()) << transfer.mainDb.lastError();
     EXPECT_NE(std::string::npos, package_.find(R"("message":"harmless")"));
     EXPECT_EQ(1, transfer.report.messagesSelected);
-    EXPECT_TRUE(reported("im_msg_5"));
+    EXPECT_TRUE(reported("im_msg_5: the table could not be read whole: string or blob too big"));
 }
 
 TEST_F(HostileDatabase, OfAFewBytesDoesNotGrowIntoGigabytes) {
-    std::string columns = "year_, body as (printf('%.*c', 200000000, 'x')), b2 as (body || 'y'), b3 as (body || 'z')";
-    run({"create table im_msg_5(" + columns + ")", "insert into im_msg_5(year_) values(2020), (2021), (2022)"});
+    const std::string body = "printf('%.*c', 200000000, 'x')";
+    run({"create table im_msg_5(year_, mon, day_, body as (" + body + "), b2 as (body || 'y'), b3 as (body || 'z'))",
+         "insert into im_msg_5(year_) values(2020), (2021), (2022)"});
     EXPECT_LT(secondsOf([this] { expectHarmlessExport(); }), 10);
-    EXPECT_TRUE(reported("im_msg_5"));
+    EXPECT_TRUE(reported("im_msg_5: the table could not be read whole: string or blob too big"));
 }
 
 TEST_F(HostileDatabase, WithDeepExpressionsInItsSchemaDoesNotExhaustASmallStack) {
@@ -199,8 +201,19 @@ TEST_F(HostileDatabase, WithDeepExpressionsInItsSchemaDoesNotExhaustASmallStack)
     std::string expression = std::string(kLevels, '(') + "year_";
     for (int i = 0; i < kLevels; ++i)
         expression += "+1)";
-    forgeTable("im_msg_5", "create table im_msg_5(year_, x as (" + expression + "))", "2");
-    onSmallStack([this] { exportAll(); });
+    forgeTable("im_msg_5", "create table im_msg_5(year_, mon, day_, x as (" + expression + "))", "2");
+    onSmallStack([this] { EXPECT_FALSE(exportAll()); });
+    EXPECT_NE(std::string::npos, transfer.mainDb.lastError().find("Expression tree is too large"));
+}
+
+// Dates that any sum of year, month and day takes for the same.
+TEST_F(HostileDatabase, WithDatesThatAreMadeToCollideIsSelectedInSeconds) {
+    constexpr int kDates = 100000;
+    addTable("im_msg_5");
+    addMessages("im_msg_5", messageOn(2020, 1, 1), kDates);
+    run({"update im_msg_5 set year_ = msgID, mon = -16 * msgID, day_ = 0"});
+    EXPECT_LT(secondsOf([this] { EXPECT_EQ(0U, transfer.rdMsgFromDB(0, 0, 0)); }), 10);
+    EXPECT_EQ(kDates + 1U, transfer.dayMsgMap.size());
 }
 
 // --- Damage ---

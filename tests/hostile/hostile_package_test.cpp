@@ -210,7 +210,7 @@ TEST_P(DepthBomb, DoesNotExhaustASmallStack) {
     writeFile(4, R"({"version":"1.0","msgs":)" + objects + "}");
     writeContacts(contactsJson(R"({"targetID":5,"x":)" + objects + "}"));
     harmlessFile_ = 5;
-    onSmallStack([this] { importWholePackage(); });
+    onSmallStack([this] { importWholePackage(); }, kStackForJson);
 }
 
 INSTANTIATE_TEST_SUITE_P(Levels, DepthBomb, testing::Values(100, 2000, 2040, 2048, 2060, 100000),

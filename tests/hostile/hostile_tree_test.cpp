@@ -233,7 +233,7 @@ TEST_F(HostileTree, WithDepthBombsDoesNotExhaustASmallStack) {
         addDecrypted(name + ".nt", recordFile("note", {deep}));
         addDecrypted(name + ".rm", recordFile("room", {deep}));
     }
-    onSmallStack([this] { importWholeTree(); });
+    onSmallStack([this] { importWholeTree(); }, kStackForJson);
 }
 
 }  // namespace

@@ -14,10 +14,10 @@ void* runWork(void* work) {
 
 }  // namespace
 
-void onSmallStack(const std::function<void()>& work) {
+void onSmallStack(const std::function<void()>& work, std::size_t size) {
     pthread_attr_t attributes{};
     pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, kSmallStack);
+    pthread_attr_setstacksize(&attributes, size);
     pthread_t thread{};
     std::function<void()> copy = work;
     const int failure = pthread_create(&thread, &attributes, runWork, &copy);

@@ -18,7 +18,11 @@ constexpr bool smallStackIsMeaningful() {
 #endif
 }
 
-/// Runs work() to its end on a thread with a stack of kSmallStack bytes.
-void onSmallStack(const std::function<void()>& work);
+/// Half of it, for JSON: optimised, also a parser that recurses for each level gets by with the whole, and is found out
+/// only here.
+inline constexpr std::size_t kStackForJson = kSmallStack / 2;
+
+/// Runs work() to its end on a thread with a stack of `size` bytes.
+void onSmallStack(const std::function<void()>& work, std::size_t size = kSmallStack);
 
 }  // namespace test

@@ -191,7 +191,7 @@ TEST_F(TreeWalk, LeavesSocketsAlone) {
     ASSERT_LT(tree("7/x.mg").size(), sizeof address.sun_path);
     tree("7/x.mg").copy(address.sun_path, sizeof address.sun_path - 1);
     const int descriptor = socket(AF_UNIX, SOCK_STREAM, 0);
-    ASSERT_EQ(0, bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address));
+    EXPECT_EQ(0, bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address));
     EXPECT_EQ(Paths{}, walk());
     EXPECT_TRUE(exists(tree("7/x.mg")));
     close(descriptor);

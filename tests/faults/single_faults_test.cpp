@@ -1,0 +1,75 @@
+// Faults that once did harm and that the sweeps reach in their long form only, or not any more: the pages of the list
+// of tables, for example, are in the cache since databases are looked at when they are opened.
+#include <gtest/gtest.h>
+
+#include <new>
+
+#include "host/json_tree.h"
+#include "tests/faults/fault_calls.h"
+#include "tests/faults/fault_memory.h"
+#include "tests/faults/fault_world.h"
+#include "tests/support/database.h"
+#include "tests/support/temp_dir.h"
+#include "transfer/dbTrans.h"
+
+namespace test {
+namespace {
+
+class SingleFault : public testing::Test {
+protected:
+    void SetUp() override { makeWorld(Operation::exportAll, home_.path()); }
+
+    std::string account() const { return home_.path() + "/account"; }
+    std::string database() const { return account() + "/db/imsg.db"; }
+
+    TempDir home_;
+};
+
+TEST_F(SingleFault, InTheListOfTablesIsReported) {
+    dbTrans transfer;
+    transfer.rootPath = account();
+    ASSERT_NE(0, transfer.dbOpen());
+    // Somebody else changes the schema: what the connection holds of it counts no more.
+    runSql(database(), {"create table other(x)"});
+    {
+        const InjectedFault fault({Call::read, Failure::inputOutput, Duration::fromThenOn}, 1);
+        transfer.getTables();
+    }
+    EXPECT_TRUE(transfer.tableNames.empty());
+    ASSERT_EQ(1U, transfer.report.skipped.size());
+    EXPECT_EQ("the list of tables", transfer.report.skipped[0].what);
+}
+
+TEST_F(SingleFault, AtTheEndOfATransactionNeedsNoMemoryForItsReason) {
+    imsdk::dbUtils db;
+    ASSERT_NE(0, db.open(database().c_str(), nullptr));
+    db.beginTransaction();
+    ASSERT_NE(0, db.excuteNonQuery("delete from im_msg_11"));
+    {
+        const InjectedFault fault({Call::write, Failure::diskFull, Duration::fromThenOn}, 1);
+        const RefusedMemory refused(Memory::objects, 1, true);
+        EXPECT_NO_THROW(db.endTransaction());
+    }
+    EXPECT_TRUE(db.transactionFailed());
+    EXPECT_EQ("20", queryText(database(), "select count(*) from im_msg_11", 1));
+}
+
+TEST_F(SingleFault, OfMemoryDoesNotMakeATextPassForBrokenJson) {
+    long long nth = 1;
+    for (bool struck = true; struck; ++nth) {
+        std::string text = R"({"mediaUrl": ["x", 1, true, null, {}]})";
+        bool thrown = false;
+        const RefusedMemory refused(Memory::json, nth, false);
+        try {
+            tools::readJsonTree(text);
+        } catch (const std::bad_alloc&) {
+            thrown = true;
+        }
+        struck = refused.struck();
+        EXPECT_EQ(struck, thrown) << "request " << nth;
+    }
+    EXPECT_LT(10, nth);
+}
+
+}  // namespace
+}  // namespace test
