@@ -280,6 +280,14 @@ TEST_F(ImportTreeCommand, RemovesTheDatabasesThatAnInterruptedRunDidNotFinish) {
     EXPECT_EQ(0600U, permissionsOf(at("account/db/imsg.db")));
 }
 
+TEST_F(ImportTreeCommand, WithoutRoomForADatabaseLeavesNoneUnderItsName) {
+    makeTree("backup");
+    EXPECT_EXIT_CODE(1, importTree("account", "backup", {}, {{}, 1000}));
+    EXPECT_EQ(std::string::npos, (" " + listing(at("account/db")) + " ").find(" imsg.db "));
+    ASSERT_EXIT_CODE(0, importTree("account", "backup"));
+    EXPECT_EQ("backimsg.db imsg.db plugin", listing(at("account/db")));
+}
+
 TEST_F(ImportTreeCommand, OnAFullDiskFailsAndCanBeRepeated) {
     makeBigPlainTree("plain", 300);
     ASSERT_EXIT_CODE(0, encryptTree("plain", "backup"));

@@ -1,5 +1,5 @@
-// Faults that once did harm and that the sweeps reach in their long form only, or not any more: the pages of the list
-// of tables, for example, are in the cache since databases are looked at when they are opened.
+// Faults that once did harm, each met for certain. The sweeps meet some in their long form only, and others not any
+// more: the pages of the list of tables, for example, are in the cache since databases are looked at when they open.
 #include <gtest/gtest.h>
 
 #include <new>
