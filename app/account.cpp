@@ -107,6 +107,10 @@ void openForWriting(dbTrans& transfer, const Account& account, Database which) {
     requireWritable(which == Database::main ? transfer.mainDb : transfer.backDb, account.database(which));
 }
 
+void checkForWriting(dbTrans& transfer, const Account& account, Database which) {
+    if (lookAt(account.database(which)) != FileLook::missing) openForWriting(transfer, account, which);
+}
+
 void openPluginDatabase(dbTrans& transfer, const Account& account) {
     transfer.rootPath = account.root();
     if (transfer.kabDbOpen() != 0) return;

@@ -35,6 +35,9 @@ void openDatabase(dbTrans& transfer, const Account& account, Database which);
 /// The same, and makes sure that it can be written to.
 void openForWriting(dbTrans& transfer, const Account& account, Database which);
 
+/// The same for a database that the account may not have yet. A wrong key or a lock is noticed before anything is done.
+void checkForWriting(dbTrans& transfer, const Account& account, Database which);
+
 /// Opens the database of notes and rooms likewise.
 void openPluginDatabase(dbTrans& transfer, const Account& account);
 

@@ -7,7 +7,6 @@
 #include <memory>
 
 #include "app/account.h"
-#include "app/closed_database.h"
 #include "app/failure.h"
 #include "app/interruption.h"
 #include "app/package_files.h"
@@ -108,7 +107,7 @@ int runImport(const ImportOptions& options, RunReport& run) {
     // Before the package is read, which restores attachments: a wrong key or a locked database must not leave them
     // behind.
     const Database into = databaseOf(options);
-    if (lookAt(account.database(into)) != FileLook::missing) openForWriting(transfer, account, into);
+    checkForWriting(transfer, account, into);
     const ImportTarget target(account, transfer, options.trial);
     openForWriting(transfer, target.account(), into);
     enter(place.parent);

@@ -11,13 +11,11 @@
 #include <optional>
 
 #include "app/account.h"
-#include "app/closed_database.h"
 #include "app/failure.h"
 #include "app/interruption.h"
 #include "app/left_out.h"
 #include "app/paths.h"
 #include "app/progress_bar.h"
-#include "app/rehearsal_tree.h"
 #include "app/transfer_rows.h"
 #include "app/tree_file_names.h"
 #include "app/tree_import_files.h"
@@ -211,42 +209,54 @@ FailureWords wordsForInterrupted(const TransferReport& report) {
             "", "", "run the same command again: it adds what is missing, and nothing doubles"};
 }
 
+// Ahead of the import, which then finds the files decrypted.
+TreeImportFiles decrypt(dbTrans& transfer, const ImportTreeOptions& options, const ImportSource& source,
+                        ProgressBar& progress) {
+    progress.begin("Decrypting the tree", {});
+    TreeImportFiles files = decryptFiles(transfer, intoMain(options) ? TreeKinds::all : TreeKinds::messages);
+    progress.finish();
+    requireTreeVersion(files, transfer);
+    source.settle(files);
+    return files;
+}
+
+void openTarget(dbTrans& transfer, const Account& account, const ImportTreeOptions& options) {
+    makeVideoFolder(account);
+    setUserFolders(transfer, account);
+    openForWriting(transfer, account, databaseOf(options));
+    if (intoMain(options)) openPluginDatabase(transfer, account);
+}
+
+int conclude(RunReport& run, const ImportTreeOptions& options, const dbTrans& transfer, const TreeImportFiles& files,
+             const Account& account) {
+    std::cout << importedInto(account.database(databaseOf(options)), options.trial) << '\n';
+    run.printSummary(std::cout);
+    const bool whole = arrivedWhole(run, transfer, files);
+    remark(run, options, files);
+    return whole ? kDone : kFailed;
+}
+
 int runImportTree(const ImportTreeOptions& options, RunReport& run) {
     const TreePlace place = findTree(options.from, options.user);
     const Account account(options.account);
     const SecretText key = findKey(options.key, account);
+    run.dryRun = options.trial;
     dbTrans transfer;
     transfer.dbKey = key.text();
-    // Before the tree is touched: what an account has cannot be opened with the wrong key, or is locked.
-    const Database into = databaseOf(options);
-    if (lookAt(account.database(into)) != FileLook::missing) openForWriting(transfer, account, into);
-    run.dryRun = options.trial;
+    checkForWriting(transfer, account, databaseOf(options));
     // Copies of private texts must not stay behind; a decryption in place can be left at any moment.
     std::optional<InterruptsMark> interrupts;
     if (options.trial) interrupts.emplace();
     const tools::detail::FileHandle lock = lockTree(place.root);
     const unsigned long long bytes = sizeOfFolder(place.root);  // before attachments leave it
-    std::optional<RehearsalTree> copy;
-    if (options.trial) {
-        copy.emplace(place, options.user);
-        transfer.rehearsalSource = place.parent;
-    } else {
-        removeLeftovers(place.root);
-    }
-    enterTree(transfer, copy ? copy->place() : place, options);
+    const ImportSource source(place, options.user, transfer, options.trial);
+    enterTree(transfer, source.place(), options);
 
     ProgressBar progress(run.phases, {{"Decrypting the tree", 50}, {"Importing messages", 48}});
     transfer.progressListener = &progress;
-    progress.begin("Decrypting the tree", {});
-    TreeImportFiles files = decryptFiles(transfer, intoMain(options) ? TreeKinds::all : TreeKinds::messages);
-    progress.finish();
-    requireTreeVersion(files, transfer);
-    if (copy) copy->settle(files);
+    const TreeImportFiles files = decrypt(transfer, options, source, progress);
     const ImportTarget target(account, transfer, options.trial);
-    makeVideoFolder(target.account());
-    setUserFolders(transfer, target.account());
-    openForWriting(transfer, target.account(), into);
-    if (intoMain(options)) openPluginDatabase(transfer, target.account());
+    openTarget(transfer, target.account(), options);
     if (!interrupts) interrupts.emplace();
     const auto work = [&] {
         interruptible([&] { importAll(transfer, options, account, progress); },
@@ -255,12 +265,7 @@ int runImportTree(const ImportTreeOptions& options, RunReport& run) {
     };
     summarised(work, [&] { summarise(run.summary, transfer, options, files, bytes); });
     progress.complete();
-
-    std::cout << importedInto(account.database(into), options.trial) << '\n';
-    run.printSummary(std::cout);
-    const bool whole = arrivedWhole(run, transfer, files);
-    remark(run, options, files);
-    return whole ? kDone : kFailed;
+    return conclude(run, options, transfer, files, account);
 }
 
 constexpr const char* kFooter =

@@ -20,6 +20,20 @@ ImportTarget::ImportTarget(const Account& account, dbTrans& transfer, bool trial
     transfer.rehearsal = &attachments_;
 }
 
+ImportSource::ImportSource(const TreePlace& tree, const std::string& user, dbTrans& transfer, bool trial)
+    : tree_(tree) {
+    if (!trial) {
+        removeLeftovers(tree.root);
+        return;
+    }
+    copy_.emplace(tree, user);
+    transfer.rehearsalSource = tree.parent;
+}
+
+void ImportSource::settle(TreeImportFiles& files) const {
+    if (copy_) copy_->settle(files);
+}
+
 std::string importedInto(const std::string& database, bool trial) {
     return trial ? "Dry run, nothing was written. An import into " + printable(database) + " would do this:"
                  : "Imported into " + printable(database);

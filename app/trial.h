@@ -6,6 +6,7 @@
 
 #include "app/command.h"
 #include "app/rehearsal_account.h"
+#include "app/rehearsal_tree.h"
 #include "host/rehearsal.h"
 
 namespace app {
@@ -26,6 +27,23 @@ private:
     const Account& account_;
     tools::Rehearsal attachments_;
     std::optional<RehearsalAccount> copy_;
+};
+
+/// Where the import of a tree reads: the tree itself, or for a trial a copy of its record files.
+class ImportSource {
+public:
+    /// Removes what an interrupted import left in the tree, or makes the copy and tells `transfer` of it. Throws
+    /// Failure.
+    ImportSource(const TreePlace& tree, const std::string& user, dbTrans& transfer, bool trial);
+
+    const TreePlace& place() const { return copy_ ? copy_->place() : tree_; }
+
+    /// Once the files are decrypted: makes those of a copy count as those of the tree would.
+    void settle(TreeImportFiles& files) const;
+
+private:
+    const TreePlace& tree_;
+    std::optional<RehearsalTree> copy_;
 };
 
 /// The line above the summary: what was written to, or would be.
