@@ -117,10 +117,21 @@ TEST_F(RunReport, OfAFailedRunHasTheWordsAndTheCode) {
     EXPECT_NE("", said("failure.remedy"));
 }
 
-TEST_F(RunReport, OfAnImportThatFailedHalfwayCountsWhatWasWritten) {
+TEST_F(RunReport, OfAnImportThatBrokeOffCountsWhatWasWritten) {
+    makePackage("account", "package");
+    const Outcome run = importInto("copy", "package", reported(), {{}, 65536});
+    ASSERT_EXIT_CODE(1, run);
+    EXPECT_EQ("failed", said("outcome"));
+    EXPECT_EQ("0xff00001f", said("resultCode"));
+    EXPECT_EQ("300", said("summary.messages.read"));
+    const std::string table = "select count(*) from sqlite_master where name like 'im_msg_%'";
+    EXPECT_EQ(queryText(mainDatabase("copy"), table, 1), said("summary.conversations.new"));
+    EXPECT_NE("300", said("summary.messages.written"));
+}
+
+TEST_F(RunReport, OfAnImportOfWhichTheDatabaseRefusesAPartIsIncomplete) {
     makePackage("account", "package");
     ASSERT_EXIT_CODE(0, importInto("copy", "package"));
-    // The conversations stay, the recent contacts cannot be written any more: their table refuses every row.
     runSql(mainDatabase("copy"),
            {"delete from " + biggestTable("copy"), "create trigger no_more before insert on " + biggestTable("copy") +
                                                        " begin select raise(abort, 'no'); end"});
