@@ -20,7 +20,7 @@ namespace {
 // A name that was mistyped must not cost somebody a database. An empty file holds nothing that could be lost: scripts
 // make one for the name.
 bool isReplaceable(int folder, const std::string& name) {
-    constexpr off_t kLargest = 256 * 1024 * 1024;
+    constexpr off_t kLargest = off_t{256} << 20;
     const tools::detail::FileHandle file = tools::detail::openRegularFile(folder, name.c_str(), false);
     struct stat status {};
     if (!file.valid() || fstat(file.get(), &status) != 0 || status.st_size > kLargest) return false;
