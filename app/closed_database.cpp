@@ -79,34 +79,38 @@ struct Advice {
     std::string remedy;
 };
 
-const Advice kMissing{"there is no such file",
-                      "give with --account the folder that holds db/imsg.db and db/backimsg.db"};
-const Advice kNotPermitted{"it may not be read", "check that it is a file, and its permissions"};
-const Advice kLocked{"another program holds it", "close the client, then run this again"};
-const Advice kForeign{"it is no database", "check --account; put the right file in its place, or a copy of it"};
-const Advice kKeyForPlain{"it is not encrypted, but a key was given",
-                          "leave out --key-file and --ask-key, and unset CHAT_TRANSFER_KEY"};
-const Advice kKeyMissing{"it is encrypted, and no key was given", std::string("give the key with ") + kWaysToGiveAKey};
-const Advice kKeyWrong{"the key does not fit, or the beginning of the file is damaged", "check the key"};
-const Advice kNewer{"a newer version of the database engine wrote it", "use a newer version of chat-transfer"};
-const Advice kNotWritable{"it, or the folder that it is in, may not be written to", "check the permissions of both"};
-const Advice kNoRoom{"", "check that the disk is not full"};  // the reason is the database's own
-const Advice kDamaged{"it is damaged",
-                      "put a copy in its place; \"sqlite3 FILE .recover\" saves what can still be read"};
+Advice adviceForLocked() {
+    return {"another program holds it", "close the client, then run this again"};
+}
+
+Advice adviceForNewer() {
+    return {"a newer version of the database engine wrote it", "use a newer version of chat-transfer"};
+}
+
+Advice adviceForEncrypted(bool withKey) {
+    if (withKey) return {"the key does not fit, or the beginning of the file is damaged", "check the key"};
+    return {"it is encrypted, and no key was given", std::string("give the key with ") + kWaysToGiveAKey};
+}
 
 std::optional<Advice> adviceForClosed(const imsdk::dbUtils& db, const std::string& path, bool withKey) {
     const Beginning beginning = beginningOf(path);
     const FileLook look = lookOf(beginning);
-    if (look == FileLook::missing) return kMissing;
-    if (look == FileLook::unreadable) return kNotPermitted;
-    if (db.openFailure() == imsdk::OpenFailure::locked) return kLocked;
-    if (look == FileLook::foreign) return kForeign;
-    if (look == FileLook::encrypted) return withKey ? kKeyWrong : kKeyMissing;
+    if (look == FileLook::missing)
+        return Advice{"there is no such file",
+                      "give with --account the folder that holds db/imsg.db and db/backimsg.db"};
+    if (look == FileLook::unreadable)
+        return Advice{"it may not be read", "check that it is a file, and its permissions"};
+    if (db.openFailure() == imsdk::OpenFailure::locked) return adviceForLocked();
+    if (look == FileLook::foreign)
+        return Advice{"it is no database", "check --account; put the right file in its place, or a copy of it"};
+    if (look == FileLook::encrypted) return adviceForEncrypted(withKey);
     if (look != FileLook::plain) return std::nullopt;
-    if (withKey) return kKeyForPlain;
-    if (isNewer(beginning.header)) return kNewer;
-    if (db.openFailure() != imsdk::OpenFailure::other) return kDamaged;
-    return std::nullopt;
+    if (withKey)
+        return Advice{"it is not encrypted, but a key was given",
+                      "leave out --key-file and --ask-key, and unset CHAT_TRANSFER_KEY"};
+    if (isNewer(beginning.header)) return adviceForNewer();
+    if (db.openFailure() == imsdk::OpenFailure::other) return std::nullopt;
+    return Advice{"it is damaged", "put a copy in its place; \"sqlite3 FILE .recover\" saves what can still be read"};
 }
 
 // With the rights that this process acts with.
@@ -123,9 +127,11 @@ std::optional<Advice> adviceForUnwritable(const imsdk::dbUtils& db, const std::s
     const bool newer = isNewer(beginningOf(path).header);
     const bool mayAddJournal = mayWriteIn(path);
     if (!refused && mayAddJournal && !newer) return std::nullopt;
-    if (!mayWrite(path) || !mayAddJournal) return kNotWritable;
-    if (newer) return kNewer;
-    return db.lastFailureWasLock() ? kLocked : kNoRoom;
+    if (!mayWrite(path) || !mayAddJournal)
+        return Advice{"it, or the folder that it is in, may not be written to", "check the permissions of both"};
+    if (newer) return adviceForNewer();
+    if (db.lastFailureWasLock()) return adviceForLocked();
+    return Advice{"", "check that the disk is not full"};  // the reason is the database's own
 }
 
 }  // namespace
