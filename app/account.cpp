@@ -96,15 +96,13 @@ std::vector<std::string> makeMissingParts(const Account& account, const std::str
 
 void openDatabase(dbTrans& transfer, const Account& account, Database which) {
     transfer.rootPath = account.root();
-    const bool main = which == Database::main;
-    if ((main ? transfer.dbOpen() : transfer.backdbOpen()) != 0) return;
-    const imsdk::dbUtils& db = main ? transfer.mainDb : transfer.backDb;
-    throw Failure(wordsForClosed(db, account.database(which), !transfer.dbKey.empty()));
+    if ((which == Database::main ? transfer.dbOpen() : transfer.backdbOpen()) != 0) return;
+    throw Failure(wordsForClosed(connection(transfer, which), account.database(which), !transfer.dbKey.empty()));
 }
 
 void openForWriting(dbTrans& transfer, const Account& account, Database which) {
     openDatabase(transfer, account, which);
-    requireWritable(which == Database::main ? transfer.mainDb : transfer.backDb, account.database(which));
+    requireWritable(connection(transfer, which), account.database(which));
 }
 
 void checkForWriting(dbTrans& transfer, const Account& account, Database which) {

@@ -25,6 +25,11 @@ private:
     std::string root_;
 };
 
+/// The connection of that database.
+inline imsdk::dbUtils& connection(dbTrans& transfer, Database which) {
+    return which == Database::main ? transfer.mainDb : transfer.backDb;
+}
+
 /// Makes what the account lacks: its folders, for their owner only, and its databases, encrypted when there is a key.
 /// What is there stays as it is. Returns the paths of the databases made. Throws Failure.
 std::vector<std::string> makeMissingParts(const Account& account, const std::string& key);

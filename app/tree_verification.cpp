@@ -90,7 +90,7 @@ TreeVerification::TreeVerification(TreeSource source, Database database, dbTrans
     : source_(std::move(source)), database_(database), transfer_(transfer), attachments_(source_, transfer.rootPath) {}
 
 imsdk::dbUtils& TreeVerification::db() {
-    return database_ == Database::main ? transfer_.mainDb : transfer_.backDb;
+    return connection(transfer_, database_);
 }
 
 void TreeVerification::run() {

@@ -55,7 +55,7 @@ Verification::Verification(VerifySettings settings, PackagePlace place, dbTrans&
       attachments_(place_.attachments, transfer.rootPath) {}
 
 imsdk::dbUtils& Verification::db() {
-    return settings_.database == Database::main ? transfer_.mainDb : transfer_.backDb;
+    return connection(transfer_, settings_.database);
 }
 
 bool Verification::isSelected(const st_dbMessageBean& message) const {
