@@ -1,9 +1,5 @@
 #include "app/rehearsal_tree.h"
 
-#include <unistd.h>
-
-#include <algorithm>
-#include <cerrno>
 #include <filesystem>
 #include <utility>
 
