@@ -127,20 +127,19 @@ void VerifyReport::printRules(std::ostream& out) const {
     if (rules_.empty()) return;
     out << "Changed by the rules of export and import:\n";
     TextTable table({Align::right, Align::left});
-    for (const auto& [rule, count] : rules_)
-        table.add({grouped(count), nameOf(rule).words});
+    for (const RunReport::Finding& rule : changedByRule())
+        table.add({grouped(rule.count), rule.words});
     table.print(out);
 }
 
 void VerifyReport::printFindings(std::ostream& out, long long most) const {
     if (findings_.empty()) out << "Nothing is missing and nothing differs.\n";
-    for (const auto& [finding, lines] : findings_) {
-        out << nameOf(finding).words << ": " << grouped(lines.count) << '\n';
-        const long long shown = std::min(most, static_cast<long long>(lines.first.size()));
-        for (long long i = 0; i < shown; ++i) {
-            out << "  " << printable(lines.first[static_cast<std::size_t>(i)]) << '\n';
-        }
-        if (lines.count > shown) out << "  ... and " << grouped(lines.count - shown) << " more\n";
+    for (const RunReport::Finding& finding : findings(most)) {
+        out << finding.words << ": " << grouped(finding.count) << '\n';
+        for (const std::string& line : finding.first)
+            out << "  " << printable(line) << '\n';
+        const long long unnamed = finding.count - static_cast<long long>(finding.first.size());
+        if (unnamed > 0) out << "  ... and " << grouped(unnamed) << " more\n";
     }
 }
 
