@@ -17,6 +17,7 @@ int reportParsing(const CLI::App& program, const CLI::ParseError& error) {
         std::ostringstream none;
         program.exit(error, help, none);
         std::cout << app::printableLines(help.str());
+        app::requirePrinted();
         return app::kDone;
     }
     // The name of a hidden option is left out, but not the colon behind it.
@@ -44,5 +45,5 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     app::keepPrivate();
-    return run(argc, argv);
+    return app::exitCodeOf([&] { return run(argc, argv); });
 }

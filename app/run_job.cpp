@@ -8,49 +8,43 @@
 #include "app/report_file.h"
 
 namespace app {
-namespace {
 
-void fail(RunReport& report, int exitCode, const FailureWords& words) {
-    std::cout.flush();
-    printFailure(std::cerr, words);
-    report.end(exitCode, words);
+int exitCodeOf(const std::function<int()>& work, const std::function<void(int, const FailureWords&)>& failed) {
+    const auto fail = [&failed](int exitCode, const FailureWords& words) {
+        std::cout.flush();
+        printFailure(std::cerr, words);
+        if (failed) failed(exitCode, words);
+        return exitCode;
+    };
+    try {
+        return work();
+    } catch (const Interrupted& interruption) {
+        return fail(kInterrupted, interruption.words());
+    } catch (const Failure& failure) {
+        return fail(kFailed, failure.words());
+    } catch (const std::exception& error) {
+        return fail(kFailed, {0, error.what(), "", "", ""});
+    }
 }
 
-// Results that nobody received are no results: the disk behind the standard output may be full.
 void requirePrinted() {
     std::cout.flush();
     if (!std::cout.good()) throw Failure({0, "The results could not be printed", "", "", ""});
 }
 
-int run(const Job& job, RunReport& report) {
-    try {
+int runJob(const Job& job) {
+    std::optional<ReportFile> file;
+    if (!job.reportFile.empty()) file.emplace(job.reportFile);
+    RunReport report(job.command);
+    const auto work = [&] {
         const int code = job.run(report);
         requirePrinted();
         report.end(code);
         return code;
-    } catch (const Interrupted& interruption) {
-        fail(report, kInterrupted, interruption.words());
-        return kInterrupted;
-    } catch (const Failure& failure) {
-        fail(report, kFailed, failure.words());
-    } catch (const std::exception& error) {
-        fail(report, kFailed, {0, error.what(), "", "", ""});
-    }
-    return kFailed;
-}
-
-}  // namespace
-
-int runJob(const Job& job) try {
-    std::optional<ReportFile> file;
-    if (!job.reportFile.empty()) file.emplace(job.reportFile);
-    RunReport report(job.command);
-    const int code = run(job, report);
+    };
+    const int code = exitCodeOf(work, [&](int exitCode, const FailureWords& words) { report.end(exitCode, words); });
     if (file) file->write(report.json());
     return code;
-} catch (const Failure& failure) {
-    printFailure(std::cerr, failure.words());
-    return kFailed;
 }
 
 }  // namespace app

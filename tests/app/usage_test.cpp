@@ -149,6 +149,13 @@ TEST_F(Usage, ControlCharactersOfAnArgumentAreSpelledOut) {
     EXPECT_FALSE(hasControlCharacter(run.err));
 }
 
+TEST_F(Usage, HelpThatCannotBePrintedIsAFailure) {
+    const Outcome run =
+        runProgram("/bin/sh", {"-c", std::string("exec ") + CHAT_TRANSFER_PROGRAM + " --help > /dev/full"});
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_SAYS("could not be printed", run.err);
+}
+
 TEST_F(Usage, ResultsThatCannotBePrintedAreAFailure) {
     makePackage("account", "package");
     const std::string command =
