@@ -60,8 +60,7 @@ int runDecryptTree(const DecryptTreeOptions& options, RunReport& run) {
     staging.publish();
     progress.complete();
     summarise(run.summary, counts, target);
-    std::cout << "Decrypted into " << printable(target) << '\n';
-    run.printSummary(std::cout);
+    run.printSummary("Decrypted into " + printable(target));
     return decryptedWhole(run, counts) ? kDone : kFailed;
 }
 

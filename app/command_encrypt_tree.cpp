@@ -1,7 +1,6 @@
 #include "app/command_encrypt_tree.h"
 
 #include <filesystem>
-#include <iostream>
 #include <memory>
 
 #include "app/failure.h"
@@ -64,8 +63,7 @@ int runEncryptTree(const EncryptTreeOptions& options, RunReport& run) {
     staging.publish();
     progress.complete();
     summarise(run.summary, counts, target);
-    std::cout << "Encrypted into " << printable(target) << '\n';
-    run.printSummary(std::cout);
+    run.printSummary("Encrypted into " + printable(target));
     run.leaveOut(counts.report);
     return kDone;
 }

@@ -142,8 +142,7 @@ int runExport(const ExportOptions& options, RunReport& run) {
     progress.complete();
 
     summarise(run.summary, transfer, layout, staging.package());
-    std::cout << "Exported to " << printable(staging.package()) << '\n';
-    run.printSummary(std::cout);
+    run.printSummary("Exported to " + printable(staging.package()));
     warnOfLoss(run, transfer, layout, undated);
     return unexpectedlyFailedAttachments(transfer) == 0 ? kDone : kFailed;
 }

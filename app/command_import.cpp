@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <iostream>
 #include <memory>
 
 #include "app/account.h"
@@ -50,7 +49,7 @@ void read(dbTrans& transfer, const PackagePlace& place) {
 
 void write(dbTrans& transfer, Database into, const Account& account) {
     const unsigned int code = into == Database::main ? transfer.wtMsgToDB() : transfer.wtMsgToBackDB();
-    const imsdk::dbUtils& db = into == Database::main ? transfer.mainDb : transfer.backDb;
+    const imsdk::dbUtils& db = connection(transfer, into);
     if (code == transfer::kSuccess && !db.transactionFailed()) return;
     throw Failure({code != 0 ? code : transfer::kDatabaseFailed,
                    "The messages could not all be written; conversations written before stay", account.database(into),
@@ -70,22 +69,16 @@ void summarise(Summary& summary, const dbTrans& transfer, const ImportOptions& o
 // Says what of the package did not arrive though it should have. True when there is nothing to say.
 bool arrivedWhole(RunReport& run, const dbTrans& transfer, const ImportOptions& options, const PackagePlace& place) {
     const TransferReport& report = transfer.report;
-    bool whole = true;
-    const auto complain = [&](long long count, const std::string& words) {
-        if (count == 0) return;
-        run.warn(grouped(count) + " " + words);
-        whole = false;
-    };
-    complain(countUnreadableFiles(place, report, transfer.msgFileDir),
-             "of the package's files could not be read, see below");
-    complain(countFilesBehindGap(place), "message files stand behind a gap in the numbering and are never read");
-    complain(report.messagesRefused, "messages were refused by the database, see below");
-    complain(report.attachmentsFailed, "attachments could not be copied, see below");
-    if (databaseOf(options) == Database::main) {
-        complain(refusedContacts(transfer), "recent contacts were refused by the database");
-    }
+    const bool lost = run.warnOf(
+        {{countUnreadableFiles(place, report, transfer.msgFileDir),
+          "of the package's files could not be read, see below"},
+         {countFilesBehindGap(place), "message files stand behind a gap in the numbering and are never read"},
+         {report.messagesRefused, "messages were refused by the database, see below"},
+         {report.attachmentsFailed, "attachments could not be copied, see below"},
+         {databaseOf(options) == Database::main ? refusedContacts(transfer) : 0,
+          "recent contacts were refused by the database"}});
     run.leaveOut(report);
-    return whole;
+    return !lost;
 }
 
 FailureWords wordsForInterrupted(const TransferReport& report) {
@@ -96,13 +89,13 @@ FailureWords wordsForInterrupted(const TransferReport& report) {
 }
 
 int runImport(const ImportOptions& options, RunReport& run) {
+    run.dryRun = options.trial;
     const PackagePlace place = findPackage(options.from, options.user);
     requireVersion(place, options.packageVersion);
     const Account account(options.account);
     const SecretText key = findKey(options.key, account);
     dbTrans transfer;
     transfer.dbKey = key.text();
-    run.dryRun = options.trial;
     const InterruptsMark interrupts;
     // Before the package is read, which restores attachments: a wrong key or a locked database must not leave them
     // behind.
@@ -128,8 +121,7 @@ int runImport(const ImportOptions& options, RunReport& run) {
                [&] { summarise(run.summary, transfer, options, place); });
     progress.complete();
 
-    std::cout << importedInto(account.database(into), options.trial) << '\n';
-    run.printSummary(std::cout);
+    run.printSummary(importedInto(account.database(into), options.trial));
     return arrivedWhole(run, transfer, options, place) ? kDone : kFailed;
 }
 

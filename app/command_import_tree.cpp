@@ -6,14 +6,12 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <iostream>
 #include <memory>
 #include <optional>
 
 #include "app/account.h"
 #include "app/failure.h"
 #include "app/interruption.h"
-#include "app/left_out.h"
 #include "app/paths.h"
 #include "app/progress_bar.h"
 #include "app/transfer_rows.h"
@@ -162,24 +160,19 @@ void summarise(Summary& summary, dbTrans& transfer, const ImportTreeOptions& opt
 // True when all of the tree arrived.
 bool arrivedWhole(RunReport& run, const dbTrans& transfer, const TreeImportFiles& files) {
     const TransferReport& report = transfer.report;
-    bool whole = true;
-    const auto complain = [&](long long count, const std::string& words) {
-        if (count == 0) return;
-        run.warn(grouped(count) + " " + words);
-        whole = false;
-    };
-    complain(files.notDecrypted,
-             "of the tree's files cannot be decrypted and stay as they are, see below; if they were encrypted with "
-             "another key, they cannot go into this account");
-    complain(countNotParsed(report, transfer::treeRoot(transfer)),
-             "of the tree's files cannot be understood, see below");
-    complain(report.messagesRefused, "messages were refused by the database, see below");
-    complain(refusedContacts(transfer), "recent contacts were refused by the database");
-    complain(refusedNotes(transfer), "notes were refused by the database, see below");
-    complain(refusedRooms(transfer), "rooms were refused by the database, see below");
-    complain(report.attachmentsFailed, "attachments could not be moved, see below");
+    const bool lost = run.warnOf(
+        {{files.notDecrypted,
+          "of the tree's files cannot be decrypted and stay as they are, see below; if they were encrypted with "
+          "another "
+          "key, they cannot go into this account"},
+         {countNotParsed(report, transfer::treeRoot(transfer)), "of the tree's files cannot be understood, see below"},
+         {report.messagesRefused, "messages were refused by the database, see below"},
+         {refusedContacts(transfer), "recent contacts were refused by the database"},
+         {refusedNotes(transfer), "notes were refused by the database, see below"},
+         {refusedRooms(transfer), "rooms were refused by the database, see below"},
+         {report.attachmentsFailed, "attachments could not be moved, see below"}});
     run.leaveOut(report);
-    return whole;
+    return !lost;
 }
 
 // What is no failure, but should be known.
@@ -229,18 +222,17 @@ void openTarget(dbTrans& transfer, const Account& account, const ImportTreeOptio
 
 int conclude(RunReport& run, const ImportTreeOptions& options, const dbTrans& transfer, const TreeImportFiles& files,
              const Account& account) {
-    std::cout << importedInto(account.database(databaseOf(options)), options.trial) << '\n';
-    run.printSummary(std::cout);
+    run.printSummary(importedInto(account.database(databaseOf(options)), options.trial));
     const bool whole = arrivedWhole(run, transfer, files);
     remark(run, options, files);
     return whole ? kDone : kFailed;
 }
 
 int runImportTree(const ImportTreeOptions& options, RunReport& run) {
+    run.dryRun = options.trial;
     const TreePlace place = findTree(options.from, options.user);
     const Account account(options.account);
     const SecretText key = findKey(options.key, account);
-    run.dryRun = options.trial;
     dbTrans transfer;
     transfer.dbKey = key.text();
     checkForWriting(transfer, account, databaseOf(options));

@@ -56,8 +56,7 @@ int runInspect(const InspectOptions& options, RunReport& run) {
         std::cout << jsonOf(summary) << '\n';
         return kDone;
     }
-    std::cout << "Package " << printable(place.parent) << "/qelmsg_0 of user " << printable(options.user) << '\n';
-    run.printSummary(std::cout);
+    run.printSummary("Package " + printable(place.parent) + "/qelmsg_0 of user " + printable(options.user));
     printConversations(summary, std::cout);
     printDamage(summary.facts);
     return kDone;

@@ -1,6 +1,5 @@
 #include "app/command_sample.h"
 
-#include <iostream>
 #include <map>
 #include <memory>
 
@@ -11,7 +10,6 @@
 #include "app/sample_attachment.h"
 #include "app/sample_conversation.h"
 #include "app/sample_plan.h"
-#include "app/units.h"
 #include "host/fixed_text.h"
 #include "host/tools.h"
 #include "transfer/attachment_body.h"
@@ -145,8 +143,7 @@ int runSample(const SampleOptions& options, RunReport& run) {
     job.run();
     progress.complete();
     summarise(run.summary, transfer, options, job);
-    std::cout << "Made the sample account " << printable(account.root()) << '\n';
-    run.printSummary(std::cout);
+    run.printSummary("Made the sample account " + printable(account.root()));
     return kDone;
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
-#include <iostream>
 #include <memory>
 
 #include "app/failure.h"
@@ -12,7 +11,6 @@
 #include "app/printable.h"
 #include "app/progress_bar.h"
 #include "app/sample_tree.h"
-#include "app/units.h"
 #include "host/tools.h"
 #include "transfer/dbTrans.h"
 #include "transfer/progress_report.h"
@@ -79,8 +77,7 @@ int runSampleTree(const SampleTreeOptions& options, RunReport& run) {
     });
     progress.complete();
     summarise(run.summary, sample.counts(), options);
-    std::cout << "Made the plain sample tree " << printable(folder) << '\n';
-    run.printSummary(std::cout);
+    run.printSummary("Made the plain sample tree " + printable(folder));
     return kDone;
 }
 

@@ -81,9 +81,7 @@ int runVerify(const VerifyOptions& options, RunReport& run) {
     Verification verification({options.since, directionOf(options), database}, place, transfer);
     verification.run(progress);
     summarise(run.summary, verification.counts());
-    std::cout << "Held " << printable(place.parent) << "/qelmsg_0 against " << printable(account.database(database))
-              << '\n';
-    run.printSummary(std::cout);
+    run.printSummary("Held " + printable(place.parent) + "/qelmsg_0 against " + printable(account.database(database)));
     return conclude(verification.report(), options, run);
 }
 

@@ -49,13 +49,11 @@ void summarise(Summary& summary, const view::ViewCounts& counts, const ViewSourc
 
 // Says what the pages do not show. True when nothing was lost on the way that the package or tree has.
 bool shownWhole(RunReport& run, const view::ViewCounts& counts, const ViewSource& source) {
-    const auto complain = [&run](long long count, const std::string& words) {
-        if (count > 0) run.warn(grouped(count) + " " + words);
-    };
-    complain(counts.media.missing, "attachments are not in it: their messages say so");
-    complain(counts.media.refused, "attachments have names that lead elsewhere, or are no files: they were not copied");
-    complain(counts.media.failed, "attachments could not be copied");
-    complain(source.leftOut.skippedCount, "files or parts could not be read, see below");
+    run.warnOf(
+        {{counts.media.missing, "attachments are not in it: their messages say so"},
+         {counts.media.refused, "attachments have names that lead elsewhere, or are no files: they were not copied"},
+         {counts.media.failed, "attachments could not be copied"},
+         {source.leftOut.skippedCount, "files or parts could not be read, see below"}});
     run.leaveOut(source.leftOut);
     return counts.media.failed == 0 && source.leftOut.skippedCount == 0;
 }
@@ -74,8 +72,7 @@ int makePages(const ViewOptions& options, RunReport& run, const std::string& roo
     staging.publish();
     progress.complete();
     summarise(run.summary, counts, source, target);
-    std::cout << "Made pages of " << printable(source.root) << " in " << printable(target) << '\n';
-    run.printSummary(std::cout);
+    run.printSummary("Made pages of " + printable(source.root) + " in " + printable(target));
     std::cout << "Open " << printable(target) << "/index.html in a browser.\n";
     return shownWhole(run, counts, source) ? kDone : kFailed;
 }

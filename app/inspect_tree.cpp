@@ -39,6 +39,7 @@ struct TreeSummary {
     TreeFacts facts;
     PackageSummary messages;  ///< its facts and attachments stay empty
     AttachmentCounts attachments;
+    unsigned long long bytes = 0;
     const TreeContactFile* takenContacts = nullptr;  ///< in the facts; the one of which an import takes the contacts
 
     long long contacts() const { return takenContacts != nullptr ? sizeOf(takenContacts->contacts) : 0; }
@@ -54,6 +55,7 @@ TreeSummary summarise(const TreeSource& source, const std::string& key) {
     });
     attachments.collect(summary.facts.notes);
     summary.attachments = attachments.count();
+    summary.bytes = sizeOfFolder(source.root);
     summary.takenContacts = lastListedFile(source, summary.facts.contactFiles);
     if (summary.takenContacts != nullptr) summary.messages.addNames(summary.takenContacts->contacts);
     return summary;
@@ -75,7 +77,7 @@ TreeFileCounts countsOf(const TreeFacts& facts, const char* ending) {
     return found != facts.files.end() ? found->second : TreeFileCounts();
 }
 
-void addTotals(Summary& table, const TreeSource& source, const TreeSummary& summary) {
+void addTotals(Summary& table, const TreeSummary& summary) {
     const TreeFacts& facts = summary.facts;
     for (const FileKind& kind : kFileKinds)
         table.add(std::string("storedAs.") + kind.key, kind.words, stateText(countsOf(facts, kind.ending)));
@@ -85,7 +87,7 @@ void addTotals(Summary& table, const TreeSource& source, const TreeSummary& summ
     table.add("notes.read", "Notes", sizeOf(facts.notes));
     table.add("rooms.read", "Rooms", sizeOf(facts.rooms));
     addAttachmentTotals(table, summary.attachments);
-    table.addSize("bytes", "Size", sizeOfFolder(source.root));
+    table.addSize("bytes", "Size", summary.bytes);
 }
 
 void printUnreadable(const TreeFacts& facts) {
@@ -127,7 +129,7 @@ void addContacts(JSON_Object* object, const TreeSummary& summary) {
     }
 }
 
-std::string jsonText(const TreeSource& source, const TreeSummary& summary) {
+std::string jsonText(const TreeSummary& summary) {
     const tools::JsonDocument document(json_value_init_object());
     JSON_Object* object = json_value_get_object(document.get());
     addFiles(object, summary.facts);
@@ -141,7 +143,7 @@ std::string jsonText(const TreeSource& source, const TreeSummary& summary) {
     set(object, "notes", sizeOf(summary.facts.notes));
     set(object, "rooms", sizeOf(summary.facts.rooms));
     addAttachments(object, summary.attachments);
-    set(object, "bytes", static_cast<long long>(sizeOfFolder(source.root)));
+    set(object, "bytes", static_cast<long long>(summary.bytes));
     addConversations(object, summary.messages);
     return prettyTextOf(document);
 }
@@ -150,13 +152,12 @@ std::string jsonText(const TreeSource& source, const TreeSummary& summary) {
 
 int inspectTree(const TreeSource& source, const std::string& key, bool json, RunReport& run) {
     const TreeSummary summary = summarise(source, key);
-    addTotals(run.summary, source, summary);
+    addTotals(run.summary, summary);
     if (json) {
-        std::cout << jsonText(source, summary) << '\n';
+        std::cout << jsonText(summary) << '\n';
         return kDone;
     }
-    std::cout << "Tree " << printable(source.root) << " of user " << printable(source.user) << '\n';
-    run.printSummary(std::cout);
+    run.printSummary("Tree " + printable(source.root) + " of user " + printable(source.user));
     if (summary.facts.contactFiles.size() > 1) std::cout << '\n';
     printContactFiles(std::cout, summary.facts.contactFiles, summary.takenContacts, "taken");
     printConversations(summary.messages, std::cout);

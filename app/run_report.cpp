@@ -102,6 +102,21 @@ void RunReport::warn(const std::string& text) {
     warnings_.push_back(text);
 }
 
+bool RunReport::warnOf(const std::vector<std::pair<long long, const char*>>& things) {
+    bool any = false;
+    for (const auto& [count, words] : things) {
+        if (count == 0) continue;
+        warn(grouped(count) + " " + words);
+        any = true;
+    }
+    return any;
+}
+
+void RunReport::printSummary(const std::string& heading) const {
+    std::cout << heading << '\n';
+    summary.print(std::cout, seconds());
+}
+
 void RunReport::leaveOut(const TransferReport& report) {
     printLeftOut(report, std::cerr);
     for (const TransferReport::Skipped& skipped : report.skipped)

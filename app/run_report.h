@@ -3,8 +3,8 @@
 #pragma once
 
 #include <ctime>
-#include <iosfwd>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/failure.h"
@@ -36,11 +36,14 @@ public:
     /// Seconds since the beginning of the run.
     double seconds() const { return watch_.seconds(); }
 
-    /// The table that ends a command's output.
-    void printSummary(std::ostream& out) const { summary.print(out, seconds()); }
+    /// Prints the table that ends a command's output, below a line that says what was done.
+    void printSummary(const std::string& heading) const;
 
     /// Prints the warning, and keeps it for the report.
     void warn(const std::string& text);
+
+    /// Warns of each number of things that is not 0. True when there was one.
+    bool warnOf(const std::vector<std::pair<long long, const char*>>& things);
 
     /// Prints what was left out, and keeps it for the report.
     void leaveOut(const TransferReport& report);

@@ -34,9 +34,7 @@ VerifyReport verifyTree(const TreeSource& source, const Account& account, Databa
     verification.run();
     progress.complete();
     summarise(run.summary, verification.counts());
-    std::cout << "Held the tree " << printable(source.root) << " against " << printable(account.database(database))
-              << '\n';
-    run.printSummary(std::cout);
+    run.printSummary("Held the tree " + printable(source.root) + " against " + printable(account.database(database)));
     if (database == Database::main) {
         printContactFiles(std::cout, verification.facts().contactFiles, verification.contactFile(), "compared");
     }

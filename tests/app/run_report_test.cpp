@@ -190,6 +190,18 @@ TEST_F(RunReport, ThatCannotBeWrittenIsNoticedBeforeAnythingIsDone) {
     EXPECT_FALSE(hasPackage("package"));
 }
 
+TEST_F(RunReport, UnderANameThatIsTooLongIsRefused) {
+    const Outcome run = sample("account", {"--report", at(std::string(300, 'a') + "/report.json")});
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_SAYS("File name too long", run.err);
+    EXPECT_FALSE(exists(at("account")));
+}
+
+TEST_F(RunReport, OfADryRunThatFailsAtOnceSaysThatItWasOne) {
+    ASSERT_EXIT_CODE(1, importInto("copy", "nowhere", {"--dry-run", "--report", report()}));
+    EXPECT_EQ("true", said("dryRun"));
+}
+
 TEST_F(RunReport, LeavesNothingBesideItself) {
     makeSample("account");
     fs::create_directory(at("reports"));
