@@ -4,6 +4,10 @@ function(chat_transfer_own_code target)
   if(CHAT_TRANSFER_WARNINGS_AS_ERRORS)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
+  # Where these have 32 bits by default: attachments of more than 2 GiB, and clocks behind 2038.
+  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64 _TIME_BITS=64)
+  endif()
   if(CHAT_TRANSFER_SANITIZE)
     target_compile_options(${target} PUBLIC -fsanitize=${CHAT_TRANSFER_SANITIZE} -fno-sanitize-recover=all
                                             -fno-omit-frame-pointer)

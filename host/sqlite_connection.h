@@ -2,9 +2,9 @@
 #pragma once
 
 #include <sqlite3.h>
-#include <sys/types.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -25,8 +25,8 @@ using StatementHandle = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
 
 /// Which file a path named at one moment.
 struct FileIdentity {
-    dev_t device = 0;
-    ino_t inode = 0;
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
 
     bool operator==(const FileIdentity& other) const { return device == other.device && inode == other.inode; }
 };

@@ -27,6 +27,10 @@ TEST(ClockOf, KnowsNoTimeOfDayForTimesThatAreNone) {
     EXPECT_FALSE(clockOf(std::numeric_limits<long long>::min()));
 }
 
+TEST(ClockOf, KnowsTimesBehind2038) {
+    EXPECT_TRUE(clockOf(4102444800000));
+}
+
 TEST(ClockOf, TakesAnyTimeThatTheFormatCanHold) {
     const auto clock = clockOf(std::numeric_limits<long long>::max());
     EXPECT_TRUE(!clock || (clock->hour >= 0 && clock->hour < 24));

@@ -44,7 +44,7 @@ TEST(Markup, MakesNoElementAttributeOrEntityOfAnyText) {
     for (int round = 0; round < 20000; ++round) {
         std::string text;
         for (auto length = random() % 24; length > 0; --length)
-            text += kBytes[random() % kBytes.size()];
+            text += kBytes[static_cast<std::size_t>(random() % kBytes.size())];
         const std::string html = Markup().text(shownText(text)).html();
         ASSERT_EQ(std::string::npos, html.find_first_of(R"(<>"')")) << html;
         ASSERT_TRUE(tools::isWellFormedUtf8(html));
