@@ -88,14 +88,13 @@ FileHandle walk(int from, std::string_view parents, MissingFolders missing) {
     return reached;
 }
 
-enum class Kind { none, regular, other };
-
-Kind kindOf(const Place& place) {
+FileKind kindAt(const Place& place) {
+    if (!place.valid()) return place.missing() || place.refused() ? FileKind::none : FileKind::unknown;
     struct stat status {};
-    if (!place.valid() || fstatat(place.folder, place.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
-        return Kind::none;
+    if (fstatat(place.folder, place.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        return detail::meansAbsent(errno) ? FileKind::none : FileKind::unknown;
     }
-    return S_ISREG(status.st_mode) ? Kind::regular : Kind::other;
+    return S_ISREG(status.st_mode) ? FileKind::regular : FileKind::other;
 }
 
 FileOutcome copyBetween(const Place& source, const Place& target, Flush flush) {
@@ -161,10 +160,14 @@ Place ConfinedFolder::find(const std::string& name) {
     return place;
 }
 
+FileKind ConfinedFolder::kindOf(const std::string& name) {
+    if (hasVanished(name)) return FileKind::none;
+    if (hasAppeared(name)) return FileKind::regular;
+    return kindAt(find(name));
+}
+
 bool ConfinedFolder::hasFile(const std::string& name) {
-    if (hasVanished(name)) return false;
-    if (hasAppeared(name)) return true;
-    return kindOf(find(name)) == Kind::regular;
+    return kindOf(name) == FileKind::regular;
 }
 
 bool ConfinedFolder::hasFolder(const std::string& name) {
@@ -174,12 +177,7 @@ bool ConfinedFolder::hasFolder(const std::string& name) {
 bool ConfinedFolder::isTaken(const std::string& name) {
     if (hasAppeared(name)) return true;
     const Place place = find(name);
-    return place.valid() ? kindOf(place) != Kind::none : !place.missing();
-}
-
-bool ConfinedFolder::sees(const std::string& name) {
-    if (hasAppeared(name)) return true;
-    return kindOf(find(name)) != Kind::none;
+    return place.valid() ? kindAt(place) != FileKind::none : !place.missing();
 }
 
 bool ConfinedFolder::read(const std::string& name, std::string& bytes) try {
@@ -240,8 +238,9 @@ FileOutcome ConfinedFolder::transferTo(ConfinedFolder& to, const std::string& so
     const Place from = find(source);
     if (from.missing()) return FileOutcome::missing;
     if (!from.valid()) return from.refused() ? FileOutcome::refused : FileOutcome::failed;
-    const Kind kind = kindOf(from);
-    if (kind != Kind::regular) return kind == Kind::none ? FileOutcome::missing : FileOutcome::refused;
+    const FileKind kind = kindAt(from);
+    if (kind == FileKind::none) return FileOutcome::missing;
+    if (kind == FileKind::other) return FileOutcome::refused;
     const Place place = to.find(target);
     const bool appears = place.missing() && to.hasAppeared(parentsOf(target));
     if (!place.valid() && !appears) return place.refused() ? FileOutcome::refused : FileOutcome::failed;

@@ -25,6 +25,14 @@ enum class MissingFolders { stay, create };
 /// appended, not resolved, and empty components count for nothing.
 bool isConfinedName(const std::string& name);
 
+/// What stands at a name.
+enum class FileKind {
+    none,  ///< nothing, or nothing that can be reached without following a link
+    regular,
+    other,    ///< a folder, a symbolic link, a device
+    unknown,  ///< nobody can look: an input/output error, a folder without permission
+};
+
 /// What became of a confined copy or move.
 enum class FileOutcome {
     done,     ///< the target holds the file
@@ -48,19 +56,18 @@ public:
     /// it has noted counts as done. Null changes nothing.
     void rehearse(Rehearsal* rehearsal) { rehearsal_ = rehearsal; }
 
-    /// True when `name` is a regular file that can be reached without following a symbolic link beneath the folder.
+    /// True when `name` is certainly a regular file that can be reached without following a symbolic link beneath the
+    /// folder.
     bool hasFile(const std::string& name);
 
     /// True when `name` is a directory that can be reached without following a symbolic link beneath the folder.
     bool hasFolder(const std::string& name);
 
-    /// True when anything at all stands at `name`, a symbolic link included, or when the name is not confined: in both
-    /// cases nothing may be put there.
+    /// True when anything at all stands or may stand at `name`, a symbolic link included, or when the name is not
+    /// confined: in all these cases nothing may be put there.
     bool isTaken(const std::string& name);
 
-    /// True when something is seen to stand at `name`. Where nobody can look (a link on the way, an input/output error)
-    /// it is false, and a copy there says why it fails.
-    bool sees(const std::string& name);
+    FileKind kindOf(const std::string& name);
 
     /// Reads all of the regular file `name`; false when it is missing, no regular file, or cannot be read.
     bool read(const std::string& name, std::string& bytes);

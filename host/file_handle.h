@@ -34,6 +34,9 @@ private:
 /// Never blocks on FIFOs and devices. `followLinks` says whether `name` itself may be a symbolic link.
 FileHandle openRegularFile(int folder, const char* name, bool followLinks);
 
+/// Whether a call that gave `error` for a name has thereby said that nothing is there.
+bool meansAbsent(int error);
+
 /// Copies all bytes from one descriptor to the other, in the kernel where it can.
 bool copyBytes(int from, int to);
 
@@ -66,7 +69,8 @@ private:
 /// Writes all of `bytes`.
 bool writeAll(int descriptor, const char* bytes, std::size_t size);
 
-/// Reads the rest of the file into `bytes`; false on a read error.
+/// Reads the rest of the file into `bytes`; false on a read error. Throws std::bad_alloc when it has more bytes than
+/// fit the memory.
 bool readAll(int descriptor, std::string& bytes);
 
 }  // namespace tools::detail

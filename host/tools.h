@@ -14,6 +14,15 @@ bool fileExist(const char* path);
 /// fileExist() for a string: 1 or 0.
 int isFileExsit(const std::string& path);
 
+enum class Presence {
+    absent,   ///< nothing can be at the path: it, or a folder on the way, does not exist
+    present,  ///< what fileExist() is true for
+    unknown,  ///< nobody can look: an input/output error, a folder without permission
+};
+
+/// fileExist() for callers to whom a failure of the machine is no answer: what may be there must not be taken for lost.
+Presence presenceOf(const std::string& path);
+
 /// Creates the directory `path` and every missing parent, readable by their owner only (mode 0700): they hold private
 /// messages. 0 when the directory exists afterwards, -1 otherwise.
 int createDir(const char* path);

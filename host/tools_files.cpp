@@ -36,6 +36,11 @@ int isFileExsit(const std::string& path) {
     return fileExist(path.c_str()) ? 1 : 0;
 }
 
+Presence presenceOf(const std::string& path) {
+    if (fileExist(path.c_str())) return Presence::present;
+    return detail::meansAbsent(errno) ? Presence::absent : Presence::unknown;
+}
+
 int createDir(const char* path) {
     if (path == nullptr || *path == '\0') return -1;
     const std::string whole = path;

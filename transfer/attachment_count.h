@@ -11,4 +11,15 @@ namespace transfer {
 /// Counts what became of the attachment `name`, and lists it with the reason when it was left out.
 void countAttachment(TransferReport& report, const std::string& name, tools::FileOutcome outcome);
 
+/// Counts the attachment `name` as present when something stands at its place in the account; takes it over, with
+/// take(), only where certainly nothing stands: a file of the user's is never overwritten.
+template <class Take>
+void takeUnlessPresent(TransferReport& report, const std::string& name, tools::FileKind atTarget, Take take) {
+    if (atTarget == tools::FileKind::regular || atTarget == tools::FileKind::other) {
+        ++report.attachmentsPresent;
+    } else {
+        countAttachment(report, name, atTarget == tools::FileKind::none ? take() : tools::FileOutcome::failed);
+    }
+}
+
 }  // namespace transfer

@@ -117,7 +117,9 @@ tools::FileOutcome exportAttachment(tools::ConfinedFolder& account, tools::Confi
     std::string name;
     tools::getNameFromPath(path, name);
     if (!tools::isConfinedName(path) || !tools::isConfinedName(name)) return tools::FileOutcome::refused;
-    if (!account.hasFile(name)) return tools::FileOutcome::missing;
+    const tools::FileKind kind = account.kindOf(name);
+    if (kind == tools::FileKind::unknown) return tools::FileOutcome::failed;
+    if (kind != tools::FileKind::regular) return tools::FileOutcome::missing;
     // For a path without "/" this makes a folder of the attachment's own name, onto which the copy then fails.
     package.createFolder(transfer::folderOf(path));
     return account.copyTo(package, name, path, tools::Flush::later);
@@ -288,7 +290,7 @@ int dbTrans::exportFile() {
         }
     }
     // Message files and attachments become durable together: a flush for each would cost more than the export.
-    const bool anythingToFlush = tools::fileExist(imFileDir.c_str());
+    const bool anythingToFlush = tools::presenceOf(imFileDir) != tools::Presence::absent;
     if (anythingToFlush && !tools::flushFileSystem(imFileDir))
         report.skip(imFileDir, "the package could not be flushed to the disk");
     transfer::notifyShare(*this, 2, attachmentTotal, attachmentTotal);

@@ -37,11 +37,8 @@ void restore(TransferReport& report, tools::ConfinedFolder& package, const std::
 
 void restoreIfAbsent(TransferReport& report, tools::ConfinedFolder& package, const std::string& packagePath,
                      tools::ConfinedFolder& account, const std::string& name) {
-    if (account.sees(name)) {
-        ++report.attachmentsPresent;
-    } else {
-        restore(report, package, packagePath, account, name);
-    }
+    transfer::takeUnlessPresent(report, packagePath, account.kindOf(name),
+                                [&] { return package.copyTo(account, packagePath, name); });
 }
 
 void restoreImage(TransferReport& report, transfer::AttachmentFolders& folders, const std::string& packagePath) {
@@ -248,7 +245,10 @@ unsigned int dbTrans::rdMsgFromFile() {
     std::string text;
     for (int i = 0;; ++i) {
         const std::string path = transfer::messageFilePath(msgFileDir, i);
-        if (tools::isFileExsit(path) == 0) return transfer::kSuccess;
+        const tools::Presence presence = tools::presenceOf(path);
+        if (presence == tools::Presence::unknown)
+            report.skip(path, "whether this message file is there cannot be said; none is read from here on");
+        if (presence != tools::Presence::present) return transfer::kSuccess;
         const FileResult result = readMessageFile(*this, path, text, messages);
         if (result == FileResult::wrongVersion) return transfer::kWrongVersion;
         if (result == FileResult::skipped) continue;
@@ -261,7 +261,7 @@ int dbTrans::getMsgFileNum(std::string dir) {
 }
 
 unsigned int dbTrans::rdRecontactFromFile(std::string& path) {
-    if (tools::isFileExsit(path) == 0) return transfer::kMissing;
+    if (tools::presenceOf(path) == tools::Presence::absent) return transfer::kMissing;
     reContacts.clear();
     const JsonDocument document(json_parse_file_no_link(path.c_str()));
     if (!document) {

@@ -79,11 +79,8 @@ private:
     void moveUnlessPresent(const std::string& value, tools::ConfinedFolder& user, const std::string& name,
                            MissingFolder missing) {
         if (value.empty()) return;
-        if (!user.path().empty() && user.sees(name)) {
-            ++report_.attachmentsPresent;
-            return;
-        }
-        countAttachment(report_, value, moveInto(folders_.tree, value, user, name, missing));
+        const tools::FileKind kind = user.path().empty() ? tools::FileKind::none : user.kindOf(name);
+        takeUnlessPresent(report_, value, kind, [&] { return moveInto(folders_.tree, value, user, name, missing); });
     }
 
     static std::string textOf(const JSON_Object* body, const char* key) {

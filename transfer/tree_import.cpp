@@ -79,7 +79,7 @@ int dbTrans::getfiles(std::string dir, std::vector<std::string>& files, std::str
 }
 
 int dbTrans::getsubdirs(std::string dir, std::vector<std::string>& dirs) {
-    transfer::listSubfolders(dir, dirs);
+    transfer::listSubfolders(dir, dirs, report);
     return 1;
 }
 

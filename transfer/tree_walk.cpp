@@ -22,14 +22,33 @@ struct CloseFolder {
 };
 using FolderHandle = std::unique_ptr<DIR, CloseFolder>;
 
+bool isDotEntry(const std::string& name) {
+    return name == "." || name == "..";
+}
+
+// Hands each entry but "." and ".." to take(). 0, or the error that ended the listing.
+template <class Take>
+int forEachEntry(const std::string& folder, Take take) {
+    const FolderHandle handle(opendir(folder.c_str()));
+    if (!handle) return errno;
+    for (;;) {
+        errno = 0;
+        const dirent* entry = readdir(handle.get());
+        if (entry == nullptr) return errno;
+        if (!isDotEntry(entry->d_name)) take(*entry);
+    }
+}
+
+// What is not there holds nothing; what cannot be read may hold something.
+void noteUnreadable(TransferReport& report, const std::string& path, const std::string& whatFor, int error) {
+    if (error == 0 || error == ENOENT) return;
+    report.skip(path, "cannot be searched for " + whatFor + ": " + std::generic_category().message(error));
+}
+
 std::string join(const std::string& folder, const std::string& name) {
     std::string path = folder;
     path += '/';
     return path += name;
-}
-
-bool isDotEntry(const std::string& name) {
-    return name == "." || name == "..";
 }
 
 bool endsWith(const std::string& name, const std::string& ending) {
@@ -67,23 +86,16 @@ public:
 
 private:
     void enter(const std::string& folder) {
-        const FolderHandle handle(opendir(folder.c_str()));
-        if (!handle) {
-            noteUnreadable(folder, errno);
-            return;
-        }
         Level level{folder, {}, 0};
-        while (const dirent* entry = readdir(handle.get())) {
-            std::string name = entry->d_name;
-            if (!isDotEntry(name)) level.names.push_back(std::move(name));
-        }
+        const int error = forEachEntry(folder, [&](const dirent& entry) { level.names.emplace_back(entry.d_name); });
+        noteUnreadable(report_, folder, search_.extension + " files", error);
         levels_.push_back(std::move(level));
     }
 
     void visit(const std::string& path, const std::string& name) {
         struct stat status {};
         if (lstat(path.c_str(), &status) != 0) {
-            noteUnreadable(path, errno);
+            noteUnreadable(report_, path, search_.extension + " files", errno);
         } else if (S_ISDIR(status.st_mode)) {
             enter(path);
         } else if (endsWith(name, decryptedEnding_)) {
@@ -105,13 +117,6 @@ private:
         paths_.push_back(target);
     }
 
-    // What is not there holds nothing; what cannot be read may hold something.
-    void noteUnreadable(const std::string& path, int error) {
-        if (error == ENOENT) return;
-        const std::string reason = std::generic_category().message(error);
-        report_.skip(path, "cannot be searched for " + search_.extension + " files: " + reason);
-    }
-
     const TreeSearch& search_;
     const std::string decryptedEnding_;
     std::vector<std::string>& paths_;
@@ -129,13 +134,11 @@ void listTreeFiles(const std::string& folder, const TreeSearch& search, std::vec
     if (search.extension.size() == kExtensionSize) TreeWalk(search, paths, report).run(folder);
 }
 
-void listSubfolders(const std::string& folder, std::vector<std::string>& paths) {
-    const FolderHandle handle(opendir(folder.c_str()));
-    if (!handle) return;
-    while (const dirent* entry = readdir(handle.get())) {
-        const std::string name = entry->d_name;
-        if (entry->d_type == DT_DIR && !isDotEntry(name)) paths.push_back(join(folder, name));
-    }
+void listSubfolders(const std::string& folder, std::vector<std::string>& paths, TransferReport& report) {
+    const int error = forEachEntry(folder, [&](const dirent& entry) {
+        if (entry.d_type == DT_DIR) paths.push_back(join(folder, entry.d_name));
+    });
+    noteUnreadable(report, folder, "folders", error);
 }
 
 long long conversationOfPath(const std::string& path) {

@@ -23,8 +23,9 @@ struct TreeSearch {
 void listTreeFiles(const std::string& folder, const TreeSearch& search, std::vector<std::string>& paths,
                    TransferReport& report);
 
-/// Appends the directories directly in `folder`, links to directories left out.
-void listSubfolders(const std::string& folder, std::vector<std::string>& paths);
+/// Appends the directories directly in `folder`, links to directories left out. A folder that cannot be read to its end
+/// is named in the report.
+void listSubfolders(const std::string& folder, std::vector<std::string>& paths, TransferReport& report);
 
 inline constexpr long long kNoConversation = -1;
 

@@ -1,5 +1,6 @@
 #include "tests/faults/fault_calls.h"
 
+#include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -38,6 +39,11 @@ Function next(const char* name) {
     return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
 }
 
+bool isLock(int command) {
+    return command == F_SETLK || command == F_SETLKW || command == F_SETLK64 || command == F_SETLKW64 ||
+           command == F_OFD_SETLK || command == F_OFD_SETLKW;
+}
+
 // The size of a write that is cut short: never nothing, which would be an end and no progress.
 std::size_t cutSize(std::size_t size) {
     return std::max<std::size_t>(1, size / 2);
@@ -46,8 +52,8 @@ std::size_t cutSize(std::size_t size) {
 }  // namespace
 
 std::string describe(const Fault& fault) {
-    constexpr std::array<const char*, 8> kCalls = {"open",   "read",   "write", "sync",
-                                                   "rename", "remove", "mkdir", "close"};
+    constexpr std::array<const char*, kAllCalls.size()> kCalls = {
+        "open", "read", "write", "sync", "rename", "remove", "mkdir", "close", "stat", "readdir", "lock"};
     constexpr std::array<const char*, 3> kFailures = {"EIO", "ENOSPC", "short"};
     return std::string(kCalls.at(static_cast<std::size_t>(fault.call))) + " " +
            kFailures.at(static_cast<std::size_t>(fault.failure)) +
@@ -100,6 +106,16 @@ int openat(int folder, const char* path, int flags, ...) {
     va_end(arguments);
     if (test::judge(Call::open) != Verdict::pass) return -1;
     static const auto real = test::next<int (*)(int, const char*, int, ...)>("openat");
+    return real(folder, path, flags, mode);
+}
+
+int openat64(int folder, const char* path, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    if (test::judge(Call::open) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(int, const char*, int, ...)>("openat64");
     return real(folder, path, flags, mode);
 }
 
@@ -193,6 +209,98 @@ int mkdirat(int folder, const char* path, mode_t mode) noexcept {
     if (test::judge(Call::makeFolder) != Verdict::pass) return -1;
     static const auto real = test::next<int (*)(int, const char*, mode_t)>("mkdirat");
     return real(folder, path, mode);
+}
+
+int stat(const char* path, struct stat* status) noexcept {
+    if (test::judge(Call::look) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(const char*, struct stat*)>("stat");
+    return real(path, status);
+}
+
+int lstat(const char* path, struct stat* status) noexcept {
+    if (test::judge(Call::look) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(const char*, struct stat*)>("lstat");
+    return real(path, status);
+}
+
+int fstat(int descriptor, struct stat* status) noexcept {
+    if (test::judge(Call::look) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(int, struct stat*)>("fstat");
+    return real(descriptor, status);
+}
+
+int fstatat(int folder, const char* path, struct stat* status, int flags) noexcept {
+    if (test::judge(Call::look) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(int, const char*, struct stat*, int)>("fstatat");
+    return real(folder, path, status, flags);
+}
+
+int stat64(const char* path, struct stat64* status) noexcept {
+    if (test::judge(Call::look) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(const char*, struct stat64*)>("stat64");
+    return real(path, status);
+}
+
+int lstat64(const char* path, struct stat64* status) noexcept {
+    if (test::judge(Call::look) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(const char*, struct stat64*)>("lstat64");
+    return real(path, status);
+}
+
+int fstat64(int descriptor, struct stat64* status) noexcept {
+    if (test::judge(Call::look) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(int, struct stat64*)>("fstat64");
+    return real(descriptor, status);
+}
+
+int fstatat64(int folder, const char* path, struct stat64* status, int flags) noexcept {
+    if (test::judge(Call::look) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(int, const char*, struct stat64*, int)>("fstatat64");
+    return real(folder, path, status, flags);
+}
+
+DIR* opendir(const char* path) {
+    if (test::judge(Call::list) != Verdict::pass) return nullptr;
+    static const auto real = test::next<DIR* (*)(const char*)>("opendir");
+    return real(path);
+}
+
+DIR* fdopendir(int descriptor) {
+    if (test::judge(Call::list) != Verdict::pass) return nullptr;
+    static const auto real = test::next<DIR* (*)(int)>("fdopendir");
+    return real(descriptor);
+}
+
+struct dirent* readdir(DIR* folder) {
+    if (test::judge(Call::list) != Verdict::pass) return nullptr;
+    static const auto real = test::next<struct dirent* (*)(DIR*)>("readdir");
+    return real(folder);
+}
+
+struct dirent64* readdir64(DIR* folder) {
+    if (test::judge(Call::list) != Verdict::pass) return nullptr;
+    static const auto real = test::next<struct dirent64* (*)(DIR*)>("readdir64");
+    return real(folder);
+}
+
+int fcntl(int descriptor, int command, ...) {
+    va_list arguments;
+    va_start(arguments, command);
+    void* const argument = va_arg(arguments, void*);
+    va_end(arguments);
+    if (test::isLock(command) && test::judge(Call::lock) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(int, int, ...)>("fcntl");
+    return real(descriptor, command, argument);
+}
+
+int fcntl64(int descriptor, int command, ...) {
+    va_list arguments;
+    va_start(arguments, command);
+    void* const argument = va_arg(arguments, void*);
+    va_end(arguments);
+    if (test::isLock(command) && test::judge(Call::lock) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(int, int, ...)>("fcntl64");
+    return real(descriptor, command, argument);
 }
 
 // A close that fails has closed all the same.

@@ -10,10 +10,23 @@
 
 namespace test {
 
-enum class Call { open, read, write, sync, rename, remove, makeFolder, close };
+enum class Call {
+    open,
+    read,
+    write,
+    sync,
+    rename,
+    remove,
+    makeFolder,
+    close,
+    look,  ///< stat() and its kin
+    list,  ///< the entries of a folder
+    lock,
+};
 
-inline constexpr std::array<Call, 8> kAllCalls = {Call::open,   Call::read,   Call::write,      Call::sync,
-                                                  Call::rename, Call::remove, Call::makeFolder, Call::close};
+inline constexpr std::array<Call, 11> kAllCalls = {Call::open,   Call::read,   Call::write,      Call::sync,
+                                                   Call::rename, Call::remove, Call::makeFolder, Call::close,
+                                                   Call::look,   Call::list,   Call::lock};
 
 enum class Failure {
     inputOutput,  ///< EIO

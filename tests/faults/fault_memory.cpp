@@ -1,5 +1,7 @@
 #include "tests/faults/fault_memory.h"
 
+#include <sqlite3.h>
+
 #include <cstdlib>
 #include <new>
 
@@ -27,9 +29,28 @@ void* takeJson(std::size_t size) {
     return refuses(Memory::json) ? nullptr : std::malloc(size);
 }
 
+sqlite3_mem_methods databaseMemory;
+
+void* takeForDatabase(int size) {
+    return refuses(Memory::database) ? nullptr : databaseMemory.xMalloc(size);
+}
+void* takeMoreForDatabase(void* block, int size) {
+    return refuses(Memory::database) ? nullptr : databaseMemory.xRealloc(block, size);
+}
+
+// SQLite takes new functions only while nothing of it is in use, that is before the first database.
+const bool kDatabaseAsksHere = [] {
+    sqlite3_config(SQLITE_CONFIG_GETMALLOC, &databaseMemory);
+    sqlite3_mem_methods ours = databaseMemory;
+    ours.xMalloc = takeForDatabase;
+    ours.xRealloc = takeMoreForDatabase;
+    return sqlite3_config(SQLITE_CONFIG_MALLOC, &ours) == SQLITE_OK;
+}();
+
 }  // namespace
 
 RefusedMemory::RefusedMemory(Memory memory, long long nth, bool fromThenOn) {
+    if (!kDatabaseAsksHere) std::abort();
     json_set_allocation_functions(takeJson, std::free);
     plan = {true, memory, nth, fromThenOn, 0};
 }

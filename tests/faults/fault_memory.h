@@ -1,9 +1,10 @@
-// Memory that runs out when a test says so: operator new of the whole test program, and the blocks of JSON values.
+// Memory that runs out when a test says so: operator new of the whole test program, the blocks of JSON values, and
+// those of SQLite.
 #pragma once
 
 namespace test {
 
-enum class Memory { objects, json };
+enum class Memory { objects, json, database };
 
 /// While it lives, the `nth` request (from 1) for memory of the kind on this thread is refused, once or from then on.
 class RefusedMemory {

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <new>
 #include <sstream>
+#include <utility>
 
 #include "host/CAES.h"
 #include "host/fixed_text.h"
@@ -43,35 +44,36 @@ std::string createTable(const std::string& name) {
 }
 
 // Three conversations of one day each, so that a message file holds the whole batch of one.
-void makeAccount(const std::string& path) {
+void makeAccount(const std::string& path, const char* key) {
     const std::string body = R"({"mediaUrl":"2002/x","fileName":"note.txt"})";
     const std::string image = R"({"mediaUrl":"2002/a.jpg","thumbUrl":"2002/b.jpg"})";
     runSql(path + "/db/imsg.db",
            {createTable("im_msg_11"), createTable("im_msg_12"), createTable("im_msg_13"),
             insertMessages("im_msg_11", 20, 1, 0, std::string(300, 'm')), insertMessages("im_msg_12", 3, 2, 6, body),
             insertMessages("im_msg_13", 1, 3, 5, image), transfer::kCreateRecentContactTable,
-            "insert into im_reContact(targetID, name, time, top) values(11, 'one', 5, 0), (12, 'two', 6, 4)"});
-    runSql(path + "/db/backimsg.db", {});
+            "insert into im_reContact(targetID, name, time, top) values(11, 'one', 5, 0), (12, 'two', 6, 4)"},
+           key);
+    runSql(path + "/db/backimsg.db", {}, key);
     write(path + "/file/note.txt", "note");
     write(path + "/image/a.jpg", std::string(3000, 'a'));
     write(path + "/image/b.jpg", "b");
     fs::create_directories(path + "/audio");
 }
 
-void makeEmptyAccount(const std::string& path) {
-    runSql(path + "/db/imsg.db", {});
-    runSql(path + "/db/backimsg.db", {});
-    runSql(path + "/db/plugin/kab.db", {});
+void makeEmptyAccount(const std::string& path, const char* key) {
+    for (const char* database : {"/db/imsg.db", "/db/backimsg.db", "/db/plugin/kab.db"})
+        runSql(path + database, {}, key);
     for (const char* folder : {"/audio", "/file", "/image", "/video"})
         fs::create_directories(path + folder);
 }
 
 // An account that has one of the package's conversations in part, and one of its own.
-void fillAccount(const std::string& path) {
+void fillAccount(const std::string& path, const char* key) {
     runSql(path + "/db/imsg.db",
            {createTable("im_msg_11"), createTable("im_msg_99"), insertMessages("im_msg_11", 5, 1, 0, "mine"),
             insertMessages("im_msg_99", 2, 1, 0, "mine"), transfer::kCreateRecentContactTable,
-            "insert into im_reContact(targetID, name, time, top) values(12, 'mine', 9, 0)"});
+            "insert into im_reContact(targetID, name, time, top) values(12, 'mine', 9, 0)"},
+           key);
 }
 
 void encrypt(const std::string& path, const std::string& text) {
@@ -116,14 +118,14 @@ void set(dbTrans& transfer, const std::string& path) {
     transfer.userVideoDir = path + "/account/video/";
 }
 
-// Decrypts with the key of the tree into databases without one.
+// Decrypts with the key of the tree, and imports with that of the databases.
 void importTree(dbTrans& transfer, std::string& codes) {
     const auto note = [&codes](int code) { codes += std::to_string(static_cast<unsigned>(code)) + " "; };
-    transfer.dbKey = kTreeKey;
+    const std::string databaseKey = std::exchange(transfer.dbKey, kTreeKey);
     std::vector<std::string> files;
     for (const char* ending : {".ct", ".mg", ".nt", ".rm"})
         transfer.getfiles(transfer.backupPath + "/qelbackup/" + kUser + "/", files, ending);
-    transfer.dbKey.clear();
+    transfer.dbKey = databaseKey;
     note(transfer.rdAllFromFileNJ());
     note(transfer.wtAllToDBNJ());
 }
@@ -142,53 +144,60 @@ void runCodes(Operation operation, dbTrans& transfer, std::string& codes) {
     }
 }
 
+const char* keyOf(const Scenario& scenario) {
+    return scenario.key.empty() ? nullptr : scenario.key.c_str();
+}
+
 bool isTemporary(const std::string& name) {
     return name.compare(0, 5, ".new-") == 0 || name.compare(0, 6, ".caes-") == 0;
 }
 
-void addDatabase(State& state, const std::string& path, const std::string& name) {
-    EXPECT_EQ("ok", queryText(path, "PRAGMA integrity_check", 1)) << name;
+void addDatabase(State& state, const std::string& path, const std::string& name, const char* key) {
+    EXPECT_EQ("ok", queryText(path, "PRAGMA integrity_check", 1, key)) << name;
     // SQLite's own table of the numbers that it gave out tells nothing of the user's.
     std::istringstream tables(queryText(
-        path, "select name from sqlite_master where type = 'table' and name != 'sqlite_sequence' order by 1", 1));
+        path, "select name from sqlite_master where type = 'table' and name != 'sqlite_sequence' order by 1", 1, key));
     for (std::string table; std::getline(tables, table);) {
-        const std::string count = queryText(path, "select count(*) from pragma_table_info('" + table + "')", 1);
-        state[name + ":" + table] = queryText(path, "select * from " + table + " order by 1, 2", std::stoi(count));
+        const std::string count = queryText(path, "select count(*) from pragma_table_info('" + table + "')", 1, key);
+        state[name + ":" + table] = queryText(path, "select * from " + table + " order by 1, 2", std::stoi(count), key);
     }
 }
 
 }  // namespace
 
-std::string nameOf(Operation operation) {
+std::string nameOf(const Scenario& scenario) {
     constexpr std::array<const char*, 4> kNames = {"Export", "ImportIntoAFreshAccount", "ImportIntoAnExistingAccount",
                                                    "TreeImport"};
-    return kNames.at(static_cast<std::size_t>(operation));
+    const std::string name = kNames.at(static_cast<std::size_t>(scenario.operation));
+    return scenario.key.empty() ? name : name + "Keyed";
 }
 
-void makeWorld(Operation operation, const std::string& path) {
-    if (operation == Operation::importTree) {
-        makeEmptyAccount(path + "/account");
+void makeWorld(const Scenario& scenario, const std::string& path) {
+    const char* key = keyOf(scenario);
+    if (scenario.operation == Operation::importTree) {
+        makeEmptyAccount(path + "/account", key);
         makeTree(path + "/backup");
         return;
     }
-    makeAccount(path + "/account");
+    makeAccount(path + "/account", key);
     fs::create_directories(path + "/backup");
-    if (operation == Operation::exportAll) return;
-    ASSERT_TRUE(run(Operation::exportAll, path).complete);
+    if (scenario.operation == Operation::exportAll) return;
+    ASSERT_TRUE(run({Operation::exportAll, scenario.key}, path).complete);
     fs::remove_all(path + "/account");
-    makeEmptyAccount(path + "/account");
-    if (operation == Operation::importExisting) fillAccount(path + "/account");
+    makeEmptyAccount(path + "/account", key);
+    if (scenario.operation == Operation::importExisting) fillAccount(path + "/account", key);
 }
 
-Ending run(Operation operation, const std::string& path, const Around& around) {
+Ending run(const Scenario& scenario, const std::string& path, const Around& around) {
     dbTrans transfer;
     set(transfer, path);
+    transfer.dbKey = scenario.key;
     std::string codes;
     codes.reserve(200);
     bool outOfMemory = false;
     around([&] {
         try {
-            runCodes(operation, transfer, codes);
+            runCodes(scenario.operation, transfer, codes);
         } catch (const std::bad_alloc&) {
             outOfMemory = true;
         }
@@ -207,11 +216,11 @@ void prepareAgain(Operation operation, const std::string& path) {
     if (operation == Operation::exportAll) fs::remove_all(path + "/backup/qelmsg_0");
 }
 
-State stateOf(const std::string& path) {
+State stateOf(const Scenario& scenario, const std::string& path) {
     State state;
     for (const char* name : {"db/imsg.db", "db/plugin/kab.db"}) {
         const std::string database = path + "/account/" + name;
-        if (fs::exists(database)) addDatabase(state, database, name);
+        if (fs::exists(database)) addDatabase(state, database, name, keyOf(scenario));
     }
     for (const auto& entry : fs::recursive_directory_iterator(path)) {
         const std::string name = entry.path().lexically_relative(path).string();

@@ -2,6 +2,7 @@
 // more: the pages of the list of tables, for example, are in the cache since databases are looked at when they open.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <new>
 
 #include "host/json_tree.h"
@@ -40,6 +41,49 @@ TEST_F(SingleFault, InTheListOfTablesIsReported) {
     EXPECT_EQ("the list of tables", transfer.report.skipped[0].what);
 }
 
+// Lets the 1st, 2nd, ... look at a file fail in an import into an account with a picture of the package's name.
+void failEachLook(Duration duration, const std::function<void(const std::string& path, const Ending&)>& check) {
+    bool struck = true;
+    for (long long nth = 1; struck; ++nth) {
+        const TempDir home;
+        makeWorld(Operation::importFresh, home.path());
+        home.write("account/image/a.jpg", "mine");
+        const Ending ending = run(Operation::importFresh, home.path(), [&](const std::function<void()>& operation) {
+            const InjectedFault fault({Call::look, Failure::inputOutput, duration}, nth);
+            operation();
+            struck = fault.struck();
+        });
+        check(home.path(), ending);
+    }
+}
+
+TEST(FailingLook, LetsAnImportOverwriteNoFileOfTheUsers) {
+    failEachLook(Duration::once, [](const std::string& path, const Ending& ending) {
+        EXPECT_EQ("mine", readFile(path + "/account/image/a.jpg")) << ending.words;
+    });
+}
+
+TEST(FailingLook, AtAMessageFileIsReportedAndEndsTheReading) {
+    bool reported = false;
+    failEachLook(Duration::fromThenOn, [&](const std::string& /*path*/, const Ending& ending) {
+        reported = reported || ending.words.find("msg_0.mg: whether this message file is there") != std::string::npos;
+    });
+    EXPECT_TRUE(reported);
+}
+
+TEST(FailingListing, OfAFolderOfTheTreeIsReported) {
+    const TempDir home;
+    makeWorld(Operation::importTree, home.path());
+    dbTrans transfer;
+    std::vector<std::string> files;
+    {
+        const InjectedFault fault({Call::list, Failure::inputOutput, Duration::once}, 2);
+        transfer.getfiles(home.at("backup/qelbackup/1001"), files, ".xx");
+    }
+    ASSERT_EQ(1U, transfer.report.skipped.size());
+    EXPECT_NE(std::string::npos, transfer.report.skipped[0].reason.find("cannot be searched for .xx files"));
+}
+
 TEST_F(SingleFault, AtTheEndOfATransactionNeedsNoMemoryForItsReason) {
     imsdk::dbUtils db;
     ASSERT_NE(0, db.open(database().c_str(), nullptr));
@@ -52,6 +96,18 @@ TEST_F(SingleFault, AtTheEndOfATransactionNeedsNoMemoryForItsReason) {
     }
     EXPECT_TRUE(db.transactionFailed());
     EXPECT_EQ("20", queryText(database(), "select count(*) from im_msg_11", 1));
+}
+
+TEST_F(SingleFault, OfTheDatabasesMemoryLetsNoOpeningCrash) {
+    bool struck = true;
+    for (long long nth = 1; struck; ++nth) {
+        const RefusedMemory refused(Memory::database, nth, false);
+        imsdk::dbUtils db;
+        if (db.open(database().c_str(), nullptr) == 0) {
+            EXPECT_NE("", db.lastError()) << nth;
+        }
+        struck = refused.struck();
+    }
 }
 
 TEST_F(SingleFault, OfMemoryDoesNotMakeATextPassForBrokenJson) {

@@ -8,6 +8,7 @@
 namespace {
 
 using tools::ConfinedFolder;
+using tools::FileKind;
 using tools::FileOutcome;
 
 class Rehearsal : public testing::Test {
@@ -37,9 +38,9 @@ TEST_F(Rehearsal, MovesNothingAndSaysThatItWouldHave) {
 }
 
 TEST_F(Rehearsal, SeesWhatWouldHaveBeenCopied) {
-    EXPECT_FALSE(to_.sees("b.jpg"));
+    EXPECT_EQ(FileKind::none, to_.kindOf("b.jpg"));
     from_.copyTo(to_, "a.jpg", "b.jpg");
-    EXPECT_TRUE(to_.sees("b.jpg"));
+    EXPECT_EQ(FileKind::regular, to_.kindOf("b.jpg"));
     EXPECT_TRUE(to_.isTaken("b.jpg"));
     EXPECT_TRUE(to_.hasFile("b.jpg"));
 }
@@ -48,7 +49,7 @@ TEST_F(Rehearsal, SeesItFromAnotherFolderObjectOfTheSamePlace) {
     from_.copyTo(to_, "a.jpg", "b.jpg");
     ConfinedFolder again(home_.at("to/"));
     again.rehearse(&rehearsal_);
-    EXPECT_TRUE(again.sees("./b.jpg"));
+    EXPECT_EQ(FileKind::regular, again.kindOf("./b.jpg"));
 }
 
 TEST_F(Rehearsal, MissesWhatWouldHaveBeenMovedAway) {
@@ -59,7 +60,7 @@ TEST_F(Rehearsal, MissesWhatWouldHaveBeenMovedAway) {
 
 TEST_F(Rehearsal, StillMissesWhatIsNotThere) {
     EXPECT_EQ(FileOutcome::missing, from_.copyTo(to_, "none.jpg", "b.jpg"));
-    EXPECT_FALSE(to_.sees("b.jpg"));
+    EXPECT_EQ(FileKind::none, to_.kindOf("b.jpg"));
 }
 
 TEST_F(Rehearsal, StillRefusesLinksAndNamesThatLeadOut) {
@@ -76,7 +77,7 @@ TEST_F(Rehearsal, CopiesIntoAFolderThatWouldHaveBeenCreated) {
     EXPECT_EQ(0, to_.createFolder("sub"));
     EXPECT_EQ("", test::listing(home_.at("to")));
     EXPECT_EQ(FileOutcome::done, from_.copyTo(to_, "a.jpg", "sub/b.jpg"));
-    EXPECT_TRUE(to_.sees("sub/b.jpg"));
+    EXPECT_EQ(FileKind::regular, to_.kindOf("sub/b.jpg"));
 }
 
 TEST_F(Rehearsal, CreatesNoFolderBehindALink) {

@@ -84,6 +84,20 @@ TEST_F(FileExistTest, ALinkExistsWhenItsTargetDoes) {
     EXPECT_FALSE(fileExists("dangling"));
 }
 
+TEST_F(FileExistTest, FilesOfMoreThanFourGibibytesExist) {
+    fs::resize_file(dir.write("file", ""), std::uintmax_t{5} << 30);
+    EXPECT_TRUE(fileExists("file"));
+}
+
+TEST_F(FileExistTest, PresenceTellsWhatIsNotThereFromWhatIs) {
+    dir.write("file", "");
+    EXPECT_EQ(tools::Presence::present, tools::presenceOf(dir.at("file")));
+    for (const std::string name : {"missing", "missing/file", "file/below"})
+        EXPECT_EQ(tools::Presence::absent, tools::presenceOf(dir.at(name))) << name;
+    EXPECT_EQ(tools::Presence::absent, tools::presenceOf(dir.at(std::string(300, 'x'))));
+    EXPECT_EQ(tools::Presence::absent, tools::presenceOf(""));
+}
+
 using CreateDirTest = ToolsFilesTest;
 
 TEST_F(CreateDirTest, MakesTheDirectoryWithItsParents) {
