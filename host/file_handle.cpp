@@ -7,7 +7,9 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
+#include <new>
 #include <utility>
 
 namespace tools::detail {
@@ -46,6 +48,12 @@ int copyInKernel(int from, int to) {
     }
 }
 #endif
+
+// A sparse file can have more bytes than any text: the same to callers as memory that runs out.
+void makeRoom(std::string& bytes, std::uintmax_t size) {
+    if (size > bytes.max_size()) throw std::bad_alloc();
+    bytes.resize(static_cast<std::size_t>(size));
+}
 
 // Names of one process differ by the counter, those of several by the process id; a leftover of a crash is passed over.
 std::string temporaryNameFor(const std::string& name) {
@@ -108,14 +116,14 @@ bool readAll(int descriptor, std::string& bytes) {
     struct stat status {};
     if (fstat(descriptor, &status) != 0) return false;
     // One byte more than the file has: the read that finds the end then needs no further room.
-    bytes.resize(static_cast<std::size_t>(status.st_size) + 1);
+    makeRoom(bytes, static_cast<std::uintmax_t>(status.st_size) + 1);
     std::size_t filled = 0;
     for (;;) {
         const ssize_t count = readSome(descriptor, bytes.data() + filled, bytes.size() - filled);
         if (count < 0) return false;
         if (count == 0) break;
         filled += static_cast<std::size_t>(count);
-        if (filled == bytes.size()) bytes.resize(bytes.size() * 2);
+        if (filled == bytes.size()) makeRoom(bytes, std::uintmax_t{bytes.size()} * 2);
     }
     bytes.resize(filled);
     return true;
