@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -79,6 +80,11 @@ std::vector<std::string> Account::databases() const {
     return {database(Database::main), database(Database::back), pluginDatabase()};
 }
 
+bool isFree(const std::string& database) {
+    struct stat status {};
+    return lstat(database.c_str(), &status) != 0 && tools::detail::meansAbsent(errno);
+}
+
 std::vector<std::string> makeMissingParts(const Account& account, const std::string& key) {
     for (const char* folder : {"/db/plugin", transfer::kAudioFolder, transfer::kImageFolder, transfer::kFileFolder}) {
         makeFolder(account.root() + folder);
@@ -87,7 +93,7 @@ std::vector<std::string> makeMissingParts(const Account& account, const std::str
     std::vector<std::string> made;
     for (const std::string& path : account.databases()) {
         removeUnfinished(path);
-        if (tools::fileExist(path.c_str())) continue;
+        if (!isFree(path)) continue;
         makeDatabase(path, key);
         made.push_back(path);
     }

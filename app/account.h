@@ -30,6 +30,10 @@ inline imsdk::dbUtils& connection(dbTrans& transfer, Database which) {
     return which == Database::main ? transfer.mainDb : transfer.backDb;
 }
 
+/// Whether the database may be made. A link that leads nowhere is the user's (the disk that it leads to may be away),
+/// and where nobody can look there may be a database already.
+bool isFree(const std::string& database);
+
 /// Makes what the account lacks: its folders, for their owner only, and its databases, encrypted when there is a key.
 /// What is there stays as it is. Returns the paths of the databases made. Throws Failure.
 std::vector<std::string> makeMissingParts(const Account& account, const std::string& key);

@@ -52,7 +52,7 @@ void readMessageFile(const std::string& path, PackageFacts& facts, const Take& t
 
 void readContacts(const PackagePlace& place, PackageFacts& facts) {
     const std::string path = place.messages + transfer::kRecentContactFileName;
-    if (tools::isFileExsit(path) == 0) return;
+    if (tools::presenceOf(path) == tools::Presence::absent) return;
     const JsonDocument document(json_parse_file_no_link(path.c_str()));
     const JSON_Object* file = json_value_get_object(document.get());
     const JSON_Array* contacts = json_object_get_array(file, transfer::kRecentContactsKey);
@@ -90,6 +90,8 @@ PackageFacts readPackage(const PackagePlace& place, const Take& take) {
     facts.filesBehindGap = countFilesBehindGap(place);
     for (int number = 0; number < facts.messageFiles; ++number)
         readMessageFile(messagePath(place, number), facts, take);
+    const std::string next = messagePath(place, facts.messageFiles);
+    if (tools::presenceOf(next) == tools::Presence::unknown) facts.unreadable.push_back(next);
     readContacts(place, facts);
     return facts;
 }

@@ -2,7 +2,6 @@
 
 #include <iostream>
 
-#include "app/closed_database.h"
 #include "app/printable.h"
 
 namespace app {
@@ -24,7 +23,7 @@ void makeAccountReady(const Account& account, const std::string& key) {
 
 void tellWhatIsMissing(const Account& account, const std::string& key) {
     for (const std::string& path : account.databases()) {
-        if (lookAt(path) == FileLook::missing) printNew("Would make", path, key);
+        if (isFree(path)) printNew("Would make", path, key);
     }
 }
 

@@ -31,7 +31,7 @@ RehearsalAccount::RehearsalAccount(const Account& real, const std::string& key) 
 }
 
 void RehearsalAccount::copyDatabase(const std::string& from, const std::string& to, const std::string& key) const {
-    if (lookAt(from) == FileLook::missing) return;
+    if (isFree(from)) return;
     const char* keyText = key.empty() ? nullptr : key.c_str();
     imsdk::dbUtils source;
     if (source.open(from.c_str(), keyText) == 0) throw Failure(wordsForClosed(source, from, !key.empty()));

@@ -209,6 +209,18 @@ TEST_F(ImportCommand, OnAFullDiskFailsAndCanBeRepeated) {
     EXPECT_EXIT_CODE(0, verify("package", "copy"));
 }
 
+TEST_F(ImportCommand, LeavesALinkToADatabaseThatIsAwayAlone) {
+    makePackage("account", "package");
+    fs::create_directories(at("copy/db"));
+    fs::create_symlink(at("unplugged/imsg.db"), mainDatabase("copy"));
+    for (const Arguments& more : {Arguments{}, Arguments{"--dry-run"}}) {
+        const Outcome run = importInto("copy", "package", more);
+        EXPECT_EXIT_CODE(1, run);
+        EXPECT_SAYS("there is no such file", run.err);
+        EXPECT_TRUE(fs::is_symlink(mainDatabase("copy")));
+    }
+}
+
 TEST_F(ImportCommand, NeverChangesThePackage) {
     makePackage("account", "package");
     const std::string before = listing(messageFolder("package"));
