@@ -75,7 +75,7 @@ bool InjectedFault::struck() const {
 using test::Call;
 using test::Verdict;
 
-// NOLINTBEGIN(cert-dcl50-cpp,cppcoreguidelines-pro-type-vararg,readability-inconsistent-declaration-parameter-name):
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp,cert-dcl50-cpp,cppcoreguidelines-pro-type-vararg,readability-inconsistent-declaration-parameter-name):
 // the signatures are those of the C library.
 extern "C" {
 
@@ -303,6 +303,33 @@ int fcntl64(int descriptor, int command, ...) {
     return real(descriptor, command, argument);
 }
 
+#if __SIZEOF_POINTER__ == 4
+// What code with 64-bit times calls on 32-bit systems; the structures are larger than those that this source knows.
+int __stat64_time64(const char* path, void* status) {
+    if (test::judge(Call::look) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(const char*, void*)>("__stat64_time64");
+    return real(path, status);
+}
+
+int __lstat64_time64(const char* path, void* status) {
+    if (test::judge(Call::look) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(const char*, void*)>("__lstat64_time64");
+    return real(path, status);
+}
+
+int __fstat64_time64(int descriptor, void* status) {
+    if (test::judge(Call::look) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(int, void*)>("__fstat64_time64");
+    return real(descriptor, status);
+}
+
+int __fstatat64_time64(int folder, const char* path, void* status, int flags) {
+    if (test::judge(Call::look) != Verdict::pass) return -1;
+    static const auto real = test::next<int (*)(int, const char*, void*, int)>("__fstatat64_time64");
+    return real(folder, path, status, flags);
+}
+#endif
+
 // A close that fails has closed all the same.
 int close(int descriptor) {
     static const auto real = test::next<int (*)(int)>("close");
@@ -310,4 +337,4 @@ int close(int descriptor) {
     return test::judge(Call::close) == Verdict::pass ? result : -1;
 }
 }
-// NOLINTEND(cert-dcl50-cpp,cppcoreguidelines-pro-type-vararg,readability-inconsistent-declaration-parameter-name)
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp,cert-dcl50-cpp,cppcoreguidelines-pro-type-vararg,readability-inconsistent-declaration-parameter-name)
