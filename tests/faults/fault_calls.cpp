@@ -40,8 +40,8 @@ Function next(const char* name) {
 }
 
 bool isLock(int command) {
-    return command == F_SETLK || command == F_SETLKW || command == F_SETLK64 || command == F_SETLKW64 ||
-           command == F_OFD_SETLK || command == F_OFD_SETLKW;
+    constexpr std::array<int, 6> kLocks = {F_SETLK, F_SETLKW, F_SETLK64, F_SETLKW64, F_OFD_SETLK, F_OFD_SETLKW};
+    return std::find(kLocks.begin(), kLocks.end(), command) != kLocks.end();
 }
 
 // The size of a write that is cut short: never nothing, which would be an end and no progress.

@@ -18,9 +18,13 @@ constexpr bool smallStackIsMeaningful() {
 #endif
 }
 
-/// Half of it, for JSON: optimised, also a parser that recurses for each level gets by with the whole, and is found out
-/// only here.
+/// Less of it, for JSON: optimised, also a parser that recurses for each level gets by with the whole, and is found out
+/// only here. What frees a tree does recurse, in larger frames on 64-bit ARM.
+#ifdef __aarch64__
+inline constexpr std::size_t kStackForJson = kSmallStack / 4 * 3;
+#else
 inline constexpr std::size_t kStackForJson = kSmallStack / 2;
+#endif
 
 /// Runs work() to its end on a thread with a stack of `size` bytes.
 void onSmallStack(const std::function<void()>& work, std::size_t size = kSmallStack);
