@@ -358,6 +358,12 @@ TEST_F(CAESTest, ANewerVersionIsNamedThoughItsHeaderIsShorter) {
     expectRefused(container, "written by a newer version of the format (257)");
 }
 
+TEST_F(CAESTest, AVersionThatNeverWasIsRefused) {
+    std::string container = containerOf("hello");
+    container[9] = 0;
+    expectRefused(container, "damaged header: no such version");
+}
+
 TEST_F(CAESTest, AnUnknownMethodIsRefused) {
     std::string container = containerOf("hello");
     container[10] = 2;

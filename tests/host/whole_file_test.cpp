@@ -7,6 +7,7 @@
 #include <fstream>
 #include <limits>
 
+#include "host/confined_files.h"
 #include "host/whole_file.h"
 #include "tests/host/posix_helpers.h"
 #include "tests/support/temp_dir.h"
@@ -52,6 +53,7 @@ TEST(WholeFile, OfMoreBytesThanAnyTextIsNotRead) {
     if (!file.made()) GTEST_SKIP() << "no file system here takes such a file";
     std::string bytes;
     EXPECT_FALSE(tools::readWholeFile(file.path(), bytes));
+    EXPECT_FALSE(tools::ConfinedFolder("/").read(file.path(), bytes));
 }
 
 TEST(WholeFile, ThatIsALinkOrNoRegularFileIsNotRead) {
