@@ -39,9 +39,33 @@ Function next(const char* name) {
     return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
 }
 
+// Calls the function of that name and type in the C library, unless the call has to fail.
+template <class Function, class Result, class... Arguments>
+Result passOrFailAs(Call call, Result failure, const char* name, Arguments... arguments) {
+    return judge(call) == Verdict::pass ? next<Function>(name)(arguments...) : failure;
+}
+
+// The same for a function that takes just these arguments.
+template <class Result, class... Arguments>
+Result passOrFail(Call call, Result failure, const char* name, Arguments... arguments) {
+    return passOrFailAs<Result (*)(Arguments...)>(call, failure, name, arguments...);
+}
+
+// The mode behind the flags of open(), which is there for new files only.
+mode_t modeFor(int flags, va_list arguments) {
+    return (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
+}
+
 bool isLock(int command) {
     constexpr std::array<int, 6> kLocks = {F_SETLK, F_SETLKW, F_SETLK64, F_SETLKW64, F_OFD_SETLK, F_OFD_SETLKW};
     return std::find(kLocks.begin(), kLocks.end(), command) != kLocks.end();
+}
+
+// Of all that fcntl() does, only locks fail.
+int fcntlOrFail(const char* name, int descriptor, int command, void* argument) {
+    using Fcntl = int (*)(int, int, ...);
+    if (isLock(command)) return passOrFailAs<Fcntl>(Call::lock, -1, name, descriptor, command, argument);
+    return next<Fcntl>(name)(descriptor, command, argument);
 }
 
 // The size of a write that is cut short: never nothing, which would be an end and no progress.
@@ -82,53 +106,42 @@ extern "C" {
 int open(const char* path, int flags, ...) {
     va_list arguments;
     va_start(arguments, flags);
-    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
+    const mode_t mode = test::modeFor(flags, arguments);
     va_end(arguments);
-    if (test::judge(Call::open) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(const char*, int, ...)>("open");
-    return real(path, flags, mode);
+    return test::passOrFailAs<int (*)(const char*, int, ...)>(Call::open, -1, "open", path, flags, mode);
 }
 
 int open64(const char* path, int flags, ...) {
     va_list arguments;
     va_start(arguments, flags);
-    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
+    const mode_t mode = test::modeFor(flags, arguments);
     va_end(arguments);
-    if (test::judge(Call::open) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(const char*, int, ...)>("open64");
-    return real(path, flags, mode);
+    return test::passOrFailAs<int (*)(const char*, int, ...)>(Call::open, -1, "open64", path, flags, mode);
 }
 
 int openat(int folder, const char* path, int flags, ...) {
     va_list arguments;
     va_start(arguments, flags);
-    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
+    const mode_t mode = test::modeFor(flags, arguments);
     va_end(arguments);
-    if (test::judge(Call::open) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(int, const char*, int, ...)>("openat");
-    return real(folder, path, flags, mode);
+    return test::passOrFailAs<int (*)(int, const char*, int, ...)>(Call::open, -1, "openat", folder, path, flags, mode);
 }
 
 int openat64(int folder, const char* path, int flags, ...) {
     va_list arguments;
     va_start(arguments, flags);
-    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
+    const mode_t mode = test::modeFor(flags, arguments);
     va_end(arguments);
-    if (test::judge(Call::open) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(int, const char*, int, ...)>("openat64");
-    return real(folder, path, flags, mode);
+    return test::passOrFailAs<int (*)(int, const char*, int, ...)>(Call::open, -1, "openat64", folder, path, flags,
+                                                                   mode);
 }
 
 ssize_t read(int descriptor, void* bytes, size_t size) {
-    if (test::judge(Call::read) != Verdict::pass) return -1;
-    static const auto real = test::next<ssize_t (*)(int, void*, size_t)>("read");
-    return real(descriptor, bytes, size);
+    return test::passOrFail<ssize_t>(Call::read, -1, "read", descriptor, bytes, size);
 }
 
 ssize_t pread64(int descriptor, void* bytes, size_t size, off64_t offset) {
-    if (test::judge(Call::read) != Verdict::pass) return -1;
-    static const auto real = test::next<ssize_t (*)(int, void*, size_t, off64_t)>("pread64");
-    return real(descriptor, bytes, size, offset);
+    return test::passOrFail<ssize_t>(Call::read, -1, "pread64", descriptor, bytes, size, offset);
 }
 
 ssize_t write(int descriptor, const void* bytes, size_t size) {
@@ -170,117 +183,79 @@ int syncfs(int /*descriptor*/) noexcept {
 }
 
 int rename(const char* from, const char* to) noexcept {
-    if (test::judge(Call::rename) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(const char*, const char*)>("rename");
-    return real(from, to);
+    return test::passOrFail(Call::rename, -1, "rename", from, to);
 }
 
 int renameat(int fromFolder, const char* from, int toFolder, const char* to) noexcept {
-    if (test::judge(Call::rename) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(int, const char*, int, const char*)>("renameat");
-    return real(fromFolder, from, toFolder, to);
+    return test::passOrFail(Call::rename, -1, "renameat", fromFolder, from, toFolder, to);
 }
 
 int unlink(const char* path) noexcept {
-    if (test::judge(Call::remove) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(const char*)>("unlink");
-    return real(path);
+    return test::passOrFail(Call::remove, -1, "unlink", path);
 }
 
 int unlinkat(int folder, const char* path, int flags) noexcept {
-    if (test::judge(Call::remove) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(int, const char*, int)>("unlinkat");
-    return real(folder, path, flags);
+    return test::passOrFail(Call::remove, -1, "unlinkat", folder, path, flags);
 }
 
 int remove(const char* path) noexcept {
-    if (test::judge(Call::remove) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(const char*)>("remove");
-    return real(path);
+    return test::passOrFail(Call::remove, -1, "remove", path);
 }
 
 int mkdir(const char* path, mode_t mode) noexcept {
-    if (test::judge(Call::makeFolder) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(const char*, mode_t)>("mkdir");
-    return real(path, mode);
+    return test::passOrFail(Call::makeFolder, -1, "mkdir", path, mode);
 }
 
 int mkdirat(int folder, const char* path, mode_t mode) noexcept {
-    if (test::judge(Call::makeFolder) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(int, const char*, mode_t)>("mkdirat");
-    return real(folder, path, mode);
+    return test::passOrFail(Call::makeFolder, -1, "mkdirat", folder, path, mode);
 }
 
 int stat(const char* path, struct stat* status) noexcept {
-    if (test::judge(Call::look) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(const char*, struct stat*)>("stat");
-    return real(path, status);
+    return test::passOrFail(Call::look, -1, "stat", path, status);
 }
 
 int lstat(const char* path, struct stat* status) noexcept {
-    if (test::judge(Call::look) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(const char*, struct stat*)>("lstat");
-    return real(path, status);
+    return test::passOrFail(Call::look, -1, "lstat", path, status);
 }
 
 int fstat(int descriptor, struct stat* status) noexcept {
-    if (test::judge(Call::look) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(int, struct stat*)>("fstat");
-    return real(descriptor, status);
+    return test::passOrFail(Call::look, -1, "fstat", descriptor, status);
 }
 
 int fstatat(int folder, const char* path, struct stat* status, int flags) noexcept {
-    if (test::judge(Call::look) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(int, const char*, struct stat*, int)>("fstatat");
-    return real(folder, path, status, flags);
+    return test::passOrFail(Call::look, -1, "fstatat", folder, path, status, flags);
 }
 
 int stat64(const char* path, struct stat64* status) noexcept {
-    if (test::judge(Call::look) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(const char*, struct stat64*)>("stat64");
-    return real(path, status);
+    return test::passOrFail(Call::look, -1, "stat64", path, status);
 }
 
 int lstat64(const char* path, struct stat64* status) noexcept {
-    if (test::judge(Call::look) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(const char*, struct stat64*)>("lstat64");
-    return real(path, status);
+    return test::passOrFail(Call::look, -1, "lstat64", path, status);
 }
 
 int fstat64(int descriptor, struct stat64* status) noexcept {
-    if (test::judge(Call::look) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(int, struct stat64*)>("fstat64");
-    return real(descriptor, status);
+    return test::passOrFail(Call::look, -1, "fstat64", descriptor, status);
 }
 
 int fstatat64(int folder, const char* path, struct stat64* status, int flags) noexcept {
-    if (test::judge(Call::look) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(int, const char*, struct stat64*, int)>("fstatat64");
-    return real(folder, path, status, flags);
+    return test::passOrFail(Call::look, -1, "fstatat64", folder, path, status, flags);
 }
 
 DIR* opendir(const char* path) {
-    if (test::judge(Call::list) != Verdict::pass) return nullptr;
-    static const auto real = test::next<DIR* (*)(const char*)>("opendir");
-    return real(path);
+    return test::passOrFail<DIR*>(Call::list, nullptr, "opendir", path);
 }
 
 DIR* fdopendir(int descriptor) {
-    if (test::judge(Call::list) != Verdict::pass) return nullptr;
-    static const auto real = test::next<DIR* (*)(int)>("fdopendir");
-    return real(descriptor);
+    return test::passOrFail<DIR*>(Call::list, nullptr, "fdopendir", descriptor);
 }
 
 struct dirent* readdir(DIR* folder) {
-    if (test::judge(Call::list) != Verdict::pass) return nullptr;
-    static const auto real = test::next<struct dirent* (*)(DIR*)>("readdir");
-    return real(folder);
+    return test::passOrFail<struct dirent*>(Call::list, nullptr, "readdir", folder);
 }
 
 struct dirent64* readdir64(DIR* folder) {
-    if (test::judge(Call::list) != Verdict::pass) return nullptr;
-    static const auto real = test::next<struct dirent64* (*)(DIR*)>("readdir64");
-    return real(folder);
+    return test::passOrFail<struct dirent64*>(Call::list, nullptr, "readdir64", folder);
 }
 
 int fcntl(int descriptor, int command, ...) {
@@ -288,9 +263,7 @@ int fcntl(int descriptor, int command, ...) {
     va_start(arguments, command);
     void* const argument = va_arg(arguments, void*);
     va_end(arguments);
-    if (test::isLock(command) && test::judge(Call::lock) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(int, int, ...)>("fcntl");
-    return real(descriptor, command, argument);
+    return test::fcntlOrFail("fcntl", descriptor, command, argument);
 }
 
 int fcntl64(int descriptor, int command, ...) {
@@ -298,35 +271,25 @@ int fcntl64(int descriptor, int command, ...) {
     va_start(arguments, command);
     void* const argument = va_arg(arguments, void*);
     va_end(arguments);
-    if (test::isLock(command) && test::judge(Call::lock) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(int, int, ...)>("fcntl64");
-    return real(descriptor, command, argument);
+    return test::fcntlOrFail("fcntl64", descriptor, command, argument);
 }
 
 #if __SIZEOF_POINTER__ == 4
 // What code with 64-bit times calls on 32-bit systems; the structures are larger than those that this source knows.
 int __stat64_time64(const char* path, void* status) {
-    if (test::judge(Call::look) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(const char*, void*)>("__stat64_time64");
-    return real(path, status);
+    return test::passOrFail(Call::look, -1, "__stat64_time64", path, status);
 }
 
 int __lstat64_time64(const char* path, void* status) {
-    if (test::judge(Call::look) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(const char*, void*)>("__lstat64_time64");
-    return real(path, status);
+    return test::passOrFail(Call::look, -1, "__lstat64_time64", path, status);
 }
 
 int __fstat64_time64(int descriptor, void* status) {
-    if (test::judge(Call::look) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(int, void*)>("__fstat64_time64");
-    return real(descriptor, status);
+    return test::passOrFail(Call::look, -1, "__fstat64_time64", descriptor, status);
 }
 
 int __fstatat64_time64(int folder, const char* path, void* status, int flags) {
-    if (test::judge(Call::look) != Verdict::pass) return -1;
-    static const auto real = test::next<int (*)(int, const char*, void*, int)>("__fstatat64_time64");
-    return real(folder, path, status, flags);
+    return test::passOrFail(Call::look, -1, "__fstatat64_time64", folder, path, status, flags);
 }
 #endif
 
