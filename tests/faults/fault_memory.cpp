@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <array>
 #include <cstdlib>
 #include <new>
 
@@ -48,6 +49,11 @@ const bool kDatabaseAsksHere = [] {
 }();
 
 }  // namespace
+
+std::string describe(Memory memory) {
+    constexpr std::array<const char*, 3> kWords = {"no memory", "no memory for JSON", "no memory for the database"};
+    return kWords.at(static_cast<std::size_t>(memory));
+}
 
 RefusedMemory::RefusedMemory(Memory memory, long long nth, bool fromThenOn) {
     if (!kDatabaseAsksHere) std::abort();

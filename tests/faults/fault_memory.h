@@ -2,9 +2,13 @@
 // those of SQLite.
 #pragma once
 
+#include <string>
+
 namespace test {
 
 enum class Memory { objects, json, database };
+
+std::string describe(Memory memory);
 
 /// While it lives, the `nth` request (from 1) for memory of the kind on this thread is refused, once or from then on.
 class RefusedMemory {

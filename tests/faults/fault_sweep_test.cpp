@@ -116,17 +116,6 @@ TEST_P(FaultSweep, OfCallsLeavesNothingHalfDoneOrUnsaid) {
     }
 }
 
-std::string describe(Memory memory) {
-    switch (memory) {
-        case Memory::json:
-            return "no memory for JSON";
-        case Memory::database:
-            return "no memory for the database";
-        default:
-            return "no memory";
-    }
-}
-
 TEST_P(FaultSweep, OfMemoryLeavesNothingHalfDoneOrUnsaid) {
     for (const Memory memory : {Memory::objects, Memory::json, Memory::database}) {
         for (const bool fromThenOn : {false, true}) {
