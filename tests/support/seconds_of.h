@@ -5,6 +5,13 @@
 
 namespace test {
 
+/// How many times as long as the machine itself an emulator may take.
+#ifdef CHAT_TRANSFER_EMULATED
+inline constexpr int kSlowness = 5;
+#else
+inline constexpr int kSlowness = 1;
+#endif
+
 template <class Work>
 double secondsOf(Work work) {
     const auto start = std::chrono::steady_clock::now();
