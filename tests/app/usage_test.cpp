@@ -149,18 +149,20 @@ TEST_F(Usage, ControlCharactersOfAnArgumentAreSpelledOut) {
     EXPECT_FALSE(hasControlCharacter(run.err));
 }
 
+Outcome printOntoAFullDisk(const std::string& arguments) {
+    const std::string command = std::string("exec ") + CHAT_TRANSFER_PROGRAM + " " + arguments;
+    return runProgram("/bin/sh", {"-c", command + " > /dev/full"});
+}
+
 TEST_F(Usage, HelpThatCannotBePrintedIsAFailure) {
-    const Outcome run =
-        runProgram("/bin/sh", {"-c", std::string("exec ") + CHAT_TRANSFER_PROGRAM + " --help > /dev/full"});
+    const Outcome run = printOntoAFullDisk("--help");
     EXPECT_EXIT_CODE(1, run);
     EXPECT_SAYS("could not be printed", run.err);
 }
 
 TEST_F(Usage, ResultsThatCannotBePrintedAreAFailure) {
     makePackage("account", "package");
-    const std::string command =
-        std::string("exec ") + CHAT_TRANSFER_PROGRAM + " inspect " + at("package") + " --user " + kUser;
-    const Outcome run = runProgram("/bin/sh", {"-c", command + " > /dev/full"});
+    const Outcome run = printOntoAFullDisk("inspect " + at("package") + " --user " + kUser);
     EXPECT_EXIT_CODE(1, run);
     EXPECT_SAYS("could not be printed", run.err);
 }
