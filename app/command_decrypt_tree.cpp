@@ -5,6 +5,7 @@
 
 #include "app/failure.h"
 #include "app/folder_staging.h"
+#include "app/interruption.h"
 #include "app/left_out.h"
 #include "app/paths.h"
 #include "app/printable.h"
@@ -50,6 +51,8 @@ int runDecryptTree(const DecryptTreeOptions& options, RunReport& run) {
     const std::string target = resolvedPath(options.to).string();
     refuseTargetInside(place.root, target);
     const SecretText key = requireKey(options.key, options.to, KeyPurpose::unlock);
+    // Decrypted texts must not stay in the hidden folder.
+    const InterruptsMark interrupts;
     FolderStaging staging(target, kStagedTree);
     ProgressBar progress(run.phases);
     progress.begin("Decrypting", {{1, "Decrypting"}});

@@ -5,6 +5,7 @@
 
 #include "app/failure.h"
 #include "app/folder_staging.h"
+#include "app/interruption.h"
 #include "app/paths.h"
 #include "app/printable.h"
 #include "app/tree_conversion.h"
@@ -54,6 +55,7 @@ int runEncryptTree(const EncryptTreeOptions& options, RunReport& run) {
     const std::string target = treeFolderIn(options.to, options.user);
     refuseTargetInside(from, target);
     const SecretText key = requireKey(options.key, options.to, KeyPurpose::choose);
+    const InterruptsMark interrupts;
     FolderStaging staging(target, kStagedTree);
     ProgressBar progress(run.phases);
     progress.begin("Encrypting", {{1, "Encrypting"}});

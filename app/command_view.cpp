@@ -3,10 +3,12 @@
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "app/failure.h"
 #include "app/folder_staging.h"
+#include "app/interruption.h"
 #include "app/paths.h"
 #include "app/printable.h"
 #include "app/progress_bar.h"
@@ -63,18 +65,25 @@ int makePages(const ViewOptions& options, RunReport& run, const std::string& roo
               const std::function<ViewSource()>& read) {
     const std::string target = resolvedPath(options.to).string();
     refuseTargetInside(root, target);
+    // Private texts must not stay in the hidden folder.
+    const InterruptsMark interrupts;
     FolderStaging staging(target, kStagedPages);
     ProgressBar progress(run.phases);
-    progress.begin("Reading the messages", {{1, "Writing pages"}});
-    ViewSource source = read();
-    const view::ViewCounts counts =
-        view::writeView(source.history, std::move(source.attachments), staging.folder(), shownBy(progress));
+    std::optional<ViewSource> source;
+    view::ViewCounts counts;
+    const auto work = [&] {
+        progress.begin("Reading the messages", {{1, "Writing pages"}});
+        source = read();
+        counts = view::writeView(source->history, std::move(source->attachments), staging.folder(), shownBy(progress));
+        leaveIfInterrupted();
+    };
+    interruptible(work, wordsForNothingDone);
     staging.publish();
     progress.complete();
-    summarise(run.summary, counts, source, target);
-    run.printSummary("Made pages of " + printable(source.root) + " in " + printable(target));
+    summarise(run.summary, counts, *source, target);
+    run.printSummary("Made pages of " + printable(source->root) + " in " + printable(target));
     std::cout << "Open " << printable(target) << "/index.html in a browser.\n";
-    return shownWhole(run, counts, source) ? kDone : kFailed;
+    return shownWhole(run, counts, *source) ? kDone : kFailed;
 }
 
 int runView(const ViewOptions& options, RunReport& run) {

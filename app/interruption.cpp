@@ -9,6 +9,7 @@ namespace app {
 namespace {
 
 volatile std::sig_atomic_t marked = 0;
+int marksAlive = 0;
 
 // Only what a signal handler may do.
 void mark(int /*signal*/) {
@@ -28,13 +29,14 @@ void onInterrupts(void (*handler)(int), int flags) {
 }  // namespace
 
 InterruptsMark::InterruptsMark() {
+    if (marksAlive++ > 0) return;
     marked = 0;
     // The mark must not make a read or write that it falls into fail.
     onInterrupts(mark, static_cast<int>(SA_RESTART | SA_RESETHAND));
 }
 
 InterruptsMark::~InterruptsMark() {
-    onInterrupts(SIG_DFL, 0);
+    if (--marksAlive == 0) onInterrupts(SIG_DFL, 0);
 }
 
 void leaveIfInterrupted() {
@@ -48,6 +50,10 @@ void interruptible(const std::function<void()>& work, const std::function<Failur
     } catch (const LeaveWork&) {
         throw Interrupted(words());
     }
+}
+
+FailureWords wordsForNothingDone() {
+    return {0, "Interrupted; nothing was made or changed", "", "", ""};
 }
 
 }  // namespace app

@@ -11,7 +11,7 @@
 namespace app {
 
 /// While it lives, SIGINT and SIGTERM only leave a mark, and a line that says so. The second signal of a kind ends the
-/// program as if nobody had caught it.
+/// program as if nobody had caught it. One that is made while another lives changes nothing.
 class InterruptsMark {
 public:
     InterruptsMark();
@@ -36,5 +36,8 @@ public:
 
 /// Runs work() unless the mark is set already. When work is left, words() says what has been done and what is to do.
 void interruptible(const std::function<void()>& work, const std::function<FailureWords()>& words);
+
+/// The words of work that leaves nothing behind when it is left.
+FailureWords wordsForNothingDone();
 
 }  // namespace app

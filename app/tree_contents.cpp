@@ -211,10 +211,7 @@ TreeFacts readTree(const TreeSource& source, const std::string& key, const std::
     // Decrypted texts must not stay in the private folder.
     const InterruptsMark interrupts;
     TreeFacts facts;
-    interruptible([&] { facts = TreeReader(source, key, take).run(); },
-                  [] {
-                      return FailureWords{0, "Interrupted; nothing was made or changed", "", "", ""};
-                  });
+    interruptible([&] { facts = TreeReader(source, key, take).run(); }, wordsForNothingDone);
     return facts;
 }
 

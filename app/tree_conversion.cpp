@@ -7,6 +7,7 @@
 
 #include "app/account.h"
 #include "app/failure.h"
+#include "app/interruption.h"
 #include "app/tree_files.h"
 #include "host/CAES.h"
 #include "host/confined_files.h"
@@ -27,6 +28,7 @@ public:
         for (const UnreadableFolder& folder : listing.unreadable)
             lose(folder.name.empty() ? from_ : folder.name, "cannot be read: " + folder.reason);
         for (const TreeEntry& entry : listing.entries) {
+            leaveIfInterrupted();
             take(entry);
             countEntry();
         }
@@ -141,7 +143,9 @@ private:
 
 ConversionCounts convertTree(CipherDirection direction, const std::string& from, const std::string& to,
                              const std::string& key, ProgressBar& progress) {
-    return Conversion(direction, from, to, key, progress).run();
+    ConversionCounts counts;
+    interruptible([&] { counts = Conversion(direction, from, to, key, progress).run(); }, wordsForNothingDone);
+    return counts;
 }
 
 SecretText findTreeKey(const KeyOptions& options, const std::string& folder, KeyPurpose purpose) {

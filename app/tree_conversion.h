@@ -24,7 +24,8 @@ struct ConversionCounts {
 /// Both folders are absolute; `to` exists, is empty and ends in "/". Links, FIFOs and the like are left out. A
 /// decrypted copy (a.mg.decrypt) stands for its record file (a.mg) where that is missing or does not decrypt.
 ///
-/// What cannot be encrypted or written ends the conversion with a Failure; what cannot be decrypted is left out.
+/// What cannot be encrypted or written ends the conversion with a Failure; what cannot be decrypted is left out. Ctrl-C
+/// ends it between two files: throws Interrupted.
 ConversionCounts convertTree(CipherDirection direction, const std::string& from, const std::string& to,
                              const std::string& key, ProgressBar& progress);
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "app/failure.h"
+#include "app/interruption.h"
 #include "app/key_source.h"
 #include "app/package_file_names.h"
 #include "app/package_files.h"
@@ -43,12 +44,13 @@ std::vector<view::NamedFile> filesOfTreeMessage(const std::string& body, int typ
     return files;
 }
 
-// Sorts messages into their conversations as they come.
+// Sorts messages into their conversations as they come; reading ends where Ctrl-C was pressed.
 class HistoryMaker {
 public:
     explicit HistoryMaker(view::History& history) : history_(history) {}
 
     void add(long long conversation, imsdk::st_dbMessageBean record) {
+        leaveIfInterrupted();
         const auto [place, isNew] = places_.emplace(conversation, history_.conversations.size());
         if (isNew) history_.conversations.push_back({conversation, {}});
         view::Message message;

@@ -18,6 +18,10 @@ protected:
         EXPECT_SAYS("chat-transfer: Interrupted; " + words, run.out);
         EXPECT_SAYS("run the same command again", run.out);
     }
+    static void expectNothingMade(const Outcome& run) {
+        EXPECT_EQ(130, run.code) << run.out;
+        EXPECT_SAYS("chat-transfer: Interrupted; nothing was made or changed", run.out);
+    }
     Outcome pressInExport(const std::string& phase) const {
         return chatTransferOnTerminal({"export", "--account", at("account"), "--user", kUser, "--to", at("package")},
                                       {{phase, kCtrlC, 0}});
@@ -58,6 +62,33 @@ TEST_F(Interrupted, ImportOfATreeKeepsNoMessageAndRunAgainCompletesIt) {
     EXPECT_EXIT_CODE(0, importTree("account", "backup"));
 }
 
+TEST_F(Interrupted, ViewOfAPackageLeavesNoPages) {
+    makeLargeSample();
+    ASSERT_EXIT_CODE(0, exportFrom("account", "package"));
+    const std::string before = listing(dir_.path());
+    for (const char* phase : {"Reading the messages", "Writing pages"}) {
+        const Outcome run = chatTransferOnTerminal(
+            {"view", "--from", at("package"), "--user", kUser, "--to", at("pages")}, {{phase, kCtrlC, 0}});
+        expectNothingMade(run);
+        EXPECT_EQ(before, listing(dir_.path()));
+    }
+}
+
+TEST_F(Interrupted, ConversionOfATreeLeavesNothing) {
+    makeBigPlainTree("plain", 400);
+    const Arguments common = {"--user", kUser, "--key-file", at("key")};
+    Arguments encryption = {"encrypt-tree", "--from", at("plain"), "--to", at("interrupted")};
+    encryption.insert(encryption.end(), common.begin(), common.end());
+    expectNothingMade(chatTransferOnTerminal(encryption, {{"Encrypting ...", kCtrlC, 0}}));
+    EXPECT_EQ("", listing(at("interrupted/qelbackup")));
+
+    ASSERT_EXIT_CODE(0, encryptTree("plain", "backup"));
+    Arguments decryption = {"decrypt-tree", "--from", at("backup"), "--to", at("interrupted/again")};
+    decryption.insert(decryption.end(), common.begin(), common.end());
+    expectNothingMade(chatTransferOnTerminal(decryption, {{"Decrypting ...", kCtrlC, 0}}));
+    EXPECT_EQ("qelbackup", listing(at("interrupted")));
+}
+
 // A trial and a look into an encrypted tree keep private texts in a folder of their own for a while.
 class InterruptedInPrivate : public Interrupted {
 protected:
@@ -76,11 +107,13 @@ protected:
 };
 
 TEST_F(InterruptedInPrivate, ViewOfATreeLeavesNoDecryptedText) {
-    const Outcome run = chatTransferOnTerminal(
-        {"view", "--from", at("backup"), "--user", kUser, "--to", at("pages"), "--key-file", at("key")},
-        {{"Reading the messages ...", kCtrlC, 0}});
-    expectNothingLeft(run);
-    EXPECT_FALSE(exists(at("pages")));
+    const std::string before = listing(dir_.path());
+    for (const char* phase : {"Reading the messages", "Writing pages"}) {
+        expectNothingLeft(chatTransferOnTerminal(
+            {"view", "--from", at("backup"), "--user", kUser, "--to", at("pages"), "--key-file", at("key")},
+            {{phase, kCtrlC, 0}}));
+        EXPECT_EQ(before, listing(dir_.path()));
+    }
 }
 
 TEST_F(InterruptedInPrivate, TrialOfATreeLeavesNoDecryptedText) {
