@@ -6,7 +6,7 @@ function(chat_transfer_runnable variable target)
     set(runnable "${CMAKE_CURRENT_BINARY_DIR}/emulated-${target}")
     file(GENERATE OUTPUT "${runnable}"
          CONTENT "#!/bin/sh\nexec ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${target}> \"$@\"\n"
-         FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+         FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
   endif()
   set(${variable} "${runnable}" PARENT_SCOPE)
 endfunction()
