@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <ostream>
 #include <string>
@@ -163,6 +164,15 @@ TEST_F(ConfinedFilesTest, ACopyKeepsTheSourceAndAMoveTakesIt) {
     EXPECT_EQ("copied moved", targets());
     EXPECT_TRUE(exists("file"));
     EXPECT_FALSE(exists("sub/file"));
+}
+
+// Videos are: on a system whose files have 32-bit sizes by default, nothing would find this one.
+TEST_F(ConfinedFilesTest, AFileOfMoreThanTwoGigabytesIsFoundAndMoved) {
+    constexpr std::uintmax_t kSize = 3ULL << 30U;
+    fs::resize_file(dir.at("inside/file"), kSize);  // takes no room
+    EXPECT_TRUE(exists("file"));
+    EXPECT_EQ(FileOutcome::done, move("file"));
+    EXPECT_EQ(kSize, fs::file_size(dir.at("target/to")));
 }
 
 TEST_F(ConfinedFilesTest, OnlyTheOwnerMayReadTheCopy) {
