@@ -81,7 +81,8 @@ bool arrivedWhole(RunReport& run, const dbTrans& transfer, const ImportOptions& 
     return !lost;
 }
 
-FailureWords wordsForInterrupted(const TransferReport& report) {
+FailureWords wordsForInterrupted(const TransferReport& report, bool trial) {
+    if (trial) return wordsForNothingDone();
     return {0,
             "Interrupted; " + counted(report.messagesInserted, "message has", "messages have") +
                 " been written, in whole conversations",
@@ -117,8 +118,8 @@ int runImport(const ImportOptions& options, RunReport& run) {
         progress.begin("Writing the messages", {{1, "Writing conversations"}});
         write(transfer, into, account);
     };
-    summarised([&] { interruptible(work, [&transfer] { return wordsForInterrupted(transfer.report); }); },
-               [&] { summarise(run.summary, transfer, options, place); });
+    const auto words = [&] { return wordsForInterrupted(transfer.report, options.trial); };
+    summarised([&] { interruptible(work, words); }, [&] { summarise(run.summary, transfer, options, place); });
     progress.complete();
 
     run.printSummary(importedInto(account.database(into), options.trial));
