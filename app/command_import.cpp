@@ -81,12 +81,8 @@ bool arrivedWhole(RunReport& run, const dbTrans& transfer, const ImportOptions& 
     return !lost;
 }
 
-FailureWords wordsForInterrupted(const TransferReport& report, bool trial) {
-    if (trial) return wordsForNothingDone();
-    return {0,
-            "Interrupted; " + counted(report.messagesInserted, "message has", "messages have") +
-                " been written, in whole conversations",
-            "", "", "run the same command again: it adds what is missing, and nothing doubles"};
+std::string whatIsWritten(const TransferReport& report) {
+    return counted(report.messagesInserted, "message has", "messages have") + " been written, in whole conversations";
 }
 
 int runImport(const ImportOptions& options, RunReport& run) {
@@ -118,7 +114,7 @@ int runImport(const ImportOptions& options, RunReport& run) {
         progress.begin("Writing the messages", {{1, "Writing conversations"}});
         write(transfer, into, account);
     };
-    const auto words = [&] { return wordsForInterrupted(transfer.report, options.trial); };
+    const auto words = [&] { return wordsForInterruptedImport(whatIsWritten(transfer.report), options.trial); };
     summarised([&] { interruptible(work, words); }, [&] { summarise(run.summary, transfer, options, place); });
     progress.complete();
 

@@ -195,12 +195,8 @@ void importAll(dbTrans& transfer, const ImportTreeOptions& options, const Accoun
 }
 
 // All messages of a tree go into one transaction.
-FailureWords wordsForInterrupted(const TransferReport& report, bool trial) {
-    if (trial) return wordsForNothingDone();
-    return {0,
-            report.messagesInserted > 0 ? "Interrupted; the messages have been written"
-                                        : "Interrupted; nothing has been written to the databases",
-            "", "", "run the same command again: it adds what is missing, and nothing doubles"};
+std::string whatIsWritten(const TransferReport& report) {
+    return report.messagesInserted > 0 ? "the messages have been written" : "nothing has been written to the databases";
 }
 
 // Ahead of the import, which then finds the files decrypted.
@@ -253,7 +249,7 @@ int runImportTree(const ImportTreeOptions& options, RunReport& run) {
     if (!interrupts) interrupts.emplace();
     const auto work = [&] {
         interruptible([&] { importAll(transfer, options, account, progress); },
-                      [&] { return wordsForInterrupted(transfer.report, options.trial); });
+                      [&] { return wordsForInterruptedImport(whatIsWritten(transfer.report), options.trial); });
         if (intoMain(options) && options.removeDecrypted) removeImported(transfer, files);
     };
     summarised(work, [&] { summarise(run.summary, transfer, options, files, bytes); });

@@ -1,5 +1,6 @@
 #include "app/trial.h"
 
+#include "app/interruption.h"
 #include "app/printable.h"
 #include "app/ready_account.h"
 
@@ -37,6 +38,12 @@ void ImportSource::settle(TreeImportFiles& files) const {
 std::string importedInto(const std::string& database, bool trial) {
     return trial ? "Dry run, nothing was written. An import into " + printable(database) + " would do this:"
                  : "Imported into " + printable(database);
+}
+
+FailureWords wordsForInterruptedImport(const std::string& written, bool trial) {
+    if (trial) return wordsForNothingDone();
+    return {0, "Interrupted; " + written, "", "",
+            "run the same command again: it adds what is missing, and nothing doubles"};
 }
 
 }  // namespace app

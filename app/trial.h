@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/command.h"
+#include "app/failure.h"
 #include "app/rehearsal_account.h"
 #include "app/rehearsal_tree.h"
 #include "host/rehearsal.h"
@@ -48,5 +49,8 @@ private:
 
 /// The line above the summary: what was written to, or would be.
 std::string importedInto(const std::string& database, bool trial);
+
+/// What an interrupted import ends with. `written`: what it has written so far; a trial has written nothing.
+FailureWords wordsForInterruptedImport(const std::string& written, bool trial);
 
 }  // namespace app
