@@ -28,7 +28,6 @@ public:
         for (const UnreadableFolder& folder : listing.unreadable)
             lose(folder.name.empty() ? from_ : folder.name, "cannot be read: " + folder.reason);
         for (const TreeEntry& entry : listing.entries) {
-            leaveIfInterrupted();
             take(entry);
             countEntry();
         }
