@@ -26,9 +26,10 @@ protected:
         return chatTransferOnTerminal({"export", "--account", at("account"), "--user", kUser, "--to", at("package")},
                                       {{phase, kCtrlC, 0}});
     }
-    Outcome pressInImport(const std::string& phase) const {
-        return chatTransferOnTerminal({"import", "--from", at("package"), "--account", at("copy"), "--user", kUser},
-                                      {{phase, kCtrlC, 0}});
+    Outcome pressInImport(const std::string& phase, const Arguments& more = {}) const {
+        Arguments arguments = {"import", "--from", at("package"), "--account", at("copy"), "--user", kUser};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return chatTransferOnTerminal(arguments, {{phase, kCtrlC, 0}});
     }
 };
 
@@ -57,10 +58,7 @@ TEST_F(Interrupted, TrialOfAnImportSaysThatNothingWasWritten) {
     makeLargeSample();
     ASSERT_EXIT_CODE(0, exportFrom("account", "package"));
     const std::string before = listing(dir_.path());
-    const Outcome run = chatTransferOnTerminal(
-        {"import", "--dry-run", "--from", at("package"), "--account", at("copy"), "--user", kUser},
-        {{"Writing conversations", kCtrlC, 0}});
-    expectNothingMade(run);
+    expectNothingMade(pressInImport("Reading the package", {"--dry-run"}));
     EXPECT_EQ(before, listing(dir_.path()));
 }
 
@@ -78,25 +76,23 @@ TEST_F(Interrupted, ViewOfAPackageLeavesNoPages) {
     ASSERT_EXIT_CODE(0, exportFrom("account", "package"));
     const std::string before = listing(dir_.path());
     for (const char* phase : {"Reading the messages", "Writing pages"}) {
-        const Outcome run = chatTransferOnTerminal(
-            {"view", "--from", at("package"), "--user", kUser, "--to", at("pages")}, {{phase, kCtrlC, 0}});
-        expectNothingMade(run);
+        expectNothingMade(chatTransferOnTerminal(
+            {"view", "--from", at("package"), "--user", kUser, "--to", at("pages")}, {{phase, kCtrlC, 0}}));
         EXPECT_EQ(before, listing(dir_.path()));
     }
 }
 
 TEST_F(Interrupted, ConversionOfATreeLeavesNothing) {
     makeBigPlainTree("plain", 400);
-    const Arguments common = {"--user", kUser, "--key-file", at("key")};
-    Arguments encryption = {"encrypt-tree", "--from", at("plain"), "--to", at("interrupted")};
-    encryption.insert(encryption.end(), common.begin(), common.end());
-    expectNothingMade(chatTransferOnTerminal(encryption, {{"Encrypting ...", kCtrlC, 0}}));
+    expectNothingMade(chatTransferOnTerminal(
+        {"encrypt-tree", "--from", at("plain"), "--to", at("interrupted"), "--user", kUser, "--key-file", at("key")},
+        {{"Encrypting ...", kCtrlC, 0}}));
     EXPECT_EQ("", listing(at("interrupted/qelbackup")));
 
     ASSERT_EXIT_CODE(0, encryptTree("plain", "backup"));
-    Arguments decryption = {"decrypt-tree", "--from", at("backup"), "--to", at("interrupted/again")};
-    decryption.insert(decryption.end(), common.begin(), common.end());
-    expectNothingMade(chatTransferOnTerminal(decryption, {{"Decrypting ...", kCtrlC, 0}}));
+    expectNothingMade(chatTransferOnTerminal({"decrypt-tree", "--from", at("backup"), "--to", at("interrupted/again"),
+                                              "--user", kUser, "--key-file", at("key")},
+                                             {{"Decrypting ...", kCtrlC, 0}}));
     EXPECT_EQ("qelbackup", listing(at("interrupted")));
 }
 
