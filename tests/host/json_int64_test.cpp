@@ -139,7 +139,7 @@ TEST(JsonInt64Test, NewDocumentsInTheMemoryOfOldOnesAreExact) {
     std::mt19937_64 random = test::repeatableRandom();
     std::vector<long long> firsts(documents.size());
     for (long long i = 0; i < 5000; ++i) {
-        const std::size_t slot = static_cast<std::size_t>(random() % documents.size());
+        const auto slot = static_cast<std::size_t>(random() % documents.size());
         if (documents[slot] != nullptr) {
             ASSERT_TRUE(holdsIdsFrom(documents[slot], firsts[slot]));
         }
