@@ -9,9 +9,8 @@ namespace {
 class Demo : public CommandTest {
 protected:
     Outcome demo(const std::string& folder, const Arguments& more = {}) const {
-        Arguments environment = {"CHAT_TRANSFER_DEMO_DIR=" + at(folder)};
-        environment.insert(environment.end(), more.begin(), more.end());
-        return runProgram(CHAT_TRANSFER_SOURCE_DIR "/scripts/demo", {CHAT_TRANSFER_PROGRAM}, {environment});
+        return runProgram(CHAT_TRANSFER_SOURCE_DIR "/scripts/demo", {CHAT_TRANSFER_PROGRAM},
+                          {joined({"CHAT_TRANSFER_DEMO_DIR=" + at(folder)}, more)});
     }
 };
 

@@ -10,9 +10,7 @@
 namespace test {
 
 Outcome CommandTest::run(const Arguments& first, const Arguments& more, const Setting& setting) const {
-    Arguments arguments = first;
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    return chatTransfer(arguments, setting);
+    return chatTransfer(joined(first, more), setting);
 }
 
 Outcome CommandTest::sample(const std::string& account, const Arguments& more, const Setting& setting) const {

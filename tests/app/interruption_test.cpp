@@ -27,9 +27,8 @@ protected:
                                       {{phase, kCtrlC, 0}});
     }
     Outcome pressInImport(const std::string& phase, const Arguments& more = {}) const {
-        Arguments arguments = {"import", "--from", at("package"), "--account", at("copy"), "--user", kUser};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        return chatTransferOnTerminal(arguments, {{phase, kCtrlC, 0}});
+        const Arguments import = {"import", "--from", at("package"), "--account", at("copy"), "--user", kUser};
+        return chatTransferOnTerminal(joined(import, more), {{phase, kCtrlC, 0}});
     }
 };
 
@@ -123,8 +122,7 @@ TEST_F(InterruptedInPrivate, ViewOfATreeLeavesNoDecryptedText) {
 }
 
 TEST_F(InterruptedInPrivate, TrialOfATreeLeavesNoDecryptedText) {
-    Arguments arguments = importArguments("account", "backup");
-    arguments.emplace_back("--dry-run");
+    const Arguments arguments = joined(importArguments("account", "backup"), {"--dry-run"});
     expectNothingLeft(chatTransferOnTerminal(arguments, {{"Decrypting the tree ...", kCtrlC, 0}}));
     EXPECT_FALSE(exists(at("account")));
 }

@@ -78,6 +78,11 @@ void collect(pid_t child, Outcome& run) {
 
 }  // namespace
 
+Arguments joined(Arguments first, const Arguments& more) {
+    first.insert(first.end(), more.begin(), more.end());
+    return first;
+}
+
 Outcome runProgram(const std::string& path, const Arguments& arguments, const Setting& setting) {
     const Pipe out;
     const Pipe err;

@@ -10,6 +10,9 @@ namespace test {
 
 using Arguments = std::vector<std::string>;
 
+/// `first`, and behind them `more`.
+Arguments joined(Arguments first, const Arguments& more);
+
 /// How a child process ended and what it said.
 struct Outcome {
     int code = -1;        ///< exit code; -1 when a signal ended it

@@ -13,10 +13,9 @@ namespace fs = std::filesystem;
 class SampleTreeCommand : public CommandTest {
 protected:
     Outcome sampleTree(const std::string& folder, const Arguments& more = {}) const {
-        Arguments arguments = {"sample-tree", "--to",       at(folder), "--user", kUser, "--conversations",
-                               "4",           "--messages", "300",      "--days", "5"};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        return chatTransfer(arguments);
+        const Arguments arguments = {"sample-tree", "--to",       at(folder), "--user", kUser, "--conversations",
+                                     "4",           "--messages", "300",      "--days", "5"};
+        return chatTransfer(joined(arguments, more));
     }
 
     void makeTree(const std::string& folder) const { ASSERT_EXIT_CODE(0, sampleTree(folder)); }

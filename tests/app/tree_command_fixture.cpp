@@ -35,12 +35,10 @@ TreeCommandTest::TreeCommandTest() {
 
 Outcome TreeCommandTest::run(const std::string& command, const Arguments& more, const Arguments& last,
                              const Setting& setting) const {
-    Arguments arguments = {command, "--user", kUser};
+    Arguments first = {command, "--user", kUser};
     if (std::find(last.begin(), last.end(), "--key-file") == last.end())
-        arguments.insert(arguments.end(), {"--key-file", at("key")});
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    arguments.insert(arguments.end(), last.begin(), last.end());
-    return chatTransfer(arguments, setting);
+        first = joined(first, {"--key-file", at("key")});
+    return chatTransfer(joined(joined(first, more), last), setting);
 }
 
 Arguments TreeCommandTest::importArguments(const std::string& account, const std::string& from) const {

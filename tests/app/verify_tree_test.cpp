@@ -163,9 +163,7 @@ protected:
         ASSERT_EXIT_CODE(0, importTree("account", "backup"));
     }
     Outcome verifyPlain(const Arguments& more = {}) const {
-        Arguments arguments = {"--key-file", at("key")};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        return verify("backup-plain", "account", arguments);
+        return verify("backup-plain", "account", joined({"--key-file", at("key")}, more));
     }
 };
 

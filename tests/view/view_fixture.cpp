@@ -56,9 +56,8 @@ std::string ViewTest::contact(long long id, const std::string& name, int top, co
 
 Outcome ViewTest::view(const std::string& from, const std::string& to, const Arguments& more,
                        const std::string& zone) const {
-    Arguments arguments = {"view", "--from", at(from), "--user", kUser, "--to", at(to)};
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    return chatTransfer(arguments, {{"TZ=" + zone}});
+    const Arguments arguments = {"view", "--from", at(from), "--user", kUser, "--to", at(to)};
+    return chatTransfer(joined(arguments, more), {{"TZ=" + zone}});
 }
 
 void ViewTest::makePages() const {
