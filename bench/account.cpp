@@ -11,9 +11,9 @@
 
 #include "bench/names.h"
 #include "bench/sqlite_handles.h"
-#include "transfer/attachment_body.h"
-#include "transfer/message_table.h"
-#include "transfer/recent_contact_table.h"
+#include "transfer/format/attachment_body.h"
+#include "transfer/tables/message_table.h"
+#include "transfer/tables/recent_contact_table.h"
 
 namespace fs = std::filesystem;
 
@@ -109,23 +109,24 @@ std::string folderOfMonth(const Day& day) {
 void attach(const AccountPlan& plan, const std::string& root, Message& message) {
     const std::string folder = folderOfMonth(message.day);
     const std::string number = std::to_string(message.id);
-    if (message.type == transfer::kImageMessage) {
+    if (message.type == chattransfer::kImageMessage) {
         message.body = R"({"mediaUrl":")" + folder + "/p" + number + R"(.jpg","thumbUrl":")" + folder + "/t" + number +
                        R"(.jpg"})";
         return;
     }
-    const bool voice = message.type == transfer::kVoiceMessage;
+    const bool voice = message.type == chattransfer::kVoiceMessage;
     const std::string name = (voice ? "v" : "f") + number + (voice ? ".amr" : ".pdf");
     message.body = R"({"fileName":")" + name + R"(","mediaUrl":")" + folder + R"(/media","size":20480})";
     if (plan.attachmentBytes == 0) return;
-    std::ofstream file(root + transfer::kFileFolder + name, std::ios::binary);
+    std::ofstream file(root + chattransfer::kFileFolder + name, std::ios::binary);
     file << std::string(static_cast<std::size_t>(plan.attachmentBytes), static_cast<char>('a' + message.id % 26));
     if (!file.flush()) throw std::runtime_error("cannot write " + name);
 }
 
 int attachmentType(const AccountPlan& plan, Numbers& numbers) {
-    if (plan.attachmentBytes != 0) return transfer::kFileMessage;
-    constexpr std::array<int, 3> kTypes = {transfer::kVoiceMessage, transfer::kImageMessage, transfer::kFileMessage};
+    if (plan.attachmentBytes != 0) return chattransfer::kFileMessage;
+    constexpr std::array<int, 3> kTypes = {chattransfer::kVoiceMessage, chattransfer::kImageMessage,
+                                           chattransfer::kFileMessage};
     return kTypes.at(numbers.below(kTypes.size()));
 }
 
@@ -143,7 +144,7 @@ public:
 
     double write() {
         Transaction transaction(db_.get());
-        run(db_.get(), transfer::kCreateRecentContactTable);
+        run(db_.get(), chattransfer::kCreateRecentContactTable);
         const Statement contact =
             prepare(db_.get(), "insert into im_reContact values(?,?,?,0,?,'search',1,0,?,'',?,?,0)");
         for (int conversation = 0; conversation < plan_.conversations; ++conversation)
@@ -188,8 +189,8 @@ private:
 
     Message writeConversation(int conversation) {
         Numbers numbers(static_cast<std::uint64_t>(conversation));
-        const std::string table = transfer::messageTableName(kFirstConversation + conversation * 7919LL).text();
-        run(db_.get(), tools::FixedText<1024>(transfer::kCreateMessageTable, table.c_str()).text());
+        const std::string table = chattransfer::messageTableName(kFirstConversation + conversation * 7919LL).text();
+        run(db_.get(), tools::FixedText<1024>(chattransfer::kCreateMessageTable, table.c_str()).text());
         const Statement insert = prepare(db_.get(), "insert into " + table +
                                                         " values(?,?,?,?,?,?,?,0,4,?,?,?,?,?,?,'plain',0,?,?,?,'phone',"
                                                         "'',0)");
@@ -232,7 +233,7 @@ private:
         sqlite3_bind_int64(insert, 1, kFirstConversation + conversation * 7919LL);
         sqlite3_bind_int64(insert, 2, last.id);
         sqlite3_bind_int64(insert, 3, last.time);
-        sqlite3_bind_int64(insert, 4, conversation == 0 ? transfer::kPinnedBit : 0);
+        sqlite3_bind_int64(insert, 4, conversation == 0 ? chattransfer::kPinnedBit : 0);
         bindText(insert, 5, last.body);
         bindText(insert, 6, name);
         sqlite3_bind_int64(insert, 7, last.from);

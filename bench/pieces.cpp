@@ -12,16 +12,16 @@
 #include "bench/account.h"
 #include "bench/names.h"
 #include "host/CAES.h"
-#include "host/confined_files.h"
+#include "host/files/confined_files.h"
+#include "host/files/whole_file.h"
 #include "host/json.h"
-#include "host/json_owner.h"
+#include "host/json/json_owner.h"
 #include "host/tools.h"
-#include "host/whole_file.h"
-#include "transfer/conversation_writer.h"
 #include "transfer/dbTrans.h"
-#include "transfer/message_table.h"
-#include "transfer/message_text.h"
-#include "transfer/package_text.h"
+#include "transfer/format/message_text.h"
+#include "transfer/format/package_text.h"
+#include "transfer/tables/conversation_writer.h"
+#include "transfer/tables/message_table.h"
 
 namespace fs = std::filesystem;
 
@@ -68,7 +68,7 @@ void selectAll(imsdk::dbUtils& db, const std::string& table, Take take) {
     imsdk::dbDataReader reader = db.excuteQuery(("select * from " + table).c_str());
     st_dbMessageBean message;
     while (reader.read() != 0) {
-        transfer::readMessageRow(reader, message);
+        chattransfer::readMessageRow(reader, message);
         take(message);
     }
 }
@@ -76,7 +76,7 @@ void selectAll(imsdk::dbUtils& db, const std::string& table, Take take) {
 std::string messageTable(dbTrans& transfer) {
     transfer.getTables();
     for (const std::string& name : transfer.tableNames)
-        if (name.rfind(transfer::kMessageTablePrefix, 0) == 0) return name;
+        if (name.rfind(chattransfer::kMessageTablePrefix, 0) == 0) return name;
     throw std::runtime_error("the account has no message table");
 }
 
@@ -97,7 +97,7 @@ const std::vector<st_dbMessageBean>& messages() {
 }
 
 std::string fileText() {
-    transfer::MessageFileText file(bench::kVersion);
+    chattransfer::MessageFileText file(bench::kVersion);
     file.begin();
     file.addDay({2019, 3, 7}, messages().data(), messages().data() + messages().size());
     return std::string(file.finish());
@@ -113,7 +113,7 @@ void parseMessageFile(benchmark::State& state) {
     const std::string text = fileText();
     for (auto _ : state) {
         std::string copy = text;  // reading uses the text up
-        benchmark::DoNotOptimize(transfer::readMessageFileText(copy));
+        benchmark::DoNotOptimize(chattransfer::readMessageFileText(copy));
     }
     countMessages(state);
 }
@@ -132,7 +132,7 @@ BENCHMARK(parseMessageFileIntoTree);
 // --- Serialise: the same file ---
 
 void serialiseMessageFile(benchmark::State& state) {
-    transfer::MessageFileText file(bench::kVersion);
+    chattransfer::MessageFileText file(bench::kVersion);
     for (auto _ : state) {
         file.begin();
         file.addDay({2019, 3, 7}, messages().data(), messages().data() + messages().size());
@@ -176,14 +176,15 @@ void insertMessages(benchmark::State& state) {
     transfer.rootPath = ground().at("empty");
     if (transfer.dbOpen() == 0) return state.SkipWithError("the account does not open");
     transfer.getTables();
-    transfer::TableIndex index(transfer.tableNames);
-    const std::string table = transfer::openMessageTable(transfer, transfer.mainDb, index, messages().front().targetID);
+    chattransfer::TableIndex index(transfer.tableNames);
+    const std::string table =
+        chattransfer::openMessageTable(transfer, transfer.mainDb, index, messages().front().targetID);
     for (auto _ : state) {
         {
             const DbTranHelper transaction(&transfer.mainDb);
-            imsdk::dbCommand insert(&transfer.mainDb, transfer::insertMessageStatement(table).c_str());
+            imsdk::dbCommand insert(&transfer.mainDb, chattransfer::insertMessageStatement(table).c_str());
             for (const st_dbMessageBean& message : messages())
-                transfer::insertMessage(transfer.report, transfer.mainDb, insert, message);
+                chattransfer::insertMessage(transfer.report, transfer.mainDb, insert, message);
         }
         state.PauseTiming();
         transfer.mainDb.excuteNonQuery(("delete from " + table).c_str());

@@ -22,10 +22,10 @@
 
 #include "bench/counting_vfs.h"
 #include "bench/names.h"
-#include "host/whole_file.h"
+#include "host/files/whole_file.h"
 #include "transfer/dbTrans.h"
-#include "transfer/message_text.h"
-#include "transfer/tree_format.h"
+#include "transfer/format/message_text.h"
+#include "transfer/format/tree_format.h"
 
 namespace fs = std::filesystem;
 
@@ -33,7 +33,7 @@ namespace bench {
 namespace {
 
 void require(unsigned int code, const char* step) {
-    if (code != transfer::kSuccess) throw std::runtime_error(std::string(step) + " failed");
+    if (code != chattransfer::kSuccess) throw std::runtime_error(std::string(step) + " failed");
 }
 
 void exportDays(dbTrans& transfer) {
@@ -59,17 +59,17 @@ void importCounted(dbTrans& transfer) {
 
 void walkTree(dbTrans& transfer) {
     std::vector<std::string> files;
-    transfer.getfiles(transfer::treeRoot(transfer), files, transfer::kMessageExtension);
+    transfer.getfiles(chattransfer::treeRoot(transfer), files, chattransfer::kMessageExtension);
     if (files.empty()) throw std::runtime_error("nothing was decrypted");
 }
 
 void readTree(dbTrans& transfer) {
     std::string text;
     long long messages = 0;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(transfer::treeRoot(transfer))) {
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(chattransfer::treeRoot(transfer))) {
         if (entry.path().extension() != ".decrypt") continue;
         if (!tools::readWholeFile(entry.path(), text)) throw std::runtime_error("cannot read " + entry.path().string());
-        for (const transfer::MessageDay& day : transfer::readMessageFileText(text).days)
+        for (const chattransfer::MessageDay& day : chattransfer::readMessageFileText(text).days)
             messages += static_cast<long long>(day.messages.size());
     }
     if (messages == 0) throw std::runtime_error("nothing was read");

@@ -6,7 +6,7 @@
 #include <new>
 #include <string>
 
-#include "host/wipe.h"
+#include "host/base/wipe.h"
 #include "transfer/dbTrans.h"
 
 namespace {
@@ -85,15 +85,15 @@ std::uint32_t set(chat_transfer* transfer, const char* text, Take take) noexcept
 // A result, and the words of the database when it failed. A recent-contact transaction that was lost fails the import
 // too, although the messages are stored.
 std::uint32_t resultOf(chat_transfer& transfer, unsigned int code, const imsdk::dbUtils& db) {
-    if (code == transfer::kSuccess && db.isOpen() && db.transactionFailed()) code = transfer::kDatabaseFailed;
-    if (code != transfer::kSuccess) transfer.error = db.lastError();
+    if (code == chattransfer::kSuccess && db.isOpen() && db.transactionFailed()) code = chattransfer::kDatabaseFailed;
+    if (code != chattransfer::kSuccess) transfer.error = db.lastError();
     return code;
 }
 
 unsigned int exportBy(dbTrans& core, int year, int month, int day, chat_transfer_layout layout) {
     const bool byDay = layout == CHAT_TRANSFER_BY_DAY;
     const unsigned int selected = byDay ? core.rdMsgFromDB(year, month, day) : core.rdMsgFromDB2(year, month, day);
-    if (selected != transfer::kSuccess) return selected;
+    if (selected != chattransfer::kSuccess) return selected;
     return byDay ? core.wtMsgToFile() : core.wtMsgToFile2();
 }
 
@@ -139,7 +139,7 @@ const char* chat_transfer_meaning(std::uint32_t result) {
         case CHAT_TRANSFER_FAILED:
             return "a library that this one uses failed";
         default:
-            return transfer::meaningOf(result);
+            return chattransfer::meaningOf(result);
     }
 }
 
@@ -218,7 +218,7 @@ std::uint32_t chat_transfer_import_package(chat_transfer* transfer, chat_transfe
 std::uint32_t chat_transfer_import_tree(chat_transfer* transfer) {
     return run(transfer, [&](dbTrans& core) -> std::uint32_t {
         const auto read = static_cast<unsigned int>(core.rdAllFromFileNJ());
-        if (read != transfer::kSuccess) return resultOf(*transfer, read, core.mainDb);
+        if (read != chattransfer::kSuccess) return resultOf(*transfer, read, core.mainDb);
         return resultOf(*transfer, static_cast<unsigned int>(core.wtAllToDBNJ()), core.pluginDb);
     });
 }

@@ -8,8 +8,8 @@
 #include "fuzz/property.h"
 #include "fuzz/sandbox.h"
 #include "host/CAES.h"
-#include "host/cipher_container.h"
-#include "host/cipher_error.h"
+#include "host/cipher/cipher_container.h"
+#include "host/cipher/cipher_error.h"
 
 namespace {
 

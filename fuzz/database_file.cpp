@@ -3,8 +3,8 @@
 
 #include "fuzz/property.h"
 #include "fuzz/sandbox.h"
-#include "host/whole_file.h"
-#include "transfer/message_text.h"
+#include "host/files/whole_file.h"
+#include "transfer/format/message_text.h"
 
 namespace {
 
@@ -13,8 +13,8 @@ using fuzz::require;
 void requireReadable(const std::string& folder, int files) {
     for (int number = 0; number < files; ++number) {
         std::string text;
-        require(tools::readWholeFile(transfer::messageFilePath(folder, number), text), "a written file is there");
-        require(transfer::readMessageFileText(text).hasDays, "a written file can be read");
+        require(tools::readWholeFile(chattransfer::messageFilePath(folder, number), text), "a written file is there");
+        require(chattransfer::readMessageFileText(text).hasDays, "a written file can be read");
     }
 }
 
@@ -27,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::filesystem::remove_all(sandbox.backup() + "/qelmsg_0");
     dbTrans transfer;
     sandbox.enter(transfer);
-    if (transfer.rdMsgFromDB(0, 0, 0) == transfer::kSuccess && transfer.wtMsgToFile() == transfer::kSuccess) {
+    if (transfer.rdMsgFromDB(0, 0, 0) == chattransfer::kSuccess && transfer.wtMsgToFile() == chattransfer::kSuccess) {
         requireReadable(transfer.msgFileDir, static_cast<int>(transfer.report.messageFilesWritten));
     }
     sandbox.requireUntouched(sandbox.backup());

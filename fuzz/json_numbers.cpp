@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "fuzz/property.h"
-#include "host/json_owner.h"
+#include "host/json/json_owner.h"
 
 namespace {
 

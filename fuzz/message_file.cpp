@@ -3,21 +3,21 @@
 #include "fuzz/property.h"
 #include "fuzz/round_trip.h"
 #include "fuzz/sandbox.h"
-#include "host/json_numbers.h"
-#include "host/json_owner.h"
-#include "host/json_stock.h"
-#include "transfer/message_text.h"
-#include "transfer/package_text.h"
+#include "host/json/json_numbers.h"
+#include "host/json/json_owner.h"
+#include "host/json/json_stock.h"
+#include "transfer/format/message_text.h"
+#include "transfer/format/package_text.h"
 
 namespace {
 
+using chattransfer::MessageDay;
+using chattransfer::MessageFileContent;
 using fuzz::require;
 using imsdk::st_dbMessageBean;
-using transfer::MessageDay;
-using transfer::MessageFileContent;
 
 std::string written(const MessageFileContent& content) {
-    transfer::MessageFileText file(fuzz::kVersion);
+    chattransfer::MessageFileText file(fuzz::kVersion);
     file.begin();
     for (const MessageDay& day : content.days)
         file.addDay(day.date, day.messages.data(), day.messages.data() + day.messages.size());
@@ -25,10 +25,10 @@ std::string written(const MessageFileContent& content) {
 }
 
 MessageFileContent readAll(std::string text) {
-    return transfer::readMessageFileText(text, transfer::ReadKeys::all);
+    return chattransfer::readMessageFileText(text, chattransfer::ReadKeys::all);
 }
 
-bool sameDate(const transfer::CalendarDay& before, const transfer::CalendarDay& after) {
+bool sameDate(const chattransfer::CalendarDay& before, const chattransfer::CalendarDay& after) {
     return fuzz::survives(before.year, after.year) && fuzz::survives(before.month, after.month) &&
            fuzz::survives(before.day, after.day);
 }
@@ -36,9 +36,9 @@ bool sameDate(const transfer::CalendarDay& before, const transfer::CalendarDay& 
 bool sameKeys(const st_dbMessageBean& before, const st_dbMessageBean& after) {
     bool same = true;
     int key = 0;
-    transfer::forEachMessageKey(before, [&](const char* /*key*/, transfer::KeyUse /*use*/, const auto& field) {
+    chattransfer::forEachMessageKey(before, [&](const char* /*key*/, chattransfer::KeyUse /*use*/, const auto& field) {
         int other = 0;
-        transfer::forEachMessageKey(after, [&](const char* /*key*/, transfer::KeyUse /*use*/, const auto& its) {
+        chattransfer::forEachMessageKey(after, [&](const char* /*key*/, chattransfer::KeyUse /*use*/, const auto& its) {
             if constexpr (std::is_same_v<decltype(field), decltype(its)>) {
                 if (other == key) same = same && fuzz::survives(field, its);
             }
@@ -86,7 +86,7 @@ void checkImport(const fuzz::Sandbox& sandbox, const std::string& text) {
     dbTrans transfer;
     sandbox.enter(transfer);
     const unsigned int code = transfer.rdMsgFromFile();
-    require(code == transfer::kSuccess || code == transfer::kWrongVersion, "an import gives a known result");
+    require(code == chattransfer::kSuccess || code == chattransfer::kWrongVersion, "an import gives a known result");
     sandbox.requireUntouched(sandbox.account());
 }
 

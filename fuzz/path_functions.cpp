@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "fuzz/property.h"
-#include "host/confined_files.h"
+#include "host/files/confined_files.h"
 #include "host/tools.h"
 #include "transfer/dbTrans.h"
 

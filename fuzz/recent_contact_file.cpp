@@ -2,7 +2,7 @@
 #include "fuzz/property.h"
 #include "fuzz/round_trip.h"
 #include "fuzz/sandbox.h"
-#include "transfer/recent_contact_table.h"
+#include "transfer/tables/recent_contact_table.h"
 
 namespace {
 
@@ -32,10 +32,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     dbTrans transfer;
     sandbox.enter(transfer);
     transfer.msgFileDir = sandbox.packageMessages();
-    if (transfer.rdRecontactFromFile(path) != transfer::kSuccess) return 0;
+    if (transfer.rdRecontactFromFile(path) != chattransfer::kSuccess) return 0;
     const std::vector<st_dbReContactBean> first = transfer.reContacts;
     transfer.wtRecontactToFile();
-    require(transfer.rdRecontactFromFile(path) == transfer::kSuccess, "what is written can be read");
+    require(transfer.rdRecontactFromFile(path) == chattransfer::kSuccess, "what is written can be read");
     require(first.size() == transfer.reContacts.size(), "every contact survives");
     for (std::size_t i = 0; i < first.size(); ++i) {
         require(isStable(first[i]), "the pin of older clients is read as a pin");

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "host/utf8.h"
+#include "host/base/utf8.h"
 
 namespace fuzz {
 

@@ -1,6 +1,6 @@
 #include "transfer/error_codes.h"
 
-namespace transfer {
+namespace chattransfer {
 
 const char* meaningOf(unsigned int code) {
     switch (code) {
@@ -25,4 +25,4 @@ const char* meaningOf(unsigned int code) {
     }
 }
 
-}  // namespace transfer
+}  // namespace chattransfer

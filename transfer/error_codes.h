@@ -2,7 +2,7 @@
 // and are passed up unchanged from operation to operation.
 #pragma once
 
-namespace transfer {
+namespace chattransfer {
 
 enum ErrorCode : unsigned int {
     kSuccess = 0,
@@ -31,4 +31,4 @@ inline int asInt(ErrorCode code) {
     return static_cast<int>(static_cast<unsigned int>(code));
 }
 
-}  // namespace transfer
+}  // namespace chattransfer

@@ -2,9 +2,9 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "app/commands/program.h"
 #include "app/manual/completions.h"
 #include "app/manual/manual_page.h"
-#include "app/program.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "app/units.h"
-#include "host/fixed_text.h"
+#include "app/base/units.h"
+#include "host/base/fixed_text.h"
 
 namespace app::view {
 namespace {

@@ -3,7 +3,7 @@
 #include <array>
 #include <ctime>
 
-#include "host/fixed_text.h"
+#include "host/base/fixed_text.h"
 
 namespace app::view {
 namespace {

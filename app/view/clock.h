@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "app/calendar.h"
+#include "app/base/calendar.h"
 
 namespace app::view {
 

@@ -1,6 +1,6 @@
 #include "app/view/conversation_pages.h"
 
-#include "app/units.h"
+#include "app/base/units.h"
 #include "app/view/clock.h"
 #include "app/view/conversation_text.h"
 #include "app/view/message_days.h"

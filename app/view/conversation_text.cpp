@@ -2,8 +2,8 @@
 
 #include "app/view/clock.h"
 #include "app/view/shown_text.h"
-#include "transfer/attachment_body.h"
-#include "transfer/tree_attachments.h"
+#include "transfer/attachments/tree_attachments.h"
+#include "transfer/format/attachment_body.h"
 
 namespace app::view {
 namespace {
@@ -67,15 +67,15 @@ std::string typeText(int type) {
         case kOldestTextMessage:
         case kTextMessage:
             return "Text";
-        case transfer::kVoiceMessage:
+        case chattransfer::kVoiceMessage:
             return "Voice";
-        case transfer::kImageMessage:
+        case chattransfer::kImageMessage:
             return "Picture";
-        case transfer::kFileMessage:
+        case chattransfer::kFileMessage:
             return "File";
-        case transfer::kPicturesMessage:
+        case chattransfer::kPicturesMessage:
             return "Pictures";
-        case transfer::kVideoMessage:
+        case chattransfer::kVideoMessage:
             return "Video";
         default:
             return "Type " + std::to_string(type);

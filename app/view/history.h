@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/calendar.h"
+#include "app/base/calendar.h"
 
 namespace app::view {
 

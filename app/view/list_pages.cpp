@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <set>
 
-#include "app/units.h"
+#include "app/base/units.h"
 #include "app/view/conversation_pages.h"
 #include "app/view/conversation_text.h"
 #include "app/view/page_frame.h"

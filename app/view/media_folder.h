@@ -6,7 +6,7 @@
 #include <string>
 
 #include "app/view/history.h"
-#include "host/confined_files.h"
+#include "host/files/confined_files.h"
 
 namespace app::view {
 

@@ -1,8 +1,8 @@
 #include "app/view/page_folder.h"
 
-#include "app/failure.h"
+#include "app/base/failure.h"
+#include "host/files/whole_file.h"
 #include "host/tools.h"
-#include "host/whole_file.h"
 
 namespace app::view {
 

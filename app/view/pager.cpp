@@ -1,6 +1,6 @@
 #include "app/view/pager.h"
 
-#include "app/units.h"
+#include "app/base/units.h"
 
 namespace app::view {
 namespace {

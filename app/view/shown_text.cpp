@@ -1,8 +1,8 @@
 #include "app/view/shown_text.h"
 
-#include "app/characters.h"
-#include "host/fixed_text.h"
-#include "host/utf8.h"
+#include "app/base/characters.h"
+#include "host/base/fixed_text.h"
+#include "host/base/utf8.h"
 
 namespace app::view {
 namespace {

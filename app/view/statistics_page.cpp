@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "app/units.h"
+#include "app/base/units.h"
 #include "app/view/clock.h"
 #include "app/view/conversation_text.h"
 #include "app/view/page_frame.h"

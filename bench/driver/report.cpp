@@ -5,8 +5,8 @@
 #include <stdexcept>
 
 #include "bench/driver/svg_plot.h"
-#include "host/json_owner.h"
-#include "host/json_text.h"
+#include "host/json/json_owner.h"
+#include "host/json/json_text.h"
 
 namespace bench {
 namespace {

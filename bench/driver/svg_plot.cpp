@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/fixed_text.h"
+#include "host/base/fixed_text.h"
 
 namespace bench {
 namespace {

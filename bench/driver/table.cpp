@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "host/fixed_text.h"
+#include "host/base/fixed_text.h"
 
 namespace bench {
 namespace {

@@ -25,9 +25,9 @@
 #include "bench/floor/json_scan.h"
 #include "bench/names.h"
 #include "bench/sqlite_handles.h"
-#include "transfer/attachment_body.h"
-#include "transfer/message_table.h"
-#include "transfer/recent_contact_table.h"
+#include "transfer/format/attachment_body.h"
+#include "transfer/tables/message_table.h"
+#include "transfer/tables/recent_contact_table.h"
 
 namespace bench {
 namespace {
@@ -130,7 +130,7 @@ public:
         : package_(from + kAttachmentFolder), account_(std::move(account)) {}
 
     void restore(int type, std::string_view body) {
-        if (type == transfer::kImageMessage) {
+        if (type == chattransfer::kImageMessage) {
             const std::size_t second = body.find(kThumbKey);
             if (!begins(body, kMediaKey) || second == std::string_view::npos) return;
             restoreImage(textAt(body, kMediaKey.size()));
@@ -157,14 +157,14 @@ private:
     }
 
     void restoreImage(std::string_view path) {
-        target_.assign(account_).append(transfer::kImageFolder).append(path.substr(path.rfind('/') + 1));
+        target_.assign(account_).append(chattransfer::kImageFolder).append(path.substr(path.rfind('/') + 1));
         source_.assign(package_).append(path);
         if (!isThere(target_)) copy();
     }
 
     void restoreFile(int type, std::string_view folder, std::string_view name) {
-        const bool voice = type == transfer::kVoiceMessage;
-        target_.assign(account_).append(voice ? transfer::kAudioFolder : transfer::kFileFolder).append(name);
+        const bool voice = type == chattransfer::kVoiceMessage;
+        target_.assign(account_).append(voice ? chattransfer::kAudioFolder : chattransfer::kFileFolder).append(name);
         source_.assign(package_).append(folder).append("/").append(name);
         if (voice || !isThere(target_)) copy();
     }
@@ -260,7 +260,7 @@ void readMessages(const std::string& folder, TextStore& texts, Attachments& atta
             scan.next(",");
             scanDay(scan, day);
             for (const auto& [conversation, message] : day) {
-                if (transfer::carriesAttachments(message.type)) attachments.restore(message.type, message.body);
+                if (chattransfer::carriesAttachments(message.type)) attachments.restore(message.type, message.body);
                 conversations.add(conversation) = message;
             }
         }
@@ -343,7 +343,7 @@ void insertMessage(sqlite3_stmt* insert, const Message& message) {
 void writeConversation(sqlite3* db, long long conversation, const std::vector<Message>& messages) {
     const std::string table = "im_msg_" + std::to_string(conversation);
     Transaction transaction(db);
-    run(db, tools::FixedText<1024>(transfer::kCreateMessageTable, table.c_str()).text());
+    run(db, tools::FixedText<1024>(chattransfer::kCreateMessageTable, table.c_str()).text());
     const Statement insert = prepare(
         db, "insert into " + table +
                 "(toUserID,fromeUserID,body,msgType,msgID,lastMsgID,time_,burnAfterReading,status,targetID,"
@@ -356,7 +356,7 @@ void writeConversation(sqlite3* db, long long conversation, const std::vector<Me
 }
 
 void writeContacts(sqlite3* db, const std::vector<Contact>& contacts) {
-    run(db, transfer::kCreateRecentContactTable);
+    run(db, chattransfer::kCreateRecentContactTable);
     Transaction transaction(db);
     const Statement insert = prepare(db,
                                      "insert into im_reContact(targetID,lastMsgid,time,type,top,whereFrom,msgType,"

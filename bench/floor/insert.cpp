@@ -10,8 +10,8 @@
 
 #include "bench/names.h"
 #include "bench/sqlite_handles.h"
-#include "host/fixed_text.h"
-#include "transfer/message_table.h"
+#include "host/base/fixed_text.h"
+#include "transfer/tables/message_table.h"
 
 namespace bench {
 namespace {
@@ -25,7 +25,7 @@ void insertRows(const std::string& from, const std::string& account) {
     Transaction transaction(target.get());
     while (step(tables.get())) {
         const std::string table(textOf(tables.get(), 0));
-        run(target.get(), tools::FixedText<1024>(transfer::kCreateMessageTable, table.c_str()).text());
+        run(target.get(), tools::FixedText<1024>(chattransfer::kCreateMessageTable, table.c_str()).text());
         run(target.get(), "insert into main." + table + " select * from source." + table);
     }
     transaction.commit();

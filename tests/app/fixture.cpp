@@ -3,9 +3,9 @@
 #include <filesystem>
 #include <sstream>
 
-#include "host/fixed_text.h"
-#include "transfer/message_table.h"
-#include "transfer/recent_contact_table.h"
+#include "host/base/fixed_text.h"
+#include "transfer/tables/message_table.h"
+#include "transfer/tables/recent_contact_table.h"
 
 namespace test {
 
@@ -47,14 +47,14 @@ void CommandTest::makePackage(const std::string& account, const std::string& pac
 void CommandTest::makeAccount(const std::string& account, const std::vector<std::string>& statements) const {
     for (const char* folder : {"/db", "/audio", "/image", "/file"})
         std::filesystem::create_directories(at(account) + folder);
-    std::vector<std::string> all = {transfer::kCreateRecentContactTable};
+    std::vector<std::string> all = {chattransfer::kCreateRecentContactTable};
     all.insert(all.end(), statements.begin(), statements.end());
     runSql(mainDatabase(account), all);
     runSql(at(account + "/db/backimsg.db"), {});
 }
 
 std::string CommandTest::createTable(const std::string& name) {
-    return tools::FixedText<1024>(transfer::kCreateMessageTable, name.c_str()).text();
+    return tools::FixedText<1024>(chattransfer::kCreateMessageTable, name.c_str()).text();
 }
 
 std::string CommandTest::insertMessage(const std::string& table, long long id, const std::string& body) {

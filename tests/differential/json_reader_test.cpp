@@ -1,14 +1,14 @@
 // The reader that builds no tree, held against the JSON library: same texts accepted, same values found.
-#include "host/json_reader.h"
+#include "host/json/json_reader.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
 
-#include "host/json_numbers.h"
-#include "host/json_owner.h"
-#include "host/json_stock.h"
-#include "host/json_tree.h"
+#include "host/json/json_numbers.h"
+#include "host/json/json_owner.h"
+#include "host/json/json_stock.h"
+#include "host/json/json_tree.h"
 #include "tests/differential/json_generator.h"
 
 namespace {

@@ -1,19 +1,19 @@
 // The reader of message files, held against a plain reading of the JSON library's tree: same records.
-#include "transfer/message_text.h"
+#include "transfer/format/message_text.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 
-#include "host/json_owner.h"
-#include "host/numeric.h"
+#include "host/base/numeric.h"
+#include "host/json/json_owner.h"
 #include "host/tools.h"
 #include "tests/differential/json_generator.h"
-#include "transfer/json_fields.h"
+#include "transfer/format/json_fields.h"
 
 namespace {
 
-using transfer::ReadKeys;
+using chattransfer::ReadKeys;
 
 template <class Record>
 std::string spell(const Record& record) {
@@ -25,8 +25,8 @@ std::string spell(const Record& record) {
             out += std::to_string(field) + "|";
         }
     };
-    transfer::forEachMessageKey(record, [&](const char*, transfer::KeyUse, const auto& field) { add(field); });
-    transfer::forEachMessageList(record, [&](const char*, const std::string& joined) { add(joined); });
+    chattransfer::forEachMessageKey(record, [&](const char*, chattransfer::KeyUse, const auto& field) { add(field); });
+    chattransfer::forEachMessageList(record, [&](const char*, const std::string& joined) { add(joined); });
     return out + std::to_string(record.year_) + "/" + std::to_string(record.mon) + "/" + std::to_string(record.day_) +
            "/" + std::to_string(record.status) + "/" + std::to_string(record.extraValue2) + "\n";
 }
@@ -43,11 +43,11 @@ imsdk::st_dbMessageBean messageOf(const JSON_Object* object, const JSON_Object* 
     imsdk::st_dbMessageBean record;
     record.status = 4;
     record.extraValue2 = -1;
-    transfer::forEachMessageKey(record, [object, keys](const char* key, transfer::KeyUse use, auto& field) {
-        if (use == transfer::KeyUse::always || keys == ReadKeys::all) transfer::getField(object, key, field);
+    chattransfer::forEachMessageKey(record, [object, keys](const char* key, chattransfer::KeyUse use, auto& field) {
+        if (use == chattransfer::KeyUse::always || keys == ReadKeys::all) chattransfer::getField(object, key, field);
     });
-    transfer::forEachMessageList(record,
-                                 [object](const char* key, std::string& joined) { getList(object, key, joined); });
+    chattransfer::forEachMessageList(record,
+                                     [object](const char* key, std::string& joined) { getList(object, key, joined); });
     const JSON_Object* date = json_object_get_object(day, "date");
     const auto number = [date](const char* key) {
         return static_cast<int>(tools::truncateTo<long long>(json_object_get_number(date, key)));
@@ -84,12 +84,12 @@ std::string byTree(const std::string& text, ReadKeys keys = ReadKeys::ofImport) 
 }
 
 std::string byReader(std::string text, ReadKeys keys = ReadKeys::ofImport) {
-    const transfer::MessageFileContent content = transfer::readMessageFileText(text, keys);
+    const chattransfer::MessageFileContent content = chattransfer::readMessageFileText(text, keys);
     if (!content.isJson) return "no JSON";
     if (!content.isObject) return "no object";
     std::string out = content.version.value_or("none");
     out += content.hasDays ? " days\n" : " no days\n";
-    for (const transfer::MessageDay& day : content.days) {
+    for (const chattransfer::MessageDay& day : content.days) {
         out += "day " + day.limitRange + " " + day.relatedUsers + "\n";
         for (const imsdk::st_dbMessageBean& message : day.messages)
             out += spell(message);
@@ -138,11 +138,11 @@ private:
         const auto add = [&](const std::string& key, const std::string& usual) {
             if (generator_.upTo(12) != 0) text += (text.empty() ? "" : ",") + member(key, usual);
         };
-        transfer::forEachMessageKey(any, [&](const char* key, transfer::KeyUse, const auto& field) {
+        chattransfer::forEachMessageKey(any, [&](const char* key, chattransfer::KeyUse, const auto& field) {
             const bool isText = std::is_same_v<std::decay_t<decltype(field)>, std::string>;
             add(key, isText ? generator_.string() : generator_.number());
         });
-        transfer::forEachMessageList(
+        chattransfer::forEachMessageList(
             any, [&](const char* key, const std::string&) { add(key, list([this] { return generator_.number(); })); });
         return "{" + text + "}";
     }
@@ -179,7 +179,7 @@ TEST(MessageText, ReadsAllKeysOfTheFormatWhenAskedTo) {
         ASSERT_EQ(byTree(text, ReadKeys::all), byReader(text, ReadKeys::all)) << text;
     }
     std::string text = R"({"msgs":[{"msgs":[{"securityLevel":7}]}]})";
-    EXPECT_EQ(7, transfer::readMessageFileText(text, ReadKeys::all).days.at(0).messages.at(0).securityLevel);
+    EXPECT_EQ(7, chattransfer::readMessageFileText(text, ReadKeys::all).days.at(0).messages.at(0).securityLevel);
 }
 
 TEST(MessageText, TellsJsonWithoutAnObjectFromWhatIsNoJson) {

@@ -1,11 +1,11 @@
 // The writer that builds no tree, held against the JSON tree of dbTrans::makeJson: same bytes.
-#include "transfer/package_text.h"
+#include "transfer/format/package_text.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 
-#include "host/json_owner.h"
+#include "host/json/json_owner.h"
 #include "tests/differential/json_generator.h"
 #include "transfer/dbTrans.h"
 
@@ -22,7 +22,7 @@ std::string byTree(imsdk::st_dbMessageBean message) {
 
 std::string byText(const imsdk::st_dbMessageBean& message) {
     tools::TextBuffer out;
-    transfer::appendMessage(out, message);
+    chattransfer::appendMessage(out, message);
     return std::string(out.text());
 }
 
@@ -30,8 +30,9 @@ class Messages {
 public:
     imsdk::st_dbMessageBean next() {
         imsdk::st_dbMessageBean message;
-        transfer::forEachMessageKey(message, [this](const char*, transfer::KeyUse, auto& field) { fill(field); });
-        transfer::forEachMessageList(message, [this](const char*, std::string& joined) { joined = list(); });
+        chattransfer::forEachMessageKey(message,
+                                        [this](const char*, chattransfer::KeyUse, auto& field) { fill(field); });
+        chattransfer::forEachMessageList(message, [this](const char*, std::string& joined) { joined = list(); });
         return message;
     }
 
@@ -90,7 +91,7 @@ TEST(PackageText, WritesMessagesByteForByteLikeTheTree) {
 TEST(PackageText, WritesAFileLikeTheTreeOfItsParts) {
     Messages messages;
     const std::array<imsdk::st_dbMessageBean, 3> records = {messages.next(), messages.next(), messages.next()};
-    transfer::MessageFileText file("1.\"0\xFF");
+    chattransfer::MessageFileText file("1.\"0\xFF");
     file.begin();
     file.addDay({2019, 3, 7}, records.data(), records.data() + 2);
     file.addDay({-1, 0, 12}, records.data() + 2, records.data() + 3);
@@ -102,7 +103,7 @@ TEST(PackageText, WritesAFileLikeTheTreeOfItsParts) {
 }
 
 TEST(PackageText, UsesItsBufferAgainWithoutATraceOfTheLastFile) {
-    transfer::MessageFileText file("1");
+    chattransfer::MessageFileText file("1");
     file.begin();
     file.addDay({1, 2, 3}, nullptr, nullptr);
     const std::string first(file.finish());

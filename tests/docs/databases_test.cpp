@@ -10,8 +10,8 @@
 #include "tests/support/database.h"
 #include "tests/support/temp_dir.h"
 #include "transfer/dbTrans.h"
-#include "transfer/message_table.h"
-#include "transfer/recent_contact_table.h"
+#include "transfer/tables/message_table.h"
+#include "transfer/tables/recent_contact_table.h"
 
 namespace {
 
@@ -80,16 +80,16 @@ Bytes expectedHmac(const Bytes& file, const std::string& keyText) {
 }  // namespace
 
 TEST(DatabasesPage, HasTheStatementsOfTheMessageTable) {
-    EXPECT_EQ(transfer::kCreateMessageTable, documented("create message table"));
-    EXPECT_EQ(transfer::insertMessageFormat(), documented("insert message"));
+    EXPECT_EQ(chattransfer::kCreateMessageTable, documented("create message table"));
+    EXPECT_EQ(chattransfer::insertMessageFormat(), documented("insert message"));
 }
 
 TEST(DatabasesPage, HasTheStatementsOfTheRecentContacts) {
-    EXPECT_EQ(transfer::kCreateRecentContactTable, documented("create recent-contact table"));
-    EXPECT_EQ(transfer::kFindRecentContact, documented("find recent contact"));
-    EXPECT_EQ(transfer::kInsertRecentContact, documented("insert recent contact"));
-    EXPECT_EQ(transfer::kPinRecentContact, documented("pin recent contact"));
-    EXPECT_EQ(transfer::kUpdateRecentContact, documented("update recent contact, rejected"));
+    EXPECT_EQ(chattransfer::kCreateRecentContactTable, documented("create recent-contact table"));
+    EXPECT_EQ(chattransfer::kFindRecentContact, documented("find recent contact"));
+    EXPECT_EQ(chattransfer::kInsertRecentContact, documented("insert recent contact"));
+    EXPECT_EQ(chattransfer::kPinRecentContact, documented("pin recent contact"));
+    EXPECT_EQ(chattransfer::kUpdateRecentContact, documented("update recent contact, rejected"));
 }
 
 TEST(DatabasesPage, ListsTheColumnsOfTheMessageTable) {

@@ -40,8 +40,8 @@ TEST(ErrorCodesPage, ListsEveryCodeInHexUnderItsName) {
 
 TEST(ErrorCodesPage, GivesTheIntThatAHostSees) {
     for (const docs::Row& row : documentedCodes()) {
-        const auto code = static_cast<transfer::ErrorCode>(std::stoul(row.at(0), nullptr, 16));
-        EXPECT_EQ(std::to_string(transfer::asInt(code)), row.at(1)) << row.at(0);
+        const auto code = static_cast<chattransfer::ErrorCode>(std::stoul(row.at(0), nullptr, 16));
+        EXPECT_EQ(std::to_string(chattransfer::asInt(code)), row.at(1)) << row.at(0);
     }
 }
 

@@ -11,8 +11,8 @@
 #include "tests/support/database.h"
 #include "tests/support/temp_dir.h"
 #include "transfer/dbTrans.h"
-#include "transfer/message_table.h"
-#include "transfer/recent_contact_table.h"
+#include "transfer/tables/message_table.h"
+#include "transfer/tables/recent_contact_table.h"
 
 namespace {
 
@@ -87,7 +87,7 @@ struct SampleRow {
 SampleRow sampleMessage() {
     SampleRow row;
     const imsdk::st_dbMessageBean any;
-    transfer::forEachMessageColumn(
+    chattransfer::forEachMessageColumn(
         any, [&row](int column, const char* name, auto /*use*/, const auto& field) { row.add(column, name, field); });
     row.add(21, "unReadState", std::string());
     row.addList("limitRange", "810000014", "810000015");
@@ -98,7 +98,7 @@ SampleRow sampleMessage() {
 SampleRow sampleContact() {
     SampleRow row;
     const imsdk::st_dbReContactBean any;
-    transfer::forEachRecentContactField(
+    chattransfer::forEachRecentContactField(
         any, [&row](int column, const char* name, const auto& field) { row.add(column, name, field); });
     row.add(11, "sendUserID", 0LL);
     return row;
@@ -129,12 +129,12 @@ protected:
     void transferAll() {
         dbTrans exporter;
         prepare(exporter, "old");
-        ASSERT_EQ(transfer::kSuccess, exporter.rdMsgFromDB(0, 1, 1));
-        ASSERT_EQ(transfer::kSuccess, exporter.wtMsgToFile());
+        ASSERT_EQ(chattransfer::kSuccess, exporter.rdMsgFromDB(0, 1, 1));
+        ASSERT_EQ(chattransfer::kSuccess, exporter.wtMsgToFile());
         dbTrans importer;
         prepare(importer, "new");
-        ASSERT_EQ(transfer::kSuccess, importer.rdMsgFromFile());
-        ASSERT_EQ(transfer::kSuccess, importer.wtMsgToDB());
+        ASSERT_EQ(chattransfer::kSuccess, importer.rdMsgFromFile());
+        ASSERT_EQ(chattransfer::kSuccess, importer.wtMsgToDB());
         ASSERT_EQ(1U, importer.msgMap.size());
         received_ = importer.msgMap.begin()->second.front();
     }
@@ -168,7 +168,7 @@ protected:
 class ContactMerge : public testing::Test {
 protected:
     void SetUp() override {
-        test::runSql(home_.at("db/imsg.db"), {transfer::kCreateRecentContactTable});
+        test::runSql(home_.at("db/imsg.db"), {chattransfer::kCreateRecentContactTable});
         transfer_.rootPath = home_.path();
         ASSERT_NE(0, transfer_.dbOpen());
         transfer_.getTables();
@@ -180,7 +180,7 @@ protected:
         insert.append(time).append(",").append(top).append(",'stored')");
         EXPECT_NE(0, transfer_.mainDb.excuteNonQuery(insert.c_str()));
         transfer_.reContacts = {received};
-        EXPECT_EQ(transfer::kSuccess, transfer_.wtRecontactToDb());
+        EXPECT_EQ(chattransfer::kSuccess, transfer_.wtRecontactToDb());
         return test::queryText(home_.at("db/imsg.db"), "select targetID,time,top,name from im_reContact", 4);
     }
 

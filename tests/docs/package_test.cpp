@@ -7,13 +7,13 @@
 #include <string>
 #include <vector>
 
-#include "host/json_owner.h"
+#include "host/json/json_owner.h"
 #include "tests/docs/markdown.h"
 #include "tests/support/database.h"
 #include "tests/support/temp_dir.h"
 #include "transfer/dbTrans.h"
-#include "transfer/package_format.h"
-#include "transfer/recent_contact_table.h"
+#include "transfer/format/package_format.h"
+#include "transfer/tables/recent_contact_table.h"
 
 namespace {
 
@@ -66,8 +66,8 @@ protected:
     }
 
     void exportAccount() {
-        ASSERT_EQ(transfer::kSuccess, transfer_.rdMsgFromDB(2019, 1, 1));
-        ASSERT_EQ(transfer::kSuccess, transfer_.wtMsgToFile());
+        ASSERT_EQ(chattransfer::kSuccess, transfer_.rdMsgFromDB(2019, 1, 1));
+        ASSERT_EQ(chattransfer::kSuccess, transfer_.wtMsgToFile());
     }
 
     std::string exported(const std::string& file) const { return test::readFile(home_.at(kMessageFolder + file)); }
@@ -130,7 +130,7 @@ protected:
     std::vector<int> packedFiles() {
         transfer_.backupPath = home_.at("backup");
         transfer_.packageSubDir = "1001";
-        EXPECT_EQ(transfer::kSuccess, transfer_.wtMsgToFile2());
+        EXPECT_EQ(chattransfer::kSuccess, transfer_.wtMsgToFile2());
         std::vector<int> messages(static_cast<std::size_t>(transfer_.getMsgFileNum(transfer_.msgFileDir)));
         for (std::size_t i = 0; i < messages.size(); ++i)
             messages[i] = messagesInFile(transfer_.msgFileDir + "msg_" + std::to_string(i) + ".mg");
@@ -207,8 +207,8 @@ TEST_F(PackageExample, IsImportedFromTheDocumentAlone) {
     writeDocumentedPackage();
     test::runSql(home_.at("other/db/imsg.db"), {});
     transfer_.rootPath = home_.at("other");
-    ASSERT_EQ(transfer::kSuccess, transfer_.rdMsgFromFile());
-    ASSERT_EQ(transfer::kSuccess, transfer_.wtMsgToDB());
+    ASSERT_EQ(chattransfer::kSuccess, transfer_.rdMsgFromFile());
+    ASSERT_EQ(chattransfer::kSuccess, transfer_.wtMsgToDB());
     const std::string database = home_.at("other/db/imsg.db");
     EXPECT_EQ("51\n9007199254740992", test::queryText(database, "select msgID from im_msg_2002 order by msgID", 1));
     EXPECT_EQ("71\n72\n73", test::queryText(database, "select msgID from im_msg_3003 order by msgID", 1));
@@ -218,10 +218,10 @@ TEST_F(PackageExample, IsImportedFromTheDocumentAlone) {
 TEST(PackagePage, ListsTheKeysOfAMessageObjectInOrder) {
     std::vector<KeyAndType> written;
     const imsdk::st_dbMessageBean any;
-    transfer::forEachMessageKey(any, [&written](const char* key, auto /*use*/, const auto& field) {
+    chattransfer::forEachMessageKey(any, [&written](const char* key, auto /*use*/, const auto& field) {
         written.emplace_back(key, typeName(field));
     });
-    transfer::forEachMessageList(
+    chattransfer::forEachMessageList(
         any, [&written](const char* key, const auto& /*field*/) { written.emplace_back(key, "array of numbers"); });
     const std::string page = messageObjectPart(docs::readSource("docs/formats/package.md"));
     EXPECT_EQ(written, keysUnder(page, "Message object"));
@@ -230,7 +230,7 @@ TEST(PackagePage, ListsTheKeysOfAMessageObjectInOrder) {
 TEST(PackagePage, ListsTheKeysOfARecentContactInOrder) {
     std::vector<KeyAndType> written;
     const imsdk::st_dbReContactBean any;
-    transfer::forEachRecentContactField(any, [&written](int /*column*/, const char* key, const auto& field) {
+    chattransfer::forEachRecentContactField(any, [&written](int /*column*/, const char* key, const auto& field) {
         written.emplace_back(key, typeName(field));
     });
     EXPECT_EQ(written, keysUnder(docs::readSource("docs/formats/package.md"), "Recent-contact file"));

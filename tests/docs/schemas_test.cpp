@@ -21,10 +21,10 @@
 #include "tests/support/database.h"
 #include "tests/support/temp_dir.h"
 #include "transfer/dbTrans.h"
-#include "transfer/message_table.h"
-#include "transfer/package_format.h"
-#include "transfer/recent_contact_table.h"
-#include "transfer/tree_format.h"
+#include "transfer/format/package_format.h"
+#include "transfer/format/tree_format.h"
+#include "transfer/tables/message_table.h"
+#include "transfer/tables/recent_contact_table.h"
 
 namespace {
 
@@ -240,9 +240,10 @@ Kinds messageKeys(const std::string& id) {
     Kinds kinds;
     const KindOfField kind = {id};
     const imsdk::st_dbMessageBean any;
-    transfer::forEachMessageKey(any,
-                                [&](const char* key, auto /*use*/, const auto& field) { kinds[key] = kind.of(field); });
-    transfer::forEachMessageList(any, [&](const char* key, const auto& /*field*/) { kinds[key] = "array of " + id; });
+    chattransfer::forEachMessageKey(
+        any, [&](const char* key, auto /*use*/, const auto& field) { kinds[key] = kind.of(field); });
+    chattransfer::forEachMessageList(any,
+                                     [&](const char* key, const auto& /*field*/) { kinds[key] = "array of " + id; });
     return kinds;
 }
 
@@ -250,7 +251,7 @@ Kinds contactKeys(const std::string& id) {
     Kinds kinds;
     const KindOfField kind = {id};
     const imsdk::st_dbReContactBean any;
-    transfer::forEachRecentContactField(
+    chattransfer::forEachRecentContactField(
         any, [&](int /*column*/, const char* key, const auto& field) { kinds[key] = kind.of(field); });
     return kinds;
 }
@@ -285,11 +286,12 @@ protected:
     }
 
     static std::string schemaOf(const fs::path& file, const std::string& kind) {
-        static const std::map<std::string, std::string> schemas = {{transfer::kMessageExtension, "-messages"},
-                                                                   {transfer::kContactExtension, "-recent-contacts"},
-                                                                   {transfer::kNoteExtension, "-notes"},
-                                                                   {transfer::kRoomExtension, "-rooms"}};
-        if (file.filename() == transfer::kRecentContactFileName) return kind + "-recent-contacts";
+        static const std::map<std::string, std::string> schemas = {
+            {chattransfer::kMessageExtension, "-messages"},
+            {chattransfer::kContactExtension, "-recent-contacts"},
+            {chattransfer::kNoteExtension, "-notes"},
+            {chattransfer::kRoomExtension, "-rooms"}};
+        if (file.filename() == chattransfer::kRecentContactFileName) return kind + "-recent-contacts";
         const auto found = schemas.find(file.extension().string());
         return found == schemas.end() ? "" : kind + found->second;
     }
@@ -367,9 +369,9 @@ TEST_F(RealFiles, OfAnExportObeyTheSchemas) {
 
 TEST_F(RealFiles, OfAnExportWithTheLargestAndSmallestNumbersObeyTheSchemas) {
     const std::string main = home_.at("account/db/imsg.db");
-    std::string create = transfer::kCreateMessageTable;
+    std::string create = chattransfer::kCreateMessageTable;
     create.replace(create.find("%s"), 2, "im_msg_1");
-    std::vector<std::string> statements = {create, transfer::kCreateRecentContactTable};
+    std::vector<std::string> statements = {create, chattransfer::kCreateRecentContactTable};
     for (const char* number : {"-9223372036854775808", "9223372036854775807", "NULL"}) {
         std::string row = "insert into im_msg_1 values(";
         std::string contact = "insert into im_reContact values(";
@@ -388,8 +390,8 @@ TEST_F(RealFiles, OfAnExportWithTheLargestAndSmallestNumbersObeyTheSchemas) {
     exporter.backupPath = home_.at("backup");
     exporter.packageSubDir = "1";
     exporter.packageVersion = "1.0";
-    ASSERT_EQ(transfer::kSuccess, exporter.rdMsgFromDB(0, 0, 0));
-    ASSERT_EQ(transfer::kSuccess, exporter.wtMsgToFile());
+    ASSERT_EQ(chattransfer::kSuccess, exporter.rdMsgFromDB(0, 0, 0));
+    ASSERT_EQ(chattransfer::kSuccess, exporter.wtMsgToFile());
     EXPECT_EQ(3, exporter.report.messagesWritten);
     EXPECT_EQ(3, exporter.report.contactsWritten);
     EXPECT_EQ(1, validateBelow("backup", "package").at("package-recent-contacts"));
@@ -458,7 +460,7 @@ TEST(Schemas, OfNotesHaveTheKeysAndRangesOfTheCode) {
     Kinds kinds;
     const KindOfField kind = {kId};
     const st_noteTrans any;
-    transfer::forEachNoteKey(any, [&](const char* key, const auto& field) { kinds[key] = kind.of(field); });
+    chattransfer::forEachNoteKey(any, [&](const char* key, const auto& field) { kinds[key] = kind.of(field); });
     EXPECT_EQ(kinds, kindsIn(schemaText("tree-notes").at("/properties/note/items"_json_pointer)));
 }
 

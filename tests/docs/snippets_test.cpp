@@ -31,7 +31,7 @@ bool isOneOf(const std::string& text, const std::set<std::string>& all) {
 bool aTestTakesItByName(const std::string& name) {
     const std::set<std::string> tests = {"tests/docs/container_test.cpp", "tests/docs/databases_test.cpp",
                                          "tests/docs/package_test.cpp", "tests/docs/schemas_test.cpp",
-                                         "tests/tree/tree_documentation_test.cpp"};
+                                         "tests/transfer/tree/tree_documentation_test.cpp"};
     return std::any_of(tests.begin(), tests.end(),
                        [&name](const std::string& test) { return contains(docs::readSource(test), '"' + name + '"'); });
 }

@@ -10,12 +10,12 @@
 #include <utility>
 
 #include "host/CAES.h"
-#include "host/fixed_text.h"
-#include "host/json_owner.h"
+#include "host/base/fixed_text.h"
+#include "host/json/json_owner.h"
 #include "tests/support/database.h"
 #include "tests/support/temp_dir.h"
-#include "transfer/message_table.h"
-#include "transfer/recent_contact_table.h"
+#include "transfer/tables/message_table.h"
+#include "transfer/tables/recent_contact_table.h"
 
 namespace fs = std::filesystem;
 
@@ -40,7 +40,7 @@ std::string insertMessages(const std::string& table, int count, int day, int typ
 }
 
 std::string createTable(const std::string& name) {
-    return tools::FixedText<1024>(transfer::kCreateMessageTable, name.c_str()).text();
+    return tools::FixedText<1024>(chattransfer::kCreateMessageTable, name.c_str()).text();
 }
 
 // Three conversations of one day each, so that a message file holds the whole batch of one.
@@ -50,7 +50,7 @@ void makeAccount(const std::string& path, const char* key) {
     runSql(path + "/db/imsg.db",
            {createTable("im_msg_11"), createTable("im_msg_12"), createTable("im_msg_13"),
             insertMessages("im_msg_11", 20, 1, 0, std::string(300, 'm')), insertMessages("im_msg_12", 3, 2, 6, body),
-            insertMessages("im_msg_13", 1, 3, 5, image), transfer::kCreateRecentContactTable,
+            insertMessages("im_msg_13", 1, 3, 5, image), chattransfer::kCreateRecentContactTable,
             "insert into im_reContact(targetID, name, time, top) values(11, 'one', 5, 0), (12, 'two', 6, 4)"},
            key);
     runSql(path + "/db/backimsg.db", {}, key);
@@ -71,7 +71,7 @@ void makeEmptyAccount(const std::string& path, const char* key) {
 void fillAccount(const std::string& path, const char* key) {
     runSql(path + "/db/imsg.db",
            {createTable("im_msg_11"), createTable("im_msg_99"), insertMessages("im_msg_11", 5, 1, 0, "mine"),
-            insertMessages("im_msg_99", 2, 1, 0, "mine"), transfer::kCreateRecentContactTable,
+            insertMessages("im_msg_99", 2, 1, 0, "mine"), chattransfer::kCreateRecentContactTable,
             "insert into im_reContact(targetID, name, time, top) values(12, 'mine', 9, 0)"},
            key);
 }

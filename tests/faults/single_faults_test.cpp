@@ -5,7 +5,7 @@
 #include <functional>
 #include <new>
 
-#include "host/json_tree.h"
+#include "host/json/json_tree.h"
 #include "tests/faults/fault_calls.h"
 #include "tests/faults/fault_memory.h"
 #include "tests/faults/fault_world.h"

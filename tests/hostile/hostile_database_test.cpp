@@ -5,11 +5,11 @@
 #include <filesystem>
 #include <random>
 
-#include "tests/export/account_fixture.h"
 #include "tests/hostile/swapper.h"
 #include "tests/support/seconds_of.h"
 #include "tests/support/small_stack.h"
 #include "tests/support/snapshot.h"
+#include "tests/transfer/export/account_fixture.h"
 
 namespace fs = std::filesystem;
 
@@ -110,7 +110,7 @@ TEST_F(HostileDatabase, WithViewsUnderTheNamesOfConversationsExportsNoneOfThem) 
 TEST_F(HostileDatabase, WithAViewInPlaceOfTheContactsSaysThatThereAreNone) {
     run({"drop table im_reContact",
          "create view im_reContact as with recursive n(i) as (select 1 union all select i from n) select i from n"});
-    EXPECT_EQ(transfer::kNoTables, transfer.rdMsgFromDB(0, 0, 0));
+    EXPECT_EQ(chattransfer::kNoTables, transfer.rdMsgFromDB(0, 0, 0));
 }
 
 TEST_F(HostileDatabase, WithVirtualTablesThatReadFilesExportsNoFile) {
@@ -303,7 +303,7 @@ TEST_F(HostileDatabase, WithATriggerThatRunsForEverLosesThatConversationInSecond
          "n(i) as (select 1 union all select i from n) select i from n where i < 0; end"});
     unsigned code = 0;
     EXPECT_LT(secondsOf([&] { code = import(); }), 60 * kSlowness);
-    EXPECT_EQ(transfer::kDatabaseFailed, code);
+    EXPECT_EQ(chattransfer::kDatabaseFailed, code);
     EXPECT_EQ("1", queryText(mainPath(), "select count(*) from im_msg_9009", 1));
     EXPECT_EQ("2", queryText(mainPath(), "select msgID from im_msg_5", 1));
 }

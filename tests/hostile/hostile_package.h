@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <string>
 
-#include "tests/package_import/import_fixture.h"
 #include "tests/support/snapshot.h"
+#include "tests/transfer/package_import/import_fixture.h"
 
 namespace test {
 

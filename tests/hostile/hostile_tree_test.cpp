@@ -11,7 +11,7 @@
 #include "tests/support/small_stack.h"
 #include "tests/support/snapshot.h"
 #include "tests/support/soak.h"
-#include "tests/tree/tree_fixture.h"
+#include "tests/transfer/tree/tree_fixture.h"
 
 namespace fs = std::filesystem;
 

@@ -1,0 +1,26 @@
+// Finds a tree from what a person gives as its folder.
+#pragma once
+
+#include <string>
+
+#include "app/commands/command.h"
+
+namespace app {
+
+/// Where one user's tree lies.
+struct TreePlace {
+    std::string parent;  ///< absolute; the folder that holds qelbackup
+    std::string root;    ///< absolute, without a "/" at its end: parent/qelbackup/<user>
+};
+
+/// The folder that a tree of this user has below `folder`, whether it is there or not.
+std::string treeFolderIn(const std::string& folder, const std::string& user);
+
+/// `folder` is the folder that holds qelbackup, or qelbackup itself. Throws a Failure that says what was looked for and
+/// lists the users whose trees are there instead.
+TreePlace findTree(const std::string& folder, const std::string& user);
+
+/// --from for a folder that holds a tree.
+void addTreeOption(CLI::App& command, std::string& from);
+
+}  // namespace app

@@ -1,0 +1,17 @@
+// What people write in samples: several scripts, emoji, a few words each.
+#pragma once
+
+#include <string>
+
+#include "app/sample/random.h"
+
+namespace app {
+
+/// One short message.
+std::string makeText(Random& random);
+
+/// The name of a person or of a group.
+std::string personName(Random& random);
+std::string groupName(Random& random);
+
+}  // namespace app

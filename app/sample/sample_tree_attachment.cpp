@@ -1,0 +1,87 @@
+#include "app/sample/sample_tree_attachment.h"
+
+#include <cerrno>
+
+#include "app/base/failure.h"
+#include "app/base/json_texts.h"
+#include "app/places/new_file.h"
+#include "app/sample/sample_media.h"
+#include "app/sample/sample_texts.h"
+#include "app/sample/sample_video.h"
+#include "host/tools.h"
+#include "transfer/format/attachment_body.h"
+#include "transfer/format/json_fields.h"
+
+namespace app {
+namespace {
+
+using chattransfer::TreeFileKeys;
+using tools::JsonDocument;
+
+constexpr unsigned kThumbnailSize = 16;
+constexpr int kPictures = 3;
+
+std::string makePhoto(Random& random) {
+    return makePicture(random, 40 + static_cast<unsigned>(random.below(60)));
+}
+
+std::string makeNotes(Random& random) {
+    std::string text;
+    for (int line = 0; line < 20; ++line)
+        text += makeText(random) + "\n";
+    return text;
+}
+
+}  // namespace
+
+AttachmentKinds treeAttachments() {
+    return {{chattransfer::kVoiceMessage, chattransfer::kImageMessage, chattransfer::kFileMessage,
+             chattransfer::kPicturesMessage, chattransfer::kVideoMessage},
+            1 + 2 + 1 + 2 * kPictures + 2};
+}
+
+std::string TreeAttachmentMaker::write(const std::string& name, const std::string& bytes) const {
+    const std::string path = folder_ + name;
+    const std::string folder = path.substr(0, path.rfind('/'));
+    if (tools::createDir(folder.c_str()) != 0) {
+        throw Failure({0, "A folder of the sample cannot be made", folder, systemWords(errno), ""});
+    }
+    writeNewFile(path, bytes);
+    return name;
+}
+
+std::string TreeAttachmentMaker::make(int type, const TreeFileKeys& keys, const std::string& id, const std::string& day,
+                                      Random& random) const {
+    const JsonDocument body(json_value_init_object());
+    JSON_Object* object = json_value_get_object(body.get());
+    const auto addPhoto = [&](JSON_Object* target, const std::string& name) {
+        chattransfer::setField(target, keys.image, write("image/" + day + "/" + name + ".png", makePhoto(random)));
+        chattransfer::setField(target, keys.thumbnail,
+                               write("image/" + day + "/" + name + "_small.png", makePicture(random, kThumbnailSize)));
+    };
+    if (type == chattransfer::kVoiceMessage) {
+        chattransfer::setField(object, keys.voice, write("voice/" + day + "/voice_" + id + ".wav", makeVoice(random)));
+    } else if (type == chattransfer::kFileMessage) {
+        const bool document = random.oneIn(2);
+        const std::string name = "file/" + day + (document ? "/Übersicht " + id + ".pdf" : "/メモ_" + id + ".txt");
+        chattransfer::setField(object, keys.file,
+                               write(name, document ? makeDocument("Overview " + id) : makeNotes(random)));
+    } else if (type == chattransfer::kImageMessage) {
+        addPhoto(object, "photo_" + id);
+    } else if (type == chattransfer::kPicturesMessage) {
+        json_object_set_value(object, keys.pictures, json_value_init_array());
+        JSON_Array* pictures = json_object_get_array(object, keys.pictures);
+        for (int i = 0; i < kPictures; ++i) {
+            JsonDocument picture(json_value_init_object());
+            addPhoto(json_value_get_object(picture.get()), "picture_" + id + "_" + std::to_string(i + 1));
+            chattransfer::appendValue(pictures, std::move(picture));
+        }
+    } else if (type == chattransfer::kVideoMessage) {
+        chattransfer::setField(object, keys.preview,
+                               write("video/" + day + "/preview_" + id + ".png", makePhoto(random)));
+        chattransfer::setField(object, keys.video, write("video/" + day + "/video_" + id + ".avi", makeVideo(random)));
+    }
+    return textOf(body);
+}
+
+}  // namespace app

@@ -1,0 +1,23 @@
+#include "host/files/whole_file.h"
+
+#include <fcntl.h>
+
+#include <new>
+
+#include "host/files/file_handle.h"
+
+namespace tools {
+
+bool writeWholeFile(const std::string& path, std::string_view bytes, Flush flush) {
+    detail::NewFile file(AT_FDCWD, path);
+    return file.valid() && detail::writeAll(file.get(), bytes.data(), bytes.size()) && file.commit(flush);
+}
+
+bool readWholeFile(const std::string& path, std::string& bytes) try {
+    const detail::FileHandle file = detail::openRegularFile(AT_FDCWD, path.c_str(), false);
+    return file.valid() && detail::readAll(file.get(), bytes);
+} catch (const std::bad_alloc&) {
+    return false;
+}
+
+}  // namespace tools

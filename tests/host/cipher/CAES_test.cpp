@@ -1,0 +1,798 @@
+#include "host/CAES.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <new>
+#include <set>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "host/cipher/cipher_container.h"
+#include "host/cipher/cipher_error.h"
+#include "host/cipher/cipher_files.h"
+#include "host/cipher/cipher_key.h"
+#include "host/cipher/cipher_key_cache.h"
+#include "host/cipher/cipher_secret.h"
+#include "host/cipher/cipher_stream.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* goodKey = "correct horse";
+constexpr std::size_t plainChunk = cipher::chunkSize;
+constexpr std::size_t sealedChunk = cipher::sealedChunkSize;
+
+struct Outcome {
+    int code;
+    std::string reason;
+};
+
+// A folder that exists as long as the object.
+class TemporaryFolder {
+public:
+    TemporaryFolder() : path_((fs::temp_directory_path() / "CAES_test_XXXXXX").string()) {
+        if (::mkdtemp(path_.data()) == nullptr) {
+            std::abort();
+        }
+    }
+    ~TemporaryFolder() { fs::remove_all(path_); }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder(TemporaryFolder&&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(TemporaryFolder&&) = delete;
+
+    [[nodiscard]] std::string operator/(const std::string& name) const { return path_ + "/" + name; }
+
+    [[nodiscard]] std::set<std::string> names() const {
+        std::set<std::string> result;
+        for (const fs::directory_entry& entry : fs::directory_iterator(path_)) {
+            result.insert(entry.path().filename().string());
+        }
+        return result;
+    }
+
+private:
+    std::string path_;
+};
+
+// No file of this process grows beyond the limit while the object exists: writing more fails.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) {
+        ::getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit limit{bytes, before_.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit() { ::setrlimit(RLIMIT_FSIZE, &before_); }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit(FileSizeLimit&&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(FileSizeLimit&&) = delete;
+
+private:
+    rlimit before_{};
+};
+
+void writeFile(const std::string& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+std::string readFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+std::string patterned(std::size_t size) {
+    std::string text(size, '\0');
+    for (std::size_t i = 0; i < size; ++i) {
+        text[i] = static_cast<char>(i % 251);
+    }
+    return text;
+}
+
+Outcome convert(bool encrypt, const char* key, const std::string& input, const std::string& output) {
+    std::array<char, 256> error{};
+    const int code = CAES().File_Aes_Go_Block(encrypt, key, input.c_str(), output.c_str(), error.data());
+    return {code, error.data()};
+}
+
+// The container of the text with these parameters; leaves no file behind.
+std::string sealWith(const cipher::Header& header, const cipher::TreeKey& treeKey, const std::string& text,
+                     const TemporaryFolder& folder) {
+    writeFile(folder / "text", text);
+    cipher::InputFile input((folder / "text").c_str());
+    cipher::OutputFile output(folder / "sealed");
+    cipher::ChunkPair chunks;
+    cipher::sealFile(input, output, header, treeKey, chunks);
+    output.commit();
+    std::string container = readFile(folder / "sealed");
+    fs::remove(folder / "text");
+    fs::remove(folder / "sealed");
+    return container;
+}
+
+class CAESTest : public testing::Test {
+protected:
+    Outcome encrypt(const std::string& from, const std::string& to, const char* key = goodKey) {
+        return convert(true, key, folder_ / from, folder_ / to);
+    }
+
+    Outcome decrypt(const std::string& from, const std::string& to, const char* key = goodKey) {
+        return convert(false, key, folder_ / from, folder_ / to);
+    }
+
+    // The encrypted form of a text; leaves no file behind.
+    std::string containerOf(const std::string& text, const char* key = goodKey) {
+        writeFile(folder_ / "text", text);
+        EXPECT_EQ(encrypt("text", "sealed", key).code, 0);
+        std::string container = readFile(folder_ / "sealed");
+        fs::remove(folder_ / "text");
+        fs::remove(folder_ / "sealed");
+        return container;
+    }
+
+    // Decryption fails for a reason that begins so, leaves the input as it is and nothing beside it.
+    void expectRefused(const std::string& container, const std::string& reason, const char* key = goodKey) {
+        writeFile(folder_ / "bad", container);
+        const Outcome outcome = decrypt("bad", "opened", key);
+        EXPECT_NE(outcome.code, 0);
+        EXPECT_EQ(outcome.reason.compare(0, reason.size(), reason), 0) << outcome.reason;
+        EXPECT_EQ(readFile(folder_ / "bad"), container);
+        EXPECT_EQ(folder_.names(), std::set<std::string>{"bad"});
+    }
+
+    TemporaryFolder folder_;
+};
+
+std::string chunkOf(const std::string& container, std::size_t number) {
+    return container.substr(cipher::headerSize + number * sealedChunk, sealedChunk);
+}
+
+std::string headerOf(const std::string& container) {
+    return container.substr(0, cipher::headerSize);
+}
+
+void putNumber(std::string& bytes, std::size_t offset, std::uint32_t value) {
+    for (std::size_t i = 0; i < 4; ++i) {
+        bytes[offset + i] = static_cast<char>(value >> (24 - 8 * i));
+    }
+}
+
+std::uint64_t derivations() {
+    return cipher::KeyCache::ofProcess().derivations();
+}
+
+constexpr const char* firstChunkBad = "wrong key, or the file is damaged, cut or extended";
+
+// What comes back
+
+class CAESRoundTrip : public CAESTest, public testing::WithParamInterface<std::size_t> {};
+
+TEST_P(CAESRoundTrip, GivesTheTextBack) {
+    const std::string text = patterned(GetParam());
+    writeFile(folder_ / "text", text);
+    EXPECT_EQ(encrypt("text", "sealed").code, 0);
+    EXPECT_EQ(decrypt("sealed", "opened").code, 0);
+    EXPECT_TRUE(readFile(folder_ / "opened") == text);
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, CAESRoundTrip, testing::Values(0, 1, 15, 16, 17, 65535, 65536, 65537, 131072, 5000000));
+
+TEST_F(CAESTest, LeavesTheInputAsItIs) {
+    writeFile(folder_ / "text", "hello");
+    EXPECT_EQ(encrypt("text", "sealed").code, 0);
+    EXPECT_EQ(readFile(folder_ / "text"), "hello");
+}
+
+TEST_F(CAESTest, AddsAHeaderAndOneTagForEachChunk) {
+    EXPECT_EQ(containerOf("").size(), 68U + 16U);
+    EXPECT_EQ(containerOf(patterned(65536)).size(), 68U + 65536U + 16U);
+    EXPECT_EQ(containerOf(patterned(65537)).size(), 68U + 65537U + 2 * 16U);
+}
+
+TEST_F(CAESTest, TheContainerDoesNotShowTheText) {
+    EXPECT_EQ(containerOf("a telling sentence").find("telling"), std::string::npos);
+}
+
+TEST_F(CAESTest, EncryptingATextTwiceGivesDifferentBytes) {
+    const std::string first = containerOf("hello");
+    const std::string second = containerOf("hello");
+    EXPECT_NE(first.substr(cipher::headerSize), second.substr(cipher::headerSize));
+}
+
+TEST_F(CAESTest, KeysOfAnyBytesWork) {
+    const char* key = "\xD0\xBA\xD0\xBB\xFF\x01 \n";
+    writeFile(folder_ / "sealed", containerOf("hello", key));
+    EXPECT_EQ(decrypt("sealed", "opened", key).code, 0);
+    EXPECT_EQ(readFile(folder_ / "opened"), "hello");
+}
+
+TEST_F(CAESTest, OneObjectServesSeveralFilesAfterAFailureToo) {
+    CAES object;
+    writeFile(folder_ / "text", patterned(70000));
+    const auto run = [&](bool encrypt, const char* from, const char* to) {
+        return object.File_Aes_Go_Block(encrypt, goodKey, (folder_ / from).c_str(), (folder_ / to).c_str(), nullptr);
+    };
+    EXPECT_EQ(run(true, "text", "sealed"), 0);
+    EXPECT_NE(run(false, "text", "opened"), 0);
+    EXPECT_EQ(run(false, "sealed", "opened"), 0);
+    EXPECT_TRUE(readFile(folder_ / "opened") == patterned(70000));
+}
+
+// What is refused
+
+TEST_F(CAESTest, AWrongKeyIsRefused) {
+    expectRefused(containerOf("hello"), firstChunkBad, "correct horsf");
+}
+
+TEST_F(CAESTest, EveryCutOfASmallFileIsNoticed) {
+    const std::string container = containerOf("hello");
+    for (std::size_t size = 0; size < container.size(); ++size) {
+        SCOPED_TRACE(size);
+        const char* const reason = size < 8    ? "not an encrypted file"
+                                   : size < 68 ? "damaged header: cut"
+                                               : firstChunkBad;
+        expectRefused(container.substr(0, size), reason);
+    }
+}
+
+TEST_F(CAESTest, AFlippedBitInAnyByteIsNoticed) {
+    // Each flipped bit of the tree salt costs a derivation: with the least iterations allowed they stay short.
+    const cipher::Header header{cipher::minIterations, {1, 2, 3}, {4, 5, 6}};
+    const cipher::TreeKey treeKey = cipher::deriveTreeKey(goodKey, header.treeSalt, header.iterations);
+    const std::string container = sealWith(header, treeKey, "hello", folder_);
+    for (std::size_t i = 0; i < container.size(); ++i) {
+        SCOPED_TRACE(i);
+        std::string damaged = container;
+        damaged[i] = static_cast<char>(damaged[i] ^ (1 << (i % 8)));
+        expectRefused(damaged, "");
+    }
+}
+
+TEST_F(CAESTest, AppendedBytesAreNoticed) {
+    const std::string container = containerOf("hello");
+    expectRefused(container + '\0', firstChunkBad);
+    expectRefused(container + container, firstChunkBad);
+    expectRefused(container + chunkOf(container, 0), firstChunkBad);
+}
+
+TEST_F(CAESTest, BytesAppendedToAFullLastChunkAreNoticed) {
+    expectRefused(containerOf(patterned(65536)) + "x", firstChunkBad);
+}
+
+TEST_F(CAESTest, SwappedChunksAreNoticed) {
+    const std::string c = containerOf(patterned(3 * plainChunk));
+    expectRefused(headerOf(c) + chunkOf(c, 0) + chunkOf(c, 2) + chunkOf(c, 1),
+                  "damaged, cut or extended data at chunk 1");
+}
+
+TEST_F(CAESTest, ADroppedFirstChunkIsNoticed) {
+    const std::string c = containerOf(patterned(3 * plainChunk));
+    expectRefused(headerOf(c) + chunkOf(c, 1) + chunkOf(c, 2), firstChunkBad);
+}
+
+TEST_F(CAESTest, ADroppedMiddleChunkIsNoticed) {
+    const std::string c = containerOf(patterned(3 * plainChunk));
+    expectRefused(headerOf(c) + chunkOf(c, 0) + chunkOf(c, 2), "damaged, cut or extended data at chunk 1");
+}
+
+TEST_F(CAESTest, ADroppedLastChunkIsNoticed) {
+    const std::string c = containerOf(patterned(3 * plainChunk));
+    expectRefused(headerOf(c) + chunkOf(c, 0) + chunkOf(c, 1), "damaged, cut or extended data at chunk 1");
+}
+
+TEST_F(CAESTest, ADuplicatedChunkIsNoticed) {
+    const std::string c = containerOf(patterned(2 * plainChunk));
+    expectRefused(headerOf(c) + chunkOf(c, 0) + chunkOf(c, 0) + chunkOf(c, 1),
+                  "damaged, cut or extended data at chunk 1");
+}
+
+TEST_F(CAESTest, ADuplicatedLastChunkIsNoticed) {
+    const std::string c = containerOf(patterned(2 * plainChunk));
+    expectRefused(c + chunkOf(c, 1), "damaged, cut or extended data at chunk 1");
+}
+
+TEST_F(CAESTest, AChunkOfAnotherFileUnderTheSameKeyIsNoticed) {
+    const std::string one = containerOf(patterned(65537));
+    const std::string other = containerOf(patterned(65537));
+    expectRefused(headerOf(one) + chunkOf(one, 0) + chunkOf(other, 1), "damaged, cut or extended data at chunk 1");
+}
+
+TEST_F(CAESTest, TheHeaderOfAnotherFileUnderTheSameKeyIsNoticed) {
+    expectRefused(headerOf(containerOf("one")) + chunkOf(containerOf("two"), 0), firstChunkBad);
+}
+
+TEST_F(CAESTest, AStubOfATagAfterAFullChunkIsNoticed) {
+    expectRefused(containerOf(patterned(65537)).substr(0, cipher::headerSize + sealedChunk + 15),
+                  "damaged, cut or extended data at chunk 1");
+}
+
+TEST_F(CAESTest, AnEmptyLastChunkAfterAnotherIsRefusedThoughItVerifies) {
+    const cipher::WritingKey key = cipher::KeyCache::ofProcess().forWriting(goodKey);
+    const cipher::Header header{key.iterations, key.treeSalt, cipher::randomFileSalt()};
+    const cipher::HeaderBytes headerBytes = cipher::encodeHeader(header);
+    cipher::ChunkCipher sealing(cipher::ChunkCipher::Direction::Seal,
+                                cipher::deriveFileKey(key.treeKey, header.fileSalt), headerBytes);
+    std::string container(headerBytes.begin(), headerBytes.end());
+    cipher::Chunk chunk;
+    std::memset(chunk.data(), 'x', cipher::chunkSize);
+    for (const std::size_t size : {cipher::chunkSize, std::size_t{0}}) {
+        chunk.setSize(size);
+        sealing.seal(size == 0 ? 1 : 0, size == 0, chunk);
+        container.append(chunk.data(), chunk.data() + chunk.size());
+    }
+    expectRefused(container, "damaged, cut or extended data at chunk 1");
+}
+
+TEST_F(CAESTest, APlainFileIsNoEncryptedFile) {
+    expectRefused("{\"messages\": []}", "not an encrypted file");
+}
+
+TEST_F(CAESTest, ANewerVersionIsNamed) {
+    std::string container = containerOf("hello");
+    container[9] = 2;
+    expectRefused(container, "written by a newer version of the format (2)");
+}
+
+TEST_F(CAESTest, ANewerVersionIsNamedThoughItsHeaderIsShorter) {
+    std::string container = containerOf("hello").substr(0, 20);
+    container[8] = 1;
+    expectRefused(container, "written by a newer version of the format (257)");
+}
+
+TEST_F(CAESTest, AVersionThatNeverWasIsRefused) {
+    std::string container = containerOf("hello");
+    container[9] = 0;
+    expectRefused(container, "damaged header: no such version");
+}
+
+TEST_F(CAESTest, AnUnknownMethodIsRefused) {
+    std::string container = containerOf("hello");
+    container[10] = 2;
+    expectRefused(container, "damaged header: unknown method");
+}
+
+TEST_F(CAESTest, AnIterationCountOutOfBoundsIsRefusedBeforeAnyDerivation) {
+    std::string container = containerOf("hello");
+    const std::uint64_t before = derivations();
+    for (const std::uint32_t iterations : {0U, 1U, 99999U, 1000001U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
+        putNumber(container, 12, iterations);
+        expectRefused(container, "damaged header: iteration count out of bounds");
+    }
+    EXPECT_EQ(derivations(), before);
+}
+
+TEST_F(CAESTest, AnotherChunkSizeIsRefusedBeforeAnyDerivation) {
+    std::string container = containerOf("hello");
+    const std::uint64_t before = derivations();
+    for (const std::uint32_t size : {0U, 1U, 65535U, 65537U, 0xFFFFFFFFU}) {
+        putNumber(container, 16, size);
+        expectRefused(container, "damaged header: chunk size out of bounds");
+    }
+    EXPECT_EQ(derivations(), before);
+}
+
+// The output
+
+TEST_F(CAESTest, AFailureKeepsAnExistingOutput) {
+    writeFile(folder_ / "bad", containerOf("hello"));
+    writeFile(folder_ / "opened", "earlier");
+    EXPECT_NE(decrypt("bad", "opened", "another key").code, 0);
+    EXPECT_EQ(readFile(folder_ / "opened"), "earlier");
+}
+
+TEST_F(CAESTest, ASuccessReplacesAnExistingOutput) {
+    writeFile(folder_ / "sealed", containerOf("hello"));
+    writeFile(folder_ / "opened", "an earlier, longer text");
+    EXPECT_EQ(decrypt("sealed", "opened").code, 0);
+    EXPECT_EQ(readFile(folder_ / "opened"), "hello");
+}
+
+TEST_F(CAESTest, ALinkUnderTheOutputsNameIsReplacedAndItsTargetKept) {
+    writeFile(folder_ / "sealed", containerOf("hello"));
+    writeFile(folder_ / "target", "earlier");
+    fs::create_symlink("target", folder_ / "opened");
+    EXPECT_EQ(decrypt("sealed", "opened").code, 0);
+    EXPECT_EQ(readFile(folder_ / "target"), "earlier");
+    EXPECT_TRUE(fs::symlink_status(folder_ / "opened").type() == fs::file_type::regular);
+}
+
+TEST_F(CAESTest, AFileCanBeConvertedInPlace) {
+    writeFile(folder_ / "file", "hello");
+    EXPECT_EQ(encrypt("file", "file").code, 0);
+    EXPECT_EQ(readFile(folder_ / "file").size(), 68U + 5U + 16U);
+    EXPECT_EQ(decrypt("file", "file").code, 0);
+    EXPECT_EQ(readFile(folder_ / "file"), "hello");
+}
+
+TEST_F(CAESTest, AFailureInPlaceKeepsTheFile) {
+    writeFile(folder_ / "file", "hello");
+    EXPECT_NE(decrypt("file", "file").code, 0);
+    EXPECT_EQ(readFile(folder_ / "file"), "hello");
+}
+
+TEST_F(CAESTest, TheOutputIsForItsOwnerAlone) {
+    const mode_t mask = ::umask(0);
+    writeFile(folder_ / "text", "hello");
+    const int code = encrypt("text", "sealed").code;
+    ::umask(mask);
+    EXPECT_EQ(code, 0);
+    EXPECT_EQ(fs::status(folder_ / "sealed").permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST_F(CAESTest, ASuccessLeavesNothingBesideTheOutput) {
+    writeFile(folder_ / "text", "hello");
+    EXPECT_EQ(encrypt("text", "sealed").code, 0);
+    EXPECT_EQ(folder_.names(), (std::set<std::string>{"sealed", "text"}));
+}
+
+TEST_F(CAESTest, TheOutputsNameMayBeAsLongAsTheFileSystemAllows) {
+    writeFile(folder_ / "text", "hello");
+    EXPECT_EQ(encrypt("text", std::string(255, 'n')).code, 0);
+}
+
+TEST_F(CAESTest, APathWithoutAFolderMeansTheCurrentOne) {
+    writeFile(folder_ / "text", "hello");
+    const fs::path before = fs::current_path();
+    fs::current_path(folder_ / "");
+    const Outcome outcome = convert(true, goodKey, "text", "sealed");
+    fs::current_path(before);
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_TRUE(fs::exists(folder_ / "sealed"));
+}
+
+TEST_F(CAESTest, AMissingOutputFolderIsAFailure) {
+    writeFile(folder_ / "text", "hello");
+    const Outcome outcome = encrypt("text", "missing/sealed");
+    EXPECT_NE(outcome.code, 0);
+    EXPECT_EQ(outcome.reason, "cannot write output: No such file or directory");
+}
+
+TEST_F(CAESTest, AFolderUnderTheOutputsNameIsAFailureAndStays) {
+    writeFile(folder_ / "text", "hello");
+    fs::create_directory(folder_ / "sealed");
+    const Outcome outcome = encrypt("text", "sealed");
+    EXPECT_NE(outcome.code, 0);
+    EXPECT_EQ(outcome.reason, "cannot write output: Is a directory");
+    EXPECT_EQ(folder_.names(), (std::set<std::string>{"sealed", "text"}));
+}
+
+TEST_F(CAESTest, AnOutputThatCannotBeWrittenWholeLeavesNothing) {
+    writeFile(folder_ / "text", patterned(300000));
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    Outcome outcome{};
+    {
+        const FileSizeLimit limit(100000);
+        outcome = encrypt("text", "sealed");
+    }
+    EXPECT_NE(std::signal(SIGXFSZ, handler), SIG_ERR);
+    EXPECT_NE(outcome.code, 0);
+    EXPECT_EQ(outcome.reason, "cannot write output: File too large");
+    EXPECT_EQ(folder_.names(), std::set<std::string>{"text"});
+}
+
+TEST_F(CAESTest, AProcessKilledWhileWritingLeavesNoOutput) {
+    writeFile(folder_ / "text", patterned(300000));
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const rlimit noCore{0, 0};
+        ::setrlimit(RLIMIT_CORE, &noCore);
+        (void)std::signal(SIGXFSZ, SIG_DFL);
+        const FileSizeLimit limit(100000);
+        ::_exit(encrypt("text", "sealed").code);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFSIGNALED(status));
+    EXPECT_FALSE(fs::exists(folder_ / "sealed"));
+}
+
+// The input
+
+TEST_F(CAESTest, AMissingInputIsAFailure) {
+    const Outcome outcome = encrypt("missing", "sealed");
+    EXPECT_NE(outcome.code, 0);
+    EXPECT_EQ(outcome.reason, "cannot open input: No such file or directory");
+    EXPECT_TRUE(folder_.names().empty());
+}
+
+TEST_F(CAESTest, AFifoIsRefusedWithoutWaiting) {
+    ASSERT_EQ(::mkfifo((folder_ / "fifo").c_str(), 0600), 0);
+    const Outcome outcome = encrypt("fifo", "sealed");
+    EXPECT_NE(outcome.code, 0);
+    EXPECT_EQ(outcome.reason, "input is not a regular file");
+}
+
+TEST_F(CAESTest, ASocketIsRefused) {
+    const cipher::Descriptor listener(::socket(AF_UNIX, SOCK_STREAM, 0));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    (folder_ / "socket").copy(std::begin(address.sun_path), sizeof(address.sun_path) - 1);
+    ASSERT_EQ(::bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
+    const Outcome outcome = encrypt("socket", "sealed");
+    EXPECT_NE(outcome.code, 0);
+    EXPECT_EQ(outcome.reason, "input is not a regular file");
+}
+
+TEST_F(CAESTest, AFolderAsInputIsRefused) {
+    fs::create_directory(folder_ / "folder");
+    const Outcome outcome = encrypt("folder", "sealed");
+    EXPECT_NE(outcome.code, 0);
+    EXPECT_EQ(outcome.reason, "input is not a regular file");
+}
+
+TEST_F(CAESTest, ALinkAsInputIsRefused) {
+    writeFile(folder_ / "text", "hello");
+    fs::create_symlink("text", folder_ / "link");
+    const Outcome outcome = encrypt("link", "sealed");
+    EXPECT_NE(outcome.code, 0);
+    EXPECT_EQ(outcome.reason, "input is not a regular file");
+    EXPECT_EQ(folder_.names(), (std::set<std::string>{"link", "text"}));
+}
+
+// The arguments
+
+TEST_F(CAESTest, AMissingOrEmptyKeyIsRefused) {
+    writeFile(folder_ / "text", "hello");
+    for (const char* key : {static_cast<const char*>(nullptr), ""}) {
+        const Outcome outcome = encrypt("text", "sealed", key);
+        EXPECT_NE(outcome.code, 0);
+        EXPECT_EQ(outcome.reason, "no key");
+        EXPECT_EQ(folder_.names(), std::set<std::string>{"text"});
+    }
+}
+
+TEST_F(CAESTest, AKeyTextBeyondTheLimitIsRefused) {
+    writeFile(folder_ / "text", "hello");
+    EXPECT_EQ(encrypt("text", "sealed", std::string(65536, 'k').c_str()).code, 0);
+    const Outcome outcome = encrypt("text", "sealed", std::string(65537, 'k').c_str());
+    EXPECT_NE(outcome.code, 0);
+    EXPECT_EQ(outcome.reason, "key text too long");
+}
+
+TEST_F(CAESTest, MissingPathsAreRefused) {
+    std::array<char, 256> error{};
+    EXPECT_NE(CAES().File_Aes_Go_Block(true, goodKey, nullptr, "out", error.data()), 0);
+    EXPECT_STREQ(error.data(), "no input path");
+    EXPECT_NE(CAES().File_Aes_Go_Block(true, goodKey, "in", nullptr, error.data()), 0);
+    EXPECT_STREQ(error.data(), "no output path");
+    EXPECT_NE(convert(true, goodKey, "", "out").code, 0);
+    EXPECT_NE(convert(true, goodKey, "in", "").code, 0);
+}
+
+TEST_F(CAESTest, AFailureWithoutAnErrorBufferIsJustAFailure) {
+    EXPECT_NE(CAES().File_Aes_Go_Block(true, goodKey, (folder_ / "missing").c_str(), "out", nullptr), 0);
+}
+
+TEST_F(CAESTest, ASuccessLeavesTheErrorBufferAlone) {
+    writeFile(folder_ / "text", "hello");
+    EXPECT_EQ(encrypt("text", "sealed").reason, "");
+}
+
+TEST_F(CAESTest, ALongPathGivesATerminatedReasonWithin256Bytes) {
+    std::string buffer(300, 'x');
+    const std::string path(5000, 'p');
+    EXPECT_NE(CAES().File_Aes_Go_Block(true, goodKey, path.c_str(), path.c_str(), buffer.data()), 0);
+    EXPECT_LT(buffer.find('\0'), 256U);
+    EXPECT_EQ(buffer.substr(256), std::string(44, 'x'));
+}
+
+// The cost
+
+TEST_F(CAESTest, AThousandFilesUnderOneKeyCostOneDerivation) {
+    const std::uint64_t before = derivations();
+    for (int i = 0; i < 1000; ++i) {
+        writeFile(folder_ / "text", std::to_string(i));
+        ASSERT_EQ(encrypt("text", "sealed", "the key of the thousand").code, 0);
+        ASSERT_EQ(decrypt("sealed", "opened", "the key of the thousand").code, 0);
+        ASSERT_EQ(readFile(folder_ / "opened"), std::to_string(i));
+    }
+    EXPECT_EQ(derivations(), before + 1);
+}
+
+TEST_F(CAESTest, ThreadsShareOneDerivation) {
+    writeFile(folder_ / "text", "hello");
+    const std::uint64_t before = derivations();
+    std::array<Outcome, 4> outcomes{};
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < outcomes.size(); ++i) {
+        threads.emplace_back([&, i] { outcomes[i] = encrypt("text", std::to_string(i), "the key of the threads"); });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    for (const Outcome& outcome : outcomes) {
+        EXPECT_EQ(outcome.code, 0) << outcome.reason;
+    }
+    EXPECT_EQ(derivations(), before + 1);
+}
+
+TEST(KeyCacheTest, KeepsOneSaltForEachKeyText) {
+    cipher::KeyCache cache;
+    const cipher::WritingKey first = cache.forWriting("a");
+    EXPECT_EQ(cache.forWriting("a").treeSalt, first.treeSalt);
+    EXPECT_NE(cache.forWriting("b").treeSalt, first.treeSalt);
+    EXPECT_EQ(cache.derivations(), 2U);
+}
+
+TEST(KeyCacheTest, ReadsWhatItWroteWithoutAnotherDerivation) {
+    cipher::KeyCache cache;
+    const cipher::WritingKey key = cache.forWriting("a");
+    EXPECT_TRUE(cache.forReading("a", key.treeSalt, key.iterations) == key.treeKey);
+    EXPECT_EQ(cache.derivations(), 1U);
+}
+
+TEST(KeyCacheTest, NeverWritesWithASaltFromAFile) {
+    cipher::KeyCache cache;
+    const cipher::TreeSalt foreign{1, 2, 3};
+    (void)cache.forReading("a", foreign, cipher::writingIterations);
+    EXPECT_NE(cache.forWriting("a").treeSalt, foreign);
+}
+
+TEST(KeyCacheTest, TellsKeyTextsSaltsAndIterationsApart) {
+    cipher::KeyCache cache;
+    const cipher::TreeKey key = cache.forReading("a", {1}, 100000);
+    EXPECT_FALSE(cache.forReading("b", {1}, 100000) == key);
+    EXPECT_FALSE(cache.forReading("a", {2}, 100000) == key);
+    EXPECT_FALSE(cache.forReading("a", {1}, 100001) == key);
+}
+
+TEST(KeyCacheTest, ForgetsTheLeastRecentlyUsedKeyFirst) {
+    cipher::KeyCache cache;
+    const auto read = [&](std::size_t salt) {
+        (void)cache.forReading("a", {static_cast<unsigned char>(salt)}, cipher::minIterations);
+        return cache.derivations();
+    };
+    for (std::size_t salt = 0; salt < cipher::KeyCache::capacity; ++salt) {
+        (void)read(salt);
+    }
+    EXPECT_EQ(read(0), 8U) << "all eight are still known";
+    EXPECT_EQ(read(8), 9U) << "a ninth drops the oldest, which is now 1";
+    EXPECT_EQ(read(0), 9U);
+    EXPECT_EQ(read(1), 10U);
+}
+
+TEST(SecretTest, IsOverwrittenWhenItEnds) {
+    using Key = cipher::Secret<32>;
+    alignas(Key) std::array<unsigned char, sizeof(Key)> memory{};
+    Key* const key = new (memory.data()) Key;
+    std::memset(key->data(), 0xA5, Key::size());
+    key->~Key();
+    EXPECT_EQ(memory, (std::array<unsigned char, sizeof(Key)>{}));
+}
+
+TEST(ChunkNonceTest, HoldsTheNumberAndTheLastFlag) {
+    EXPECT_EQ(cipher::chunkNonce(0, true), (cipher::Nonce{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1}));
+    EXPECT_EQ(cipher::chunkNonce(0x01020304, false), (cipher::Nonce{0, 0, 0, 0, 0, 0, 0, 1, 2, 3, 4, 0}));
+}
+
+TEST(ChunkNonceTest, EndsBeforeTheCounterWouldRepeat) {
+    EXPECT_NO_THROW(cipher::chunkNonce(cipher::maxChunks - 1, true));
+    EXPECT_THROW(cipher::chunkNonce(cipher::maxChunks, true), cipher::Failure);
+}
+
+// The vectors that docs/formats/cipher-container.md publishes
+
+using Vector = std::map<std::string, std::string>;
+
+std::vector<Vector> documentedVectors() {
+    std::istringstream page(readFile(CHAT_TRANSFER_SOURCE_DIR "/docs/formats/cipher-container.md"));
+    std::vector<Vector> vectors(1);
+    std::string line;
+    while (std::getline(page, line) && line != "```vectors") {
+    }
+    while (std::getline(page, line) && line != "```") {
+        const std::size_t colon = line.find(':');
+        if (line.empty()) {
+            vectors.emplace_back();
+        } else {
+            vectors.back()[line.substr(0, colon)] = line.size() > colon + 2 ? line.substr(colon + 2) : "";
+        }
+    }
+    return vectors;
+}
+
+std::string fromHex(const std::string& hex) {
+    std::string bytes;
+    for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
+        bytes += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
+    }
+    return bytes;
+}
+
+template <typename Bytes>
+std::string toHex(const Bytes& bytes) {
+    std::string hex;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(bytes.data()[i]);
+        hex += "0123456789abcdef"[byte >> 4];
+        hex += "0123456789abcdef"[byte & 15];
+    }
+    return hex;
+}
+
+template <typename Salt>
+Salt saltOf(const std::string& hex) {
+    Salt salt{};
+    const std::string bytes = fromHex(hex);
+    EXPECT_EQ(bytes.size(), salt.size());
+    std::copy_n(bytes.begin(), std::min(bytes.size(), salt.size()), salt.begin());
+    return salt;
+}
+
+cipher::Header headerOf(const Vector& vector) {
+    return {static_cast<std::uint32_t>(std::stoul(vector.at("iterations"))),
+            saltOf<cipher::TreeSalt>(vector.at("tree-salt")), saltOf<cipher::FileSalt>(vector.at("file-salt"))};
+}
+
+cipher::TreeKey treeKeyOf(const Vector& vector) {
+    const cipher::Header header = headerOf(vector);
+    return cipher::KeyCache::ofProcess().forReading(vector.at("key-text"), header.treeSalt, header.iterations);
+}
+
+std::string textOf(const Vector& vector) {
+    return vector.count("text") > 0 ? fromHex(vector.at("text")) : patterned(std::stoul(vector.at("text-size")));
+}
+
+// The container that the header, key and text of the vector give.
+std::string sealed(const Vector& vector, const TemporaryFolder& folder) {
+    return sealWith(headerOf(vector), treeKeyOf(vector), textOf(vector), folder);
+}
+
+TEST(DocumentedVectorsTest, AreThree) {
+    EXPECT_EQ(documentedVectors().size(), 3U);
+}
+
+TEST(DocumentedVectorsTest, ShowTheDerivedKeys) {
+    for (const Vector& vector : documentedVectors()) {
+        SCOPED_TRACE(vector.at("name"));
+        const cipher::TreeKey treeKey = treeKeyOf(vector);
+        EXPECT_EQ(toHex(treeKey), vector.at("tree-key"));
+        EXPECT_EQ(toHex(cipher::deriveFileKey(treeKey, headerOf(vector).fileSalt)), vector.at("file-key"));
+    }
+}
+
+TEST(DocumentedVectorsTest, AreWhatEncryptionWithTheirSaltsGives) {
+    const TemporaryFolder folder;
+    for (const Vector& vector : documentedVectors()) {
+        SCOPED_TRACE(vector.at("name"));
+        const std::string container = sealed(vector, folder);
+        if (vector.count("container") > 0) {
+            EXPECT_EQ(toHex(container), vector.at("container"));
+        } else {
+            EXPECT_EQ(toHex(cipher::hashKeyText(container)), vector.at("container-sha256"));
+        }
+    }
+}
+
+TEST(DocumentedVectorsTest, AreDecrypted) {
+    const TemporaryFolder folder;
+    for (const Vector& vector : documentedVectors()) {
+        SCOPED_TRACE(vector.at("name"));
+        const bool given = vector.count("container") > 0;
+        writeFile(folder / "sealed", given ? fromHex(vector.at("container")) : sealed(vector, folder));
+        const Outcome outcome = convert(false, vector.at("key-text").c_str(), folder / "sealed", folder / "opened");
+        EXPECT_EQ(outcome.code, 0) << outcome.reason;
+        EXPECT_TRUE(readFile(folder / "opened") == textOf(vector));
+    }
+}
+
+}  // namespace

@@ -1,0 +1,36 @@
+#include "transfer/tables/message_trimming.h"
+
+#include "host/base/fixed_text.h"
+#include "transfer/tables/message_table.h"
+
+namespace chattransfer {
+namespace {
+
+constexpr int kTrimAbove = 5000;
+constexpr int kKeptRows = 3000;
+
+}  // namespace
+
+bool isOverfull(int messageCount) {
+    return messageCount > kTrimAbove;
+}
+
+int trimMessages(imsdk::dbUtils& db, const std::string& table, int messageCount, TransferReport& report) {
+    if (!isPlainTableName(table)) return 0;
+    const tools::FixedText<256> trim(
+        "delete from %s where time_ in(select time_ from %s order by time_ ASC limit 0,%d)", table.c_str(),
+        table.c_str(), messageCount - kKeptRows);
+    const int trimmed = db.excuteNonQuery(trim.text());
+    if (trimmed != 0) report.messagesTrimmed += db.changedRows();
+    return trimmed;
+}
+
+void trimMessageTables(imsdk::dbUtils& db, const std::vector<std::string>& tables, TransferReport& report) {
+    for (const std::string& table : tables) {
+        if (!isMessageTable(table)) continue;
+        const int count = countTableRows(db, table);
+        if (isOverfull(count)) trimMessages(db, table, count, report);
+    }
+}
+
+}  // namespace chattransfer
