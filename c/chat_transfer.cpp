@@ -8,6 +8,7 @@
 
 #include "host/base/wipe.h"
 #include "transfer/dbTrans.h"
+#include "transfer/format/attachment_body.h"
 
 namespace {
 
@@ -159,10 +160,10 @@ void chat_transfer_free(chat_transfer* transfer) {
 
 std::uint32_t chat_transfer_set_account(chat_transfer* transfer, const char* folder) {
     return set(transfer, folder, [](dbTrans& core, const std::string& root) {
-        core.userAudioDir = root + "/audio/";
-        core.userFileDir = root + "/file/";
-        core.userImageDir = root + "/image/";
-        core.userVideoDir = root + "/video/";
+        core.userAudioDir = root + chattransfer::kAudioFolder;
+        core.userFileDir = root + chattransfer::kFileFolder;
+        core.userImageDir = root + chattransfer::kImageFolder;
+        core.userVideoDir = root + chattransfer::kVideoFolder;
         core.rootPath = root;
     });
 }

@@ -6,7 +6,6 @@
 #include <filesystem>
 
 #include "app/account/closed_database.h"
-#include "app/attachments/tree_file_names.h"
 #include "app/base/failure.h"
 #include "host/tools.h"
 #include "transfer/format/attachment_body.h"
@@ -41,8 +40,8 @@ void RehearsalAccount::copyDatabase(const std::string& from, const std::string& 
 
 // Attachments are only looked at in a trial.
 void RehearsalAccount::linkFolders(const Account& real) const {
-    for (const char* folder :
-         {chattransfer::kAudioFolder, chattransfer::kImageFolder, chattransfer::kFileFolder, kVideoFolder}) {
+    for (const char* folder : {chattransfer::kAudioFolder, chattransfer::kImageFolder, chattransfer::kFileFolder,
+                               chattransfer::kVideoFolder}) {
         std::string name = folder;
         name.pop_back();  // its "/"
         std::error_code ignored;

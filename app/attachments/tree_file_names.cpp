@@ -37,7 +37,7 @@ void visitVideo(const JSON_Object* body, const TreeFileKeys& keys, const Visit& 
     if (json_object_get_string(body, keys.preview) == nullptr || json_object_get_string(body, keys.video) == nullptr)
         return;
     visitByUrl(body, keys.preview, chattransfer::kImageFolder, AttachmentRole::preview, visit);
-    visitByUrl(body, keys.video, kVideoFolder, AttachmentRole::content, visit);
+    visitByUrl(body, keys.video, chattransfer::kVideoFolder, AttachmentRole::content, visit);
 }
 
 }  // namespace

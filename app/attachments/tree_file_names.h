@@ -9,9 +9,6 @@
 
 namespace app {
 
-/// Where an account keeps the videos of a tree.
-inline constexpr const char* kVideoFolder = "/video/";
-
 /// Calls visit(file) for each file that a body of the type names.
 void forEachTreeFile(const std::string& body, int type, const chattransfer::TreeFileKeys& keys,
                      const std::function<void(AttachmentFile)>& visit);

@@ -10,7 +10,6 @@
 #include <optional>
 
 #include "app/account/account.h"
-#include "app/attachments/tree_file_names.h"
 #include "app/base/failure.h"
 #include "app/base/interruption.h"
 #include "app/base/paths.h"
@@ -71,7 +70,7 @@ void enterTree(dbTrans& transfer, const TreePlace& place, const ImportTreeOption
 }
 
 void makeVideoFolder(const Account& account) {
-    const std::string videos = account.root() + kVideoFolder;
+    const std::string videos = account.root() + chattransfer::kVideoFolder;
     if (tools::createDir(videos.c_str()) == 0) return;
     throw Failure({0, "A folder of the account cannot be made", videos, systemWords(errno),
                    "choose a place that you may write to"});
@@ -81,7 +80,7 @@ void setUserFolders(dbTrans& transfer, const Account& account) {
     transfer.userAudioDir = account.root() + chattransfer::kAudioFolder;
     transfer.userFileDir = account.root() + chattransfer::kFileFolder;
     transfer.userImageDir = account.root() + chattransfer::kImageFolder;
-    transfer.userVideoDir = account.root() + kVideoFolder;
+    transfer.userVideoDir = account.root() + chattransfer::kVideoFolder;
 }
 
 [[noreturn]] void failOnVersion(const dbTrans& transfer) {

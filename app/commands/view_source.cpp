@@ -23,7 +23,7 @@ namespace {
 view::FileKind kindOf(std::string_view accountFolder) {
     if (accountFolder == chattransfer::kImageFolder) return view::FileKind::picture;
     if (accountFolder == chattransfer::kAudioFolder) return view::FileKind::voice;
-    return accountFolder == kVideoFolder ? view::FileKind::video : view::FileKind::file;
+    return accountFolder == chattransfer::kVideoFolder ? view::FileKind::video : view::FileKind::file;
 }
 
 view::NamedFile namedFile(AttachmentFile file) {

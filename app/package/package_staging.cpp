@@ -9,13 +9,13 @@
 #include "app/base/failure.h"
 #include "app/base/paths.h"
 #include "transfer/error_codes.h"
+#include "transfer/format/package_format.h"
 
 namespace app {
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kPackageName = "qelmsg_0";
 constexpr const char* kStagingName = ".chat-transfer.part";
 
 bool flush(const std::string& folder) {
@@ -44,7 +44,7 @@ std::string requireFree(std::string package) {
 
 PackageStaging::PackageStaging(const std::string& target)
     : target_(resolvedPath(target).string()),
-      package_(requireFree((fs::path(target_) / kPackageName).string())),
+      package_(requireFree((fs::path(target_) / chattransfer::kPackageName).string())),
       hidden_(target_, kStagingName, "package",
               {0, "Another export into this folder is at work", target_, "", "wait for it, or choose another --to"}) {}
 
@@ -53,7 +53,7 @@ void PackageStaging::enter() const {
 }
 
 void PackageStaging::publish() {
-    const std::string built = hidden_.path() + "/" + kPackageName;
+    const std::string built = hidden_.path() + "/" + chattransfer::kPackageName;
     flushFolders(built);
     requireFree(package_);
     hidden_.publish(built, package_);

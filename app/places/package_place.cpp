@@ -13,8 +13,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kPackageName = "qelmsg_0";
-
 bool isFolder(const fs::path& path) {
     std::error_code ignored;
     return fs::is_directory(path, ignored);
@@ -41,7 +39,8 @@ std::string listed(const std::vector<std::string>& names) {
 // The folder that holds qelmsg_0: `folder`, or its parent where `folder` is qelmsg_0 itself.
 fs::path parentOfPackage(const std::string& folder) {
     const fs::path path = resolvedPath(folder);
-    const bool isPackage = path.filename() == kPackageName && isFolder(path / chattransfer::kMessagesFolder);
+    const bool isPackage =
+        path.filename() == chattransfer::kPackageName && isFolder(path / chattransfer::kMessagesFolder);
     return isPackage ? path.parent_path() : path;
 }
 
@@ -49,7 +48,7 @@ fs::path parentOfPackage(const std::string& folder) {
 
 PackagePlace findPackage(const std::string& folder, const std::string& user) {
     const fs::path parent = parentOfPackage(folder);
-    const fs::path root = parent / kPackageName;
+    const fs::path root = parent / chattransfer::kPackageName;
     if (!isFolder(root)) {
         throw Failure({chattransfer::kMissing, "There is no package", root.string(),
                        isFolder(parent) ? "the folder is missing" : "even the folder that should hold it is missing",

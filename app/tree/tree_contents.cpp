@@ -19,6 +19,7 @@
 #include "host/tools.h"
 #include "transfer/format/json_fields.h"
 #include "transfer/format/message_text.h"
+#include "transfer/format/package_format.h"
 #include "transfer/format/tree_format.h"
 #include "transfer/tables/recent_contact_table.h"
 #include "transfer/tree/tree_records.h"
@@ -196,9 +197,9 @@ std::string TreeSource::attachments() const {
 }
 
 TreeSource findTreeSource(const std::string& folder, const std::string& user, bool wanted) {
-    constexpr const char* kPackageName = "qelmsg_0";
     const fs::path path = resolvedPath(folder);
-    const bool holdsPackage = path.filename() == kPackageName || isFolder(path / kPackageName);
+    const bool holdsPackage =
+        path.filename() == chattransfer::kPackageName || isFolder(path / chattransfer::kPackageName);
     if (holdsPackage && !wanted) return {"", user};
     if (isFolder(treeFolderIn(path.string(), user))) return {treeFolderIn(path.string(), user), user};
     const fs::path trees = fs::path(chattransfer::kTreeFolder).parent_path().filename();

@@ -9,6 +9,7 @@
 
 namespace chattransfer {
 
+inline constexpr const char* kPackageName = "qelmsg_0";
 inline constexpr const char* kPackageRoot = "/qelmsg_0/";
 inline constexpr const char* kMessagesFolder = "messages_0/";
 inline constexpr const char* kAttachmentsFolder = "qelimfiles_0/";
