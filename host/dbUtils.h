@@ -14,6 +14,7 @@ namespace imsdk {
 class dbCommand;
 
 namespace detail {
+class BoundValues;
 class Connection;
 class Statement;
 }  // namespace detail
@@ -99,8 +100,8 @@ public:
     /// statement fails, and no part of it is run.
     int excuteNonQuery(const char* sql);
 
-    /// Executes a prepared command with its bound values and makes it ready for the next binding. Non-zero on success,
-    /// 0 on failure and for a null pointer. Bound texts must live until the call returns.
+    /// Executes a prepared command with its bound values, which stay for the next execution. Non-zero on success, 0 on
+    /// failure and for a null pointer. Fails without running anything while a value of the command could not be bound.
     int excuteNonQuery(dbCommand* command);
 
     /// Non-zero when the query `sql` (a whole statement, not a table name) yields at least one row.
@@ -109,9 +110,14 @@ public:
     /// Opens a transaction and takes the write lock at once, waiting for a few seconds when another connection holds
     /// it, so that a batch either has the lock for all its writes or writes nothing. When the lock cannot be had, every
     /// statement up to endTransaction() fails and changes nothing.
+    ///
+    /// Inside a transaction that the host has begun on this connection with a statement of its own, the batch joins it
+    /// as a savepoint: the host's transaction begins and ends with the host's statements alone, and only what the batch
+    /// wrote is lost when the batch is.
     virtual void beginTransaction();
 
-    /// Commits the transaction of beginTransaction(); its writes are durable then. When a statement of the batch failed
+    /// Commits the transaction of beginTransaction(); its writes are durable then (inside a transaction of the host's,
+    /// once the host commits it). When a statement of the batch failed
     /// for a reason of the machine (disk full, input/output error, lost lock), the whole batch is rolled back instead,
     /// so that a table holds all of a batch or none of it. A statement that the database refuses for its content (a
     /// constraint, an oversized text, a malformed statement) does not spoil the batch. transactionFailed() tells.
@@ -162,7 +168,12 @@ private:
 };
 
 /// A prepared statement on one connection, with "?" placeholders counted from 1. The connection object must outlive the
-/// command; when it opens another file in between, the command is prepared anew there.
+/// command; when it opens another file in between, the command is prepared anew there, with the values bound so far.
+///
+/// A value stays until its placeholder is bound anew or the text is replaced; a placeholder that was never bound is
+/// NULL. A binding that fails (no database is open, the text cannot be prepared, there is no such placeholder, the
+/// value is too large) makes every execution fail until that placeholder is bound anew or the text is replaced: a row
+/// with a hole in it is worse than none.
 class dbCommand {
 public:
     /// `db` is not owned. The text form is setCommandText() in one step.
@@ -179,7 +190,7 @@ public:
     /// text.
     void setCommandText(const char* sql);
 
-    /// Binds a NUL-terminated UTF-8 text by pointer: it must live until the execution has returned. Null binds NULL.
+    /// Binds a NUL-terminated UTF-8 text, which is copied. Null binds NULL.
     virtual void bindParam(int index, const char* value);
     /// Binds a 32-bit integer.
     virtual void bindParam(int index, int value);
@@ -190,13 +201,15 @@ private:
     friend class dbUtils;
     bool prepare();
     bool prepareAnew();
+    bool isBound() const;
     template <class Bind>
-    void bindWith(Bind bind);
+    void bindWith(int index, Bind bind);
+    void bindNumber(int index, long long value);
 
     dbUtils* db_;
     std::string sql_;
     bool prepareFailed_ = false;
-    bool bindFailed_ = false;
+    std::unique_ptr<detail::BoundValues> values_;
     std::unique_ptr<detail::Statement> statement_;
 };
 

@@ -1,11 +1,12 @@
+#include "host/db/bound_values.h"
 #include "host/db/sqlite_connection.h"
 #include "host/dbUtils.h"
 
 namespace imsdk {
 
-dbCommand::dbCommand(dbUtils* db) : db_(db) {}
+dbCommand::dbCommand(dbUtils* db) : db_(db), values_(std::make_unique<detail::BoundValues>()) {}
 
-dbCommand::dbCommand(dbUtils* db, const char* sql) : db_(db) {
+dbCommand::dbCommand(dbUtils* db, const char* sql) : dbCommand(db) {
     setCommandText(sql);
 }
 
@@ -14,7 +15,7 @@ dbCommand::~dbCommand() = default;
 void dbCommand::setCommandText(const char* sql) {
     statement_.reset();
     prepareFailed_ = false;
-    bindFailed_ = false;
+    values_->clear();
     sql_ = sql != nullptr ? sql : "";
 }
 
@@ -28,29 +29,39 @@ bool dbCommand::prepareAnew() {
     detail::StatementHandle handle = db_->connection_->prepare(sql_);
     prepareFailed_ = !handle;
     if (prepareFailed_) return false;
+    values_->bindAll(handle.get());
     statement_ = std::make_unique<detail::Statement>(db_->connection_, std::move(handle));
     return true;
 }
 
+bool dbCommand::isBound() const {
+    return values_->areWhole();
+}
+
 template <class Bind>
-void dbCommand::bindWith(Bind bind) {
-    if (!prepare()) return;
+void dbCommand::bindWith(int index, Bind bind) {
+    if (!prepare()) {
+        values_->lose(index);
+        return;
+    }
     const int code = bind(statement_->get());
-    if (code == SQLITE_OK) return;
-    bindFailed_ = true;
-    statement_->connection().noteFailure(code);
+    if (code != SQLITE_OK) statement_->connection().noteFailure(code);
 }
 
 void dbCommand::bindParam(int index, const char* value) {
-    bindWith([=](sqlite3_stmt* statement) { return sqlite3_bind_text(statement, index, value, -1, SQLITE_STATIC); });
+    bindWith(index, [&](sqlite3_stmt* statement) { return values_->bindText(statement, index, value); });
 }
 
 void dbCommand::bindParam(int index, int value) {
-    bindWith([=](sqlite3_stmt* statement) { return sqlite3_bind_int(statement, index, value); });
+    bindNumber(index, value);
 }
 
 void dbCommand::bindParam(int index, long long value) {
-    bindWith([=](sqlite3_stmt* statement) { return sqlite3_bind_int64(statement, index, value); });
+    bindNumber(index, value);
+}
+
+void dbCommand::bindNumber(int index, long long value) {
+    bindWith(index, [&](sqlite3_stmt* statement) { return values_->bindNumber(statement, index, value); });
 }
 
 }  // namespace imsdk

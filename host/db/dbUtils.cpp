@@ -33,14 +33,9 @@ int dbUtils::excuteNonQuery(const char* sql) {
 }
 
 int dbUtils::excuteNonQuery(dbCommand* command) {
-    if (command == nullptr || !command->prepare()) return 0;
+    if (command == nullptr || !command->prepare() || !command->isBound()) return 0;
     detail::Statement& statement = *command->statement_;
-    // A value that could not be bound costs this execution, not those with the next values.
-    const bool bound = !std::exchange(command->bindFailed_, false);
-    const bool done = bound && statement.connection().runToEnd(statement.get());
-    // The bound texts belong to the caller and may be gone after this call.
-    sqlite3_clear_bindings(statement.get());
-    return done ? 1 : 0;
+    return statement.connection().runToEnd(statement.get()) ? 1 : 0;
 }
 
 int dbUtils::isExistTable(const char* sql) {

@@ -227,7 +227,7 @@ bool Connection::lastFailureWasLock() const {
 void Connection::keepReason(int code) noexcept try {
     const bool last = sqlite3_errcode(handle_.get()) == (code & 0xff);
     lastFailure_ = last ? sqlite3_extended_errcode(handle_.get()) : code;
-    lastError_ = sqlite3_errmsg(handle_.get());
+    lastError_ = last ? sqlite3_errmsg(handle_.get()) : sqlite3_errstr(code);
 } catch (const std::bad_alloc&) {
     lastError_.clear();
 }
@@ -242,20 +242,27 @@ void Connection::noteFailure(int code) {
 
 void Connection::beginBatch() {
     if (batchDepth_++ > 0) return;
+    isJoined_ = sqlite3_get_autocommit(handle_.get()) == 0;
     // Without the write lock from the start, each single insert would wait for it in vain.
-    batchLost_ = !execute("BEGIN IMMEDIATE");
+    batchLost_ = !execute(isJoined_ ? "SAVEPOINT chat_transfer" : "BEGIN IMMEDIATE");
 }
 
 void Connection::endBatch() {
     if (batchDepth_ == 0 || --batchDepth_ > 0) return;
-    if (!batchLost_ && !execute("COMMIT")) batchLost_ = true;
+    if (!batchLost_ && !execute(isJoined_ ? "RELEASE chat_transfer" : "COMMIT")) batchLost_ = true;
     const bool stillOpen = sqlite3_get_autocommit(handle_.get()) == 0;
-    if (batchLost_ && stillOpen) {
-        // The reason of the loss is worth more than that of a failing rollback.
-        std::string reason = std::move(lastError_);
+    if (batchLost_ && stillOpen) undoBatch();
+}
+
+void Connection::undoBatch() {
+    // The reason of the loss is worth more than that of a failing rollback.
+    std::string reason = std::move(lastError_);
+    if (!isJoined_) {
         execute("ROLLBACK");
-        lastError_ = std::move(reason);
+    } else if (execute("ROLLBACK TO chat_transfer")) {
+        execute("RELEASE chat_transfer");
     }
+    lastError_ = std::move(reason);
 }
 
 bool Connection::execute(const char* sql) {

@@ -64,7 +64,8 @@ public:
     /// Remembers why `code` was returned, and gives the batch up when the reason lies in the machine.
     void noteFailure(int code);
 
-    /// Batches nest: only the outermost pair begins and ends a transaction.
+    /// Batches nest: only the outermost pair begins and ends a transaction, or, inside one that the host has begun with
+    /// a statement of its own, a savepoint of it.
     void beginBatch();
     void endBatch();
     void abandonBatch() { batchLost_ = batchLost_ || batchDepth_ > 0; }
@@ -90,6 +91,7 @@ private:
     void defend();
     void configure();
     bool execute(const char* sql);
+    void undoBatch();
     bool readsSchema();
 
     int timesStepped_ = 0;  // before the handle, which has its address
@@ -101,6 +103,7 @@ private:
     std::size_t cachedTables_ = 0;
     int batchDepth_ = 0;
     bool batchLost_ = false;
+    bool isJoined_ = false;        // the batch is a savepoint of the host's transaction
     int lastFailure_ = SQLITE_OK;  // an extended code
     std::string lastError_;
 };

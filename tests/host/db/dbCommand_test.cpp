@@ -77,13 +77,65 @@ TEST_F(CommandTest, ANewTextReplacesTheOldOneAndItsValues) {
     EXPECT_EQ("NULL'new'3", rows());
 }
 
-TEST_F(CommandTest, ValuesAreForgottenAfterTheExecution) {
-    dbCommand command(&db, "insert into t values(?, 2, 3)");
+TEST_F(CommandTest, AValueStaysUntilItIsBoundAnew) {
+    dbCommand command(&db, "insert into t values(?, ?, ?)");
     command.bindParam(1, std::string(100, 'x').c_str());
+    command.bindParam(2, 2);
+    command.bindParam(3, 1LL);
+    EXPECT_TRUE(execute(command));
+    command.bindParam(3, "one");
+    EXPECT_TRUE(execute(command));
+    EXPECT_EQ("2", value("select count(*) from t where length(a) = 100 and b = 2"));
+    EXPECT_EQ("1 one", value("select group_concat(c, ' ') from t"));
+}
+
+TEST_F(CommandTest, APlaceholderThatWasNeverBoundIsNull) {
+    dbCommand command(&db, "insert into t values(?, 2, 3)");
+    EXPECT_TRUE(execute(command));
+    EXPECT_EQ("NULL23", rows());
+}
+
+TEST_F(CommandTest, ABoundTextMayBeGoneBeforeTheExecution) {
+    dbCommand command(&db, "insert into t values(?, 2, 3)");
+    {
+        const std::string text(1000, 'x');
+        command.bindParam(1, text.c_str());
+    }
+    EXPECT_TRUE(execute(command));
+    EXPECT_EQ(std::string(1000, 'x'), value("select a from t"));
+}
+
+TEST_F(CommandTest, ATextMayFollowANumberAndNull) {
+    dbCommand command(&db, "insert into t values(?, 2, 3)");
+    command.bindParam(1, 7);
+    command.bindParam(1, static_cast<const char*>(nullptr));
+    command.bindParam(1, "seven");
+    EXPECT_TRUE(execute(command));
+    EXPECT_EQ("'seven'23", rows());
+}
+
+TEST_F(CommandTest, AFailedBindingMakesExecutionsFailUntilItIsBoundAnew) {
+    const std::string tooLarge((std::size_t{64} << 20) + 1, 'x');
+    dbCommand command(&db, "insert into t values(?, 2, 3)");
     command.bindParam(1, 1);
     EXPECT_TRUE(execute(command));
+    command.bindParam(1, tooLarge.c_str());
+    EXPECT_FALSE(execute(command));
+    EXPECT_FALSE(execute(command));
+    command.bindParam(1, 4);
     EXPECT_TRUE(execute(command));
-    EXPECT_EQ("123 NULL23", rows());
+    EXPECT_EQ("123 423", rows());
+}
+
+TEST_F(CommandTest, ABindingBeforeTheDatabaseIsOpenMakesTheExecutionFail) {
+    imsdk::dbUtils later;
+    dbCommand command(&later, "insert into t values(?, 2, 3)");
+    command.bindParam(1, 1);
+    ASSERT_NE(0, later.open(path().c_str(), nullptr));
+    EXPECT_EQ(0, later.excuteNonQuery(&command));
+    command.bindParam(1, 1);
+    EXPECT_NE(0, later.excuteNonQuery(&command));
+    EXPECT_EQ("123", rows());
 }
 
 TEST_F(CommandTest, AThousandRowsGoThroughOneCommand) {
@@ -159,6 +211,16 @@ TEST_F(CommandTest, IsPreparedAnewAfterAnotherFileWasOpened) {
     EXPECT_TRUE(execute(command));
     EXPECT_EQ("723", rows());
     EXPECT_EQ("1", committed("select a from t"));
+}
+
+TEST_F(CommandTest, ValuesStayWhenAnotherFileIsOpened) {
+    dbCommand command(&db, "insert into t values(?, ?, 3)");
+    command.bindParam(1, "text");
+    command.bindParam(2, 2);
+    test::makeDatabase(db, dir.at("other.db"));
+    ASSERT_TRUE(run("create table t(a, b, c)"));
+    EXPECT_TRUE(execute(command));
+    EXPECT_EQ("'text'23", rows());
 }
 
 TEST_F(CommandTest, FailsWhenItsConnectionIsClosed) {

@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -472,5 +473,33 @@ TEST(ClosedConnectionTest, ABatchOnItIsLost) {
     db.endTransaction();
     EXPECT_TRUE(db.transactionFailed());
 }
+
+// A client that searches its messages keeps an index that a trigger on the message table fills.
+struct IndexKind {
+    const char* table;
+    const char* row;
+};
+class IndexedTable : public test::DatabaseTest, public testing::WithParamInterface<IndexKind> {};
+
+TEST_P(IndexedTable, TakesRows) {
+    ASSERT_TRUE(run("create table t(id integer primary key, body)"));
+    ASSERT_TRUE(run(std::string("create virtual table words using ") + GetParam().table));
+    ASSERT_TRUE(run(std::string("create trigger index_row after insert on t begin insert into words values(") +
+                    GetParam().row + "); end"));
+    imsdk::dbCommand insert(&db, "insert into t values(?, ?)");
+    insert.bindParam(1, 7);
+    insert.bindParam(2, "good morning");
+    EXPECT_NE(0, db.excuteNonQuery(&insert)) << db.lastError();
+    EXPECT_EQ("1", committed("select count(*) from t"));
+    EXPECT_EQ("1", value("select count(*) from words"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Extensions, IndexedTable,
+                         testing::Values(IndexKind{"fts3(body)", "new.body"}, IndexKind{"fts4(body)", "new.body"},
+                                         IndexKind{"fts5(body)", "new.body"},
+                                         IndexKind{"rtree(id, low, high)", "new.id, 1, 2"}),
+                         [](const auto& info) {
+                             return std::string(info.param.table, std::strcspn(info.param.table, "("));
+                         });
 
 }  // namespace

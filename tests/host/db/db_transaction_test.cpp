@@ -64,6 +64,55 @@ TEST_F(TransactionTest, AnEndWithoutABeginningDoesNothing) {
     EXPECT_EQ("1", rows());
 }
 
+TEST_F(TransactionTest, InsideAHostsTransactionTheBatchIsCommittedByTheHost) {
+    ASSERT_TRUE(run("begin") && insert("1"));
+    db.beginTransaction();
+    EXPECT_TRUE(insert("2"));
+    db.endTransaction();
+    EXPECT_FALSE(db.transactionFailed());
+    EXPECT_EQ("", rows());
+    EXPECT_TRUE(insert("3") && run("commit"));
+    EXPECT_EQ("1 2 3", rows());
+}
+
+TEST_F(TransactionTest, InsideAHostsTransactionTheBatchIsLostWithTheHostsRollback) {
+    ASSERT_TRUE(run("begin") && insert("1"));
+    db.beginTransaction();
+    EXPECT_TRUE(insert("2"));
+    db.endTransaction();
+    EXPECT_TRUE(run("rollback"));
+    EXPECT_EQ("", rows());
+    EXPECT_TRUE(insert("3"));
+    EXPECT_EQ("3", rows());
+}
+
+TEST_F(TransactionTest, ALostBatchInsideAHostsTransactionLeavesTheHostsOwnWrites) {
+    ASSERT_TRUE(run("begin") && insert("1"));
+    db.beginTransaction();
+    EXPECT_TRUE(insert("2"));
+    db.abandonTransaction();
+    EXPECT_FALSE(insert("3"));
+    db.endTransaction();
+    EXPECT_TRUE(db.transactionFailed());
+    EXPECT_TRUE(insert("4") && run("commit"));
+    EXPECT_EQ("1 4", rows());
+}
+
+TEST_F(TransactionTest, BatchesFollowOneAnotherInsideAHostsTransaction) {
+    ASSERT_TRUE(run("begin"));
+    for (const char* value : {"1", "2"}) {
+        db.beginTransaction();
+        EXPECT_TRUE(insert(value));
+        db.endTransaction();
+    }
+    EXPECT_TRUE(run("commit"));
+    EXPECT_EQ("1 2", rows());
+    db.beginTransaction();
+    EXPECT_TRUE(insert("3"));
+    db.endTransaction();
+    EXPECT_EQ("1 2 3", rows());
+}
+
 TEST_F(TransactionTest, AnUnfinishedBatchIsLostWithItsConnection) {
     {
         imsdk::dbUtils other;
