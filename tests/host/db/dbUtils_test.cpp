@@ -498,8 +498,8 @@ INSTANTIATE_TEST_SUITE_P(Extensions, IndexedTable,
                          testing::Values(IndexKind{"fts3(body)", "new.body"}, IndexKind{"fts4(body)", "new.body"},
                                          IndexKind{"fts5(body)", "new.body"},
                                          IndexKind{"rtree(id, low, high)", "new.id, 1, 2"}),
-                         [](const auto& info) {
-                             return std::string(info.param.table, std::strcspn(info.param.table, "("));
+                         [](const auto& kind) {
+                             return std::string(kind.param.table, std::strcspn(kind.param.table, "("));
                          });
 
 }  // namespace
