@@ -3,9 +3,7 @@
 #include "fuzz/property.h"
 #include "fuzz/round_trip.h"
 #include "fuzz/sandbox.h"
-#include "host/json/json_numbers.h"
-#include "host/json/json_owner.h"
-#include "host/json/json_stock.h"
+#include "tests/support/stock_parser.h"
 #include "transfer/format/message_text.h"
 #include "transfer/format/package_text.h"
 
@@ -61,18 +59,10 @@ void requireSame(const MessageFileContent& before, const MessageFileContent& aft
     }
 }
 
-// The tree that the library's own parser makes; json_parse_string() is read by our reader, too.
-tools::JsonDocument parseByLibrary(const std::string& text) {
-    chatTransferJsonBeginParse();
-    tools::JsonDocument document(chat_transfer_stock_parse_string(text.c_str()));
-    chatTransferJsonEndParse(document ? 1 : 0);
-    return document;
-}
-
 void checkReader(const std::string& text) {
-    const tools::JsonDocument document = parseByLibrary(text);
     const MessageFileContent content = readAll(text);
-    require(content.isJson == (document != nullptr), "the reader takes what the library takes");
+    // json_parse_string() is read by our reader, too.
+    require(content.isJson == (test::parseByLibrary(text) != nullptr), "the reader takes what the library takes");
     if (!content.hasDays) return;
     const std::string once = written(content);
     const MessageFileContent again = readAll(once);

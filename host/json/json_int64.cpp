@@ -1,16 +1,15 @@
-// The two exact accessors, and the copy that keeps exact values.
+// The two exact accessors, the copy that keeps exact values, and the hook for a host's memory.
+#include <cstdlib>
+
 #include "host/base/numeric.h"
-#include "host/json.h"
-#include "host/json/json_numbers.h"
 #include "host/json/json_stock.h"
 
 namespace {
 
 long long int64Of(const JSON_Value* value) {
     if (json_value_get_type(value) != JSONNumber) return 0;
-    long long exact = 0;
-    if (chatTransferJsonExactValue(value, &exact) != 0) return exact;
-    return tools::truncateTo<long long>(json_value_get_number(value));
+    const long long exact = chat_transfer_exact_integer(value);
+    return exact != 0 ? exact : tools::truncateTo<long long>(json_value_get_number(value));
 }
 
 // Walks a tree and its copy side by side; both have the same shape.
@@ -25,7 +24,7 @@ void copyExactValues(const JSON_Value* from, JSON_Value* to) {
                             json_object_get_value_at(json_value_get_object(to), i));
         }
     } else if (json_value_get_type(from) == JSONNumber) {
-        chatTransferJsonCopyExactValue(from, to);
+        chat_transfer_set_exact_integer(to, chat_transfer_exact_integer(from));
     }
 }
 
@@ -48,6 +47,7 @@ JSON_Value* json_value_deep_copy(const JSON_Value* value) {
 }
 
 void json_set_allocation_functions(JSON_Malloc_Function malloc_fun, JSON_Free_Function free_fun) {
-    chatTransferJsonSetSource(malloc_fun, free_fun);
+    chat_transfer_stock_set_allocation_functions(malloc_fun != nullptr ? malloc_fun : std::malloc,
+                                                 free_fun != nullptr ? free_fun : std::free);
 }
 }

@@ -91,19 +91,17 @@ JsonLiteral readByLibrary(const char* text) {
 }  // namespace
 
 JsonLiteral readJsonLiteral(const char* text, const char* known) {
-    constexpr std::uint64_t kExactInDouble = std::uint64_t{1} << 53;
     const Digits digits = digitsAt(text, known);
     if (!isPlainInteger(text, digits)) return readByLibrary(text);
     // The conversion from 64 bits rounds to nearest, as strtod does.
     const auto magnitude = static_cast<double>(digits.magnitude);
-    const bool fits = fits64Bits(digits);
     JsonLiteral literal;
     literal.value = digits.negative ? -magnitude : magnitude;
     literal.end = digits.end;
     literal.plainInteger = true;
-    literal.hasExact = fits && digits.magnitude > kExactInDouble;
-    literal.exact = fits ? static_cast<long long>(digits.negative ? 0 - digits.magnitude : digits.magnitude)
-                         : truncateTo<long long>(literal.value);
+    literal.exact = fits64Bits(digits)
+                        ? static_cast<long long>(digits.negative ? 0 - digits.magnitude : digits.magnitude)
+                        : truncateTo<long long>(literal.value);
     return literal;
 }
 

@@ -7,7 +7,6 @@ struct JsonLiteral {
     double value = 0;
     const char* end = nullptr;  ///< behind the literal; its begin when there is no number
     bool plainInteger = false;  ///< an integer of up to 19 digits without leading zero
-    bool hasExact = false;      ///< it fits 64 bits but not a double
     long long exact = 0;        ///< the integer; for other numbers truncated toward zero, or the nearest limit
 };
 

@@ -1,63 +1,51 @@
-/* The private build of the JSON library: its installed source, unmodified, compiled under names of this component.
- *
- * json_names.h maps every public function. The functions below get a further name, because this component has its own
- * version of them: parsing (json_parse.cpp), writing (json_writer.cpp), copying (json_int64.cpp) and the hooks. */
-#include "host/json/json_numbers.h"
-#include "host/json_names.h"
-
-#include <errno.h>
-#include <math.h>
-#include <stdio.h>
-#include <stdlib.h>
+/* The private build of the JSON library: its installed source, unmodified, compiled under names of this component,
+ * which are generated. What this component has its own version of (parsing, writing, copying, the hooks) is called
+ * chat_transfer_stock_... there. */
 #include <string.h>
 
-#undef json_parse_string
-#undef json_parse_string_with_comments
-#undef json_parse_file
-#undef json_parse_file_with_comments
-#undef json_serialization_size
-#undef json_serialization_size_pretty
-#undef json_serialize_to_buffer
-#undef json_serialize_to_buffer_pretty
-#undef json_serialize_to_file
-#undef json_serialize_to_file_pretty
-#undef json_serialize_to_string
-#undef json_serialize_to_string_pretty
-#undef json_free_serialized_string
-#undef json_set_allocation_functions
-#undef json_set_escape_slashes
-#undef json_value_deep_copy
-#define json_parse_string chat_transfer_stock_parse_string
-#define json_parse_string_with_comments chat_transfer_stock_parse_string_with_comments
-#define json_parse_file chat_transfer_stock_parse_file
-#define json_parse_file_with_comments chat_transfer_stock_parse_file_with_comments
-#define json_serialization_size chat_transfer_stock_serialization_size
-#define json_serialization_size_pretty chat_transfer_stock_serialization_size_pretty
-#define json_serialize_to_buffer chat_transfer_stock_serialize_to_buffer
-#define json_serialize_to_buffer_pretty chat_transfer_stock_serialize_to_buffer_pretty
-#define json_serialize_to_file chat_transfer_stock_serialize_to_file
-#define json_serialize_to_file_pretty chat_transfer_stock_serialize_to_file_pretty
-#define json_serialize_to_string chat_transfer_stock_serialize_to_string
-#define json_serialize_to_string_pretty chat_transfer_stock_serialize_to_string_pretty
-#define json_free_serialized_string chat_transfer_stock_free_serialized_string
-#define json_set_allocation_functions chat_transfer_stock_set_allocation_functions
-#define json_set_escape_slashes chat_transfer_stock_set_escape_slashes
-#define json_value_deep_copy chat_transfer_stock_value_deep_copy
+#include "host/json_stock_names.h"
 
-#define strtod chatTransferJsonToDouble
+/* Every block is longer than the library asks for: behind a number's value stands the integer that its double may not
+ * hold, 0 when there is none. So it lives and dies with the value. */
+static void* allocateWithRoom(void* (*allocate)(size_t), size_t size) {
+    static const long long none = 0;
+    char* block = allocate(size + sizeof(none));
+    if (block != NULL) memcpy(block + size, &none, sizeof(none));
+    return block;
+}
+
+/* The library releases null pointers, which a host's function may not expect. */
+static void releaseBlock(void (*release)(void*), void* block) {
+    if (block != NULL) release(block);
+}
+
+#define parson_malloc(size) allocateWithRoom(parson_malloc, size)
+#define parson_free(block) releaseBlock(parson_free, block)
 
 #include CHAT_TRANSFER_PARSON_SOURCE
 
+long long chat_transfer_exact_integer(const JSON_Value* number) {
+    return *(const long long*)(number + 1);
+}
+
+void chat_transfer_set_exact_integer(JSON_Value* number, long long exact) {
+    *(long long*)(number + 1) = exact;
+}
+
+char* chat_transfer_copy_text(const char* bytes, size_t length) {
+    return parson_strndup(bytes, length);
+}
+
 /* What json_tree.cpp builds trees with. The library's own functions look every name up in the whole object before they
  * add it, and refuse bytes that its parser takes; here the reader has checked both. */
-JSON_Value* chat_transfer_stock_text(const char* bytes, size_t length) {
+JSON_Value* chat_transfer_text_value(const char* bytes, size_t length) {
     char* copy = parson_strndup(bytes, length);
     JSON_Value* value = copy != NULL ? json_value_init_string_no_copy(copy, length) : NULL;
     if (value == NULL) parson_free(copy);
     return value;
 }
 
-int chat_transfer_stock_add_member(JSON_Value* owner, const char* name, size_t length, JSON_Value* value) {
+int chat_transfer_add_member(JSON_Value* owner, const char* name, size_t length, JSON_Value* value) {
     JSON_Object* object = owner->value.object;
     if (object->count == object->capacity) {
         size_t capacity = MAX(object->capacity * 2, STARTING_CAPACITY);
@@ -70,8 +58,7 @@ int chat_transfer_stock_add_member(JSON_Value* owner, const char* name, size_t l
     return 1;
 }
 
-/* Before any other code of the process can call the library: a block without the header of json_numbers.h must not
- * exist. */
-__attribute__((constructor(101))) static void installAllocation(void) {
-    chat_transfer_stock_set_allocation_functions(chatTransferJsonAllocate, chatTransferJsonRelease);
+void chat_transfer_remove_comments(char* text) {
+    remove_comments(text, "/*", "*/");
+    remove_comments(text, "//", "\n");
 }

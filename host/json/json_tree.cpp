@@ -3,7 +3,6 @@
 #include <new>
 #include <vector>
 
-#include "host/json/json_numbers.h"
 #include "host/json/json_reader.h"
 #include "host/json/json_stock.h"
 
@@ -50,14 +49,14 @@ private:
 
     JsonDocument readText() {
         const std::string_view text = reader_.readString();
-        return reader_.ok() ? made(chat_transfer_stock_text(text.data(), text.size())) : nullptr;
+        return reader_.ok() ? made(chat_transfer_text_value(text.data(), text.size())) : nullptr;
     }
 
     JsonDocument readNumber() {
         const JsonNumber number = reader_.readNumber();
         if (!reader_.ok()) return nullptr;
         JsonDocument value = made(json_value_init_number(number.value));
-        chatTransferJsonSetExactValue(value.get(), number.exact);
+        chat_transfer_set_exact_integer(value.get(), number.exact);
         return value;
     }
 
@@ -82,7 +81,7 @@ private:
         JsonDocument value = readValue();
         if (!value) return false;
         const bool added = inObject
-                               ? chat_transfer_stock_add_member(level.value, name.data(), name.size(), value.get()) != 0
+                               ? chat_transfer_add_member(level.value, name.data(), name.size(), value.get()) != 0
                                : json_array_append_value(json_value_get_array(level.value), value.get()) == JSONSuccess;
         if (!added) throw std::bad_alloc();
         descend(value.release());

@@ -1,14 +1,12 @@
 // Serialisation in one pass over the tree. The stock serializer walks it three times (size, size again, write), prints
 // every number on each walk and looks every member up by name again.
 #include <atomic>
-#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <string>
 
 #include "host/files/whole_file.h"
-#include "host/json.h"
-#include "host/json/json_numbers.h"
+#include "host/json/json_stock.h"
 #include "host/json/json_text.h"
 
 namespace {
@@ -118,10 +116,7 @@ JSON_Status toBuffer(const JSON_Value* value, bool pretty, char* buffer, size_t 
 
 char* toString(const JSON_Value* value, bool pretty) {
     std::string text;
-    if (!textOf(value, pretty, text)) return nullptr;
-    auto* copy = static_cast<char*>(chatTransferJsonAllocate(text.size() + 1));
-    if (copy != nullptr) std::memcpy(copy, text.c_str(), text.size() + 1);
-    return copy;
+    return textOf(value, pretty, text) ? chat_transfer_copy_text(text.data(), text.size()) : nullptr;
 }
 
 JSON_Status toFile(const JSON_Value* value, bool pretty, const char* filename) try {
@@ -166,9 +161,5 @@ char* json_serialize_to_string(const JSON_Value* value) {
 }
 char* json_serialize_to_string_pretty(const JSON_Value* value) {
     return toString(value, true);
-}
-
-void json_free_serialized_string(char* string) {
-    chatTransferJsonRelease(string);
 }
 }

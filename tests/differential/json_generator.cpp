@@ -14,6 +14,13 @@ const char* pick(JsonGenerator& generator, const std::array<const char*, Count>&
 
 std::string JsonGenerator::blanks() {
     static constexpr std::array<const char*, 8> choices = {"", "", "", "", " ", "\n\t", " \r\n", "\v\f"};
+    static constexpr std::array<const char*, 12> remarks = {
+        "/**/",        "/* x */",    "// x\n",    "//\n",         "/* \" */", "// \"\n",
+        "/* // */ \n", "// /*\n*/ ", "/*/ \\ */", "/***/ /**/\n", "//* x\n",  "/* unfinished"};
+    if (comments_ == Comments::between && upTo(5) == 0) {
+        // The pieces from 7 on are odd or invalid: rare, as in strings.
+        return remarks.at(static_cast<std::size_t>(upTo(15) == 0 ? upTo(12) : upTo(7)));
+    }
     return pick(*this, choices);
 }
 
@@ -84,6 +91,32 @@ std::string JsonGenerator::number() {
     return std::to_string(static_cast<long long>(random_()) * upTo(5) - 1000000);
 }
 
+std::string JsonGenerator::digits(int count) {
+    std::string text(1, static_cast<char>('1' + upTo(9)));
+    while (text.size() < static_cast<std::size_t>(count))
+        text += static_cast<char>('0' + upTo(10));
+    return text;
+}
+
+std::string JsonGenerator::longNumber() {
+    std::string text = upTo(2) == 0 ? "-" : "";
+    text += upTo(3) == 0 ? "0" : digits(1 + upTo(25));
+    if (upTo(4) != 0) text += "." + std::string(static_cast<std::size_t>(upTo(10)), '0') + digits(1 + upTo(25));
+    if (upTo(2) == 0) text += (upTo(2) == 0 ? "e" : "E-") + std::to_string(upTo(330));
+    return text;
+}
+
+std::string JsonGenerator::nested(int depth, const std::string& inside) {
+    std::string begin;
+    std::string end;
+    for (int i = 0; i < depth; ++i) {
+        const bool isObject = i + 1 < depth && upTo(2) == 0;
+        begin += isObject ? R"({"a":)" : "[";
+        end += isObject ? '}' : ']';
+    }
+    return begin + inside + std::string(end.rbegin(), end.rend());
+}
+
 std::string JsonGenerator::object(int depth) {
     static constexpr std::array<const char*, 8> names = {"a", "b", "version", "msgs", "date", "year", "name", "#x"};
     std::string text = "{" + blanks();
@@ -127,8 +160,8 @@ std::string JsonGenerator::value(int depth) {
 std::string JsonGenerator::broken(std::string text) {
     for (int i = 1 + upTo(3); i > 0 && !text.empty(); --i) {
         const auto position = static_cast<std::size_t>(upTo(static_cast<int>(text.size())));
-        static constexpr std::array<const char*, 12> bytes = {"{",  "}",  "[", "]", ",", ":",
-                                                              "\"", "\\", "0", "x", "-", " "};
+        static constexpr std::array<const char*, 14> bytes = {"{",  "}", "[", "]", ",", ":", "\"",
+                                                              "\\", "0", "x", "-", " ", "/", "*"};
         switch (upTo(4)) {
             case 0:
                 text.erase(position, 1);

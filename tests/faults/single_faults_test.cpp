@@ -127,5 +127,18 @@ TEST_F(SingleFault, OfMemoryDoesNotMakeATextPassForBrokenJson) {
     EXPECT_LT(10, nth);
 }
 
+TEST_F(SingleFault, OfMemoryGivesHostsNoJsonTreeAndNoException) {
+    const char* const text = R"({"a name of some length": ["a text of some length", 1, {}]} // the end of the text)";
+    for (const auto parse : {json_parse_string, json_parse_string_with_comments}) {
+        bool struck = true;
+        for (long long nth = 1; struck; ++nth) {
+            const RefusedMemory refused(Memory::objects, nth, false);
+            const tools::JsonDocument tree(parse(text));
+            struck = refused.struck();
+            EXPECT_EQ(struck, tree == nullptr) << "request " << nth;
+        }
+    }
+}
+
 }  // namespace
 }  // namespace test

@@ -182,6 +182,15 @@ TEST(JsonInt64Test, ANumberSetByTheHostReplacesTheExactValue) {
     EXPECT_EQ(7, json_array_get_int64(ids, 1));
 }
 
+TEST(JsonInt64Test, ANumberOfTheHostIsTruncatedTowardZero) {
+    const JsonDocument document(json_value_init_array());
+    for (const double number : {1.9, -1.9, 9007199254740992.0, 1e300, -1e300})
+        json_array_append_number(arrayOf(document), number);
+    const std::vector<long long> expected = {1, -1, 9007199254740992, LLONG_MAX, LLONG_MIN};
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        EXPECT_EQ(expected[i], json_array_get_int64(arrayOf(document), i));
+}
+
 TEST(JsonInt64Test, ANumberSetAfterARemovalHasItsOwnValue) {
     const JsonDocument document = parseJson(R"({"a":9007199254740993,"b":9007199254740995})");
     for (int i = 0; i < 100; ++i) {

@@ -9,14 +9,11 @@
 #include <random>
 #include <string>
 
+#include "host/json/json_stock.h"
 #include "tests/host/base/repeatable_random.h"
 #include "tests/host/files/posix_helpers.h"
 #include "tests/host/json/json_document.h"
 #include "tests/support/temp_dir.h"
-
-// The library's own serializer, which ours has to agree with.
-extern "C" char* chat_transfer_stock_serialize_to_string(const JSON_Value* value);
-extern "C" char* chat_transfer_stock_serialize_to_string_pretty(const JSON_Value* value);
 
 namespace {
 
