@@ -1,8 +1,11 @@
 // The database layer: one connection, prepared commands and result cursors over SQLite.
 //
 // Nothing of SQLite shows in this header. Texts are UTF-8. Nothing here throws on a database failure: results say
-// whether a call succeeded, and dbUtils::lastError() keeps the evidence in words. All objects of one connection belong
-// to one thread at a time.
+// whether a call succeeded, and dbUtils::lastError() keeps the evidence in words.
+//
+// Threads: a dbUtils and the commands and cursors that were made from it belong to one thread at a time. Objects of
+// other connections may be used on other threads at the same time, also on the same file; the engine that they share is
+// made ready once, by whoever opens first.
 #pragma once
 
 #include <cstddef>
@@ -196,6 +199,11 @@ public:
     virtual void bindParam(int index, int value);
     /// Binds a 64-bit integer.
     virtual void bindParam(int index, long long value);
+
+    /// Binds a text by pointer, as the first form does: up to its first NUL.
+    void bindParam(int index, const std::string& value) { bindParam(index, value.c_str()); }
+    /// A temporary text is gone before the command is executed.
+    void bindParam(int index, const std::string&& value) = delete;
 
 private:
     friend class dbUtils;

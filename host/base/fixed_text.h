@@ -27,10 +27,10 @@ public:
         if (!fits_) buffer_.fill('\0');
     }
 
-    bool fits() const { return fits_; }
+    [[nodiscard]] bool fits() const { return fits_; }
 
     /// The text, NUL-terminated; empty when it did not fit.
-    const char* text() const { return buffer_.data(); }
+    [[nodiscard]] const char* text() const { return buffer_.data(); }
 
 private:
     std::array<char, Size> buffer_{};

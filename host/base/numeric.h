@@ -10,7 +10,7 @@ namespace tools {
 
 /// `value` truncated toward zero; NaN gives 0, values outside the range of `Integer` give its nearest limit.
 template <class Integer>
-Integer truncateTo(double value) {
+[[nodiscard]] Integer truncateTo(double value) {
     // 2^(bits-1) is exact as a double where the largest integer itself may not be.
     constexpr auto lowest = static_cast<double>(std::numeric_limits<Integer>::min());
     constexpr double beyond = -lowest;
@@ -22,7 +22,7 @@ Integer truncateTo(double value) {
 }
 
 /// The share of `done` in `total` in percent, truncated toward zero: NaN (0 of 0) gives 0, infinity the largest int.
-inline int percentOf(double done, double total) {
+[[nodiscard]] inline int percentOf(double done, double total) {
     return truncateTo<int>(done * 100.0 / total);
 }
 

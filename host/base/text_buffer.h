@@ -22,7 +22,7 @@ public:
     }
 
     /// Room for `size` bytes behind the text; extendTo() makes those before `end` part of it.
-    char* reserve(std::size_t size) {
+    [[nodiscard]] char* reserve(std::size_t size) {
         if (capacity_ - size_ < size) grow(size);
         return bytes_.get() + size_;
     }
@@ -32,7 +32,7 @@ public:
     void clear() { size_ = 0; }
 
     /// Valid until the text is changed.
-    std::string_view text() const { return {bytes_.get(), size_}; }
+    [[nodiscard]] std::string_view text() const { return {bytes_.get(), size_}; }
 
 private:
     struct Release {

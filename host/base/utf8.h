@@ -15,13 +15,13 @@ struct Utf8Sequence {
 };
 
 /// The sequence that begins at `position`, which must lie within the text.
-Utf8Sequence utf8SequenceAt(std::string_view text, std::size_t position);
+[[nodiscard]] Utf8Sequence utf8SequenceAt(std::string_view text, std::size_t position);
 
 /// True when every byte of `text` belongs to a well-formed sequence.
-bool isWellFormedUtf8(std::string_view text);
+[[nodiscard]] bool isWellFormedUtf8(std::string_view text);
 
 /// `text` with each maximal ill-formed part replaced by one U+FFFD, the practice that Unicode recommends and that text
 /// decoders of the web follow. One broken byte then costs one character, not the whole message.
-std::string toWellFormedUtf8(std::string_view text);
+[[nodiscard]] std::string toWellFormedUtf8(std::string_view text);
 
 }  // namespace tools

@@ -17,7 +17,7 @@ public:
     Chunk() : bytes_(new unsigned char[sealedChunkSize]) {}
 
     /// Room for sealedChunkSize bytes; the pointer is valid as long as the object.
-    unsigned char* data() { return bytes_.get(); }
+    [[nodiscard]] unsigned char* data() { return bytes_.get(); }
 
     /// How many of them are filled.
     [[nodiscard]] std::size_t size() const { return size_; }
@@ -44,7 +44,7 @@ public:
     /// Decrypts a sealed chunk (up to sealedChunkSize bytes) in place and drops its tag. False when it is not chunk
     /// `number` of the file with this header and key, or not in that last or non-last place: its contents are then
     /// worthless. Throws Failure "file too large ..." or when the crypto library does.
-    bool open(std::uint64_t number, bool last, Chunk& chunk);
+    [[nodiscard]] bool open(std::uint64_t number, bool last, Chunk& chunk);
 
 private:
     struct ContextDeleter {

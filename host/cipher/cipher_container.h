@@ -34,22 +34,22 @@ struct Header {
 };
 
 /// The 68 bytes that open a file with these parameters.
-HeaderBytes encodeHeader(const Header& header);
+[[nodiscard]] HeaderBytes encodeHeader(const Header& header);
 
 /// Reads a header of which the first `present` bytes (0 to 68) could be read from the file; the rest is ignored.
 /// Throws Failure: "not an encrypted file" (other or missing magic), "written by a newer version ...", "damaged header
 /// ..." (cut, an unknown method, an iteration count outside minIterations..maxIterations, another chunk size). The
 /// salts are not checked here: a changed salt gives another key, under which no chunk verifies.
-Header decodeHeader(const HeaderBytes& bytes, std::size_t present);
+[[nodiscard]] Header decodeHeader(const HeaderBytes& bytes, std::size_t present);
 
 /// The AES-GCM nonce of chunk `number` (from 0): seven zero bytes, the number in four, 1 for the last chunk and else 0.
 /// It follows the STREAM construction of Hoang, Reyhanitabar, Rogaway and Vizár ("Online Authenticated-Encryption and
 /// its Nonce-Reuse Misuse-Resistance", 2015). No two chunks of a file share a nonce, and no two files share a key.
 /// Throws Failure "file too large ..." from chunk maxChunks on.
-Nonce chunkNonce(std::uint64_t number, bool last);
+[[nodiscard]] Nonce chunkNonce(std::uint64_t number, bool last);
 
 /// A fresh salt from the system's random generator. Throws Failure when it has no random numbers to give.
-TreeSalt randomTreeSalt();
-FileSalt randomFileSalt();
+[[nodiscard]] TreeSalt randomTreeSalt();
+[[nodiscard]] FileSalt randomFileSalt();
 
 }  // namespace cipher

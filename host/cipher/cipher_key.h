@@ -16,14 +16,14 @@ using FileKey = Secret<32>;
 /// The slow step: PBKDF2 with HMAC-SHA-512 (RFC 8018, section 5.2) over the key text's bytes, 32 bytes out. Takes
 /// 0.1 to 0.3 seconds at writingIterations. keyText holds at most 65,536 bytes. Throws Failure when the crypto library
 /// does.
-TreeKey deriveTreeKey(std::string_view keyText, const TreeSalt& salt, std::uint32_t iterations);
+[[nodiscard]] TreeKey deriveTreeKey(std::string_view keyText, const TreeSalt& salt, std::uint32_t iterations);
 
 /// The fast step: HKDF with SHA-256 (RFC 5869), input key material the tree key, salt the file salt, info the ASCII
 /// text "chat_transfer file key 1", 32 bytes out. Throws Failure when the crypto library does.
-FileKey deriveFileKey(const TreeKey& treeKey, const FileSalt& salt);
+[[nodiscard]] FileKey deriveFileKey(const TreeKey& treeKey, const FileSalt& salt);
 
 /// SHA-256 (FIPS 180-4) of a key text, to recognise it again without keeping it. As guessable as the text itself, hence
 /// wiped like a key. Throws Failure when the crypto library does.
-KeyTextHash hashKeyText(std::string_view keyText);
+[[nodiscard]] KeyTextHash hashKeyText(std::string_view keyText);
 
 }  // namespace cipher

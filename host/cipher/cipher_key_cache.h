@@ -36,14 +36,14 @@ public:
     static constexpr std::size_t capacity = 8;
 
     /// The cache that all CAES objects share.
-    static KeyCache& ofProcess();
+    [[nodiscard]] static KeyCache& ofProcess();
 
     /// The key for encrypting under this key text (1 to 65,536 bytes): the one in use since this cache first saw the
     /// text, or, at first and after eviction, one with a fresh salt. Throws Failure when the crypto library does.
-    WritingKey forWriting(std::string_view keyText);
+    [[nodiscard]] WritingKey forWriting(std::string_view keyText);
 
     /// The key for decrypting a file that names these parameters. Throws Failure when the crypto library does.
-    TreeKey forReading(std::string_view keyText, const TreeSalt& salt, std::uint32_t iterations);
+    [[nodiscard]] TreeKey forReading(std::string_view keyText, const TreeSalt& salt, std::uint32_t iterations);
 
     /// How many slow derivations this cache has made since it exists.
     [[nodiscard]] std::uint64_t derivations() const;
@@ -56,9 +56,9 @@ private:
     };
 
     template <typename Predicate>
-    const Entry* find(Predicate matches);
-    const Entry& derive(std::string_view keyText, const KeyTextHash& hash, const TreeSalt& salt,
-                        std::uint32_t iterations, bool ownSalt);
+    [[nodiscard]] const Entry* find(Predicate matches);
+    [[nodiscard]] const Entry& derive(std::string_view keyText, const KeyTextHash& hash, const TreeSalt& salt,
+                                      std::uint32_t iterations, bool ownSalt);
 
     mutable std::mutex mutex_;
     std::list<Entry> entries_;  // the most recently used one first

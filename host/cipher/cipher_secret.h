@@ -20,14 +20,14 @@ public:
     ~Secret() { OPENSSL_cleanse(bytes_.data(), N); }
 
     /// The N bytes; the pointer is valid as long as the object.
-    unsigned char* data() { return bytes_.data(); }
+    [[nodiscard]] unsigned char* data() { return bytes_.data(); }
     [[nodiscard]] const unsigned char* data() const { return bytes_.data(); }
 
     /// Always N.
     [[nodiscard]] static constexpr std::size_t size() { return N; }
 
     /// Compares in a time that does not depend on the contents.
-    bool operator==(const Secret& other) const { return CRYPTO_memcmp(data(), other.data(), N) == 0; }
+    [[nodiscard]] bool operator==(const Secret& other) const { return CRYPTO_memcmp(data(), other.data(), N) == 0; }
 
 private:
     std::array<unsigned char, N> bytes_{};

@@ -20,7 +20,7 @@ struct ChunkPair {
 void sealFile(InputFile& input, OutputFile& output, const Header& header, const TreeKey& treeKey, ChunkPair& chunks);
 
 /// Reads the header at the beginning of a container. Throws Failure as decodeHeader does.
-Header readHeader(InputFile& input);
+[[nodiscard]] Header readHeader(InputFile& input);
 
 /// Writes the text of the container to `output`, each chunk only after it verified. `input` stands behind the header.
 /// Throws Failure, naming the chunk that does not verify; `output` is not committed here.

@@ -141,15 +141,19 @@ void Connection::defend() {
 }
 
 void Connection::configure() {
-    execute("PRAGMA cell_size_check = on");  // a damaged page is noticed when it is read
-    execute(tools::FixedText<64>("PRAGMA cache_size = -%zu", kPageCacheKiB).text());
+    // Neither is needed for a right answer: without them damage is noticed later, and reading is slower.
+    static_cast<void>(execute("PRAGMA cell_size_check = on"));
+    limitPageCache(kPageCacheKiB);
+}
+
+void Connection::limitPageCache(std::size_t kib) {
+    static_cast<void>(execute(tools::FixedText<64>("PRAGMA cache_size = -%zu", kib).text()));
 }
 
 void Connection::cacheSchemaOf(std::size_t tables) {
     if (tables <= cachedTables_) return;
     cachedTables_ = 2 * tables;  // seldom enough that a table more costs nothing
-    const std::size_t wanted = kPageCacheKiB + kSchemaKiBPerTable * cachedTables_;
-    execute(tools::FixedText<64>("PRAGMA cache_size = -%zu", std::min(wanted, kMostPageCacheKiB)).text());
+    limitPageCache(std::min(kPageCacheKiB + kSchemaKiBPerTable * cachedTables_, kMostPageCacheKiB));
 }
 
 bool Connection::takeAllOf(Connection& source) {
@@ -257,10 +261,11 @@ void Connection::endBatch() {
 void Connection::undoBatch() {
     // The reason of the loss is worth more than that of a failing rollback.
     std::string reason = std::move(lastError_);
+    // When these fail, the rollback comes with the end of the host's transaction or with closing.
     if (!isJoined_) {
-        execute("ROLLBACK");
+        static_cast<void>(execute("ROLLBACK"));
     } else if (execute("ROLLBACK TO chat_transfer")) {
-        execute("RELEASE chat_transfer");
+        static_cast<void>(execute("RELEASE chat_transfer"));
     }
     lastError_ = std::move(reason);
 }

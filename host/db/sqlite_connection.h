@@ -1,4 +1,4 @@
-// Inside of the database layer: owning types over SQLite's handles. Only host/db*.cpp include this.
+// Inside of the database layer: owning types over SQLite's handles.
 #pragma once
 
 #include <sqlite3.h>
@@ -41,7 +41,7 @@ struct OpenError {
 class Connection {
 public:
     /// Null when the file does not open; `error` then says why.
-    static std::shared_ptr<Connection> open(const char* path, const char* key, OpenError& error);
+    [[nodiscard]] static std::shared_ptr<Connection> open(const char* path, const char* key, OpenError& error);
 
     ~Connection();
     Connection(const Connection&) = delete;
@@ -50,16 +50,16 @@ public:
     Connection& operator=(Connection&&) = delete;
 
     /// True when `path` with `key` still names the file that is open here and its schema can be read.
-    bool stillServes(const char* path, const char* key);
+    [[nodiscard]] bool stillServes(const char* path, const char* key);
 
     /// Prepares the only statement of `sql`; null for a failing text and for one that holds more than one statement.
-    StatementHandle prepare(std::string_view sql);
+    [[nodiscard]] StatementHandle prepare(std::string_view sql);
 
     /// Runs a prepared statement to its end. False when it failed or the current batch is lost.
-    bool runToEnd(sqlite3_stmt* statement);
+    [[nodiscard]] bool runToEnd(sqlite3_stmt* statement);
 
     /// sqlite3_step(), ended with SQLITE_INTERRUPT when it goes on beyond all reason.
-    int step(sqlite3_stmt* statement);
+    [[nodiscard]] int step(sqlite3_stmt* statement);
 
     /// Remembers why `code` was returned, and gives the batch up when the reason lies in the machine.
     void noteFailure(int code);
@@ -69,30 +69,31 @@ public:
     void beginBatch();
     void endBatch();
     void abandonBatch() { batchLost_ = batchLost_ || batchDepth_ > 0; }
-    bool batchLost() const { return batchLost_; }
-    bool refusesWrites() const { return batchDepth_ > 0 && batchLost_; }
+    [[nodiscard]] bool batchLost() const { return batchLost_; }
+    [[nodiscard]] bool refusesWrites() const { return batchDepth_ > 0 && batchLost_; }
 
     /// Makes the page cache large enough for the schema of so many tables. Never makes it smaller.
     void cacheSchemaOf(std::size_t tables);
 
     /// Replaces the content by that of another database.
-    bool takeAllOf(Connection& source);
+    [[nodiscard]] bool takeAllOf(Connection& source);
 
-    int changedRows() const { return sqlite3_changes(handle_.get()); }
-    const std::string& lastError() const { return lastError_; }
-    bool lastFailureWasDuplicate() const;
-    bool lastFailureWasLock() const;
+    [[nodiscard]] int changedRows() const { return sqlite3_changes(handle_.get()); }
+    [[nodiscard]] const std::string& lastError() const { return lastError_; }
+    [[nodiscard]] bool lastFailureWasDuplicate() const;
+    [[nodiscard]] bool lastFailureWasLock() const;
 
 private:
     Connection() = default;
-    bool unlock(const char* key);
-    StatementHandle refuse(const char* reason);
+    [[nodiscard]] bool unlock(const char* key);
+    [[nodiscard]] StatementHandle refuse(const char* reason);
     void keepReason(int code) noexcept;
     void defend();
     void configure();
-    bool execute(const char* sql);
+    void limitPageCache(std::size_t kib);
+    [[nodiscard]] bool execute(const char* sql);
     void undoBatch();
-    bool readsSchema();
+    [[nodiscard]] bool readsSchema();
 
     int timesStepped_ = 0;  // before the handle, which has its address
     DatabaseHandle handle_;
@@ -114,9 +115,11 @@ public:
     Statement(std::shared_ptr<Connection> connection, StatementHandle handle)
         : connection_(std::move(connection)), handle_(std::move(handle)) {}
 
-    Connection& connection() { return *connection_; }
-    bool belongsTo(const std::shared_ptr<Connection>& connection) const { return connection_ == connection; }
-    sqlite3_stmt* get() const { return handle_.get(); }
+    [[nodiscard]] Connection& connection() { return *connection_; }
+    [[nodiscard]] bool belongsTo(const std::shared_ptr<Connection>& connection) const {
+        return connection_ == connection;
+    }
+    [[nodiscard]] sqlite3_stmt* get() const { return handle_.get(); }
 
     bool hasRow = false;
     bool atEnd = false;

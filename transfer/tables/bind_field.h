@@ -9,8 +9,9 @@ namespace chattransfer {
 
 /// Binds parameter `index`, counted from 1. The text is not copied: it must outlive the execution.
 inline void bindField(imsdk::dbCommand& command, int index, const std::string& text) {
-    command.bindParam(index, text.c_str());
+    command.bindParam(index, text);
 }
+void bindField(imsdk::dbCommand& command, int index, const std::string&& text) = delete;
 inline void bindField(imsdk::dbCommand& command, int index, long long number) {
     command.bindParam(index, number);
 }
