@@ -1,4 +1,6 @@
 // A run that changes no file, and still counts as a real one would.
+//
+// Threads: an object belongs to one thread at a time.
 #pragma once
 
 #include <map>

@@ -1,5 +1,8 @@
 // File, path, text and clock utilities. Paths are byte strings as the operating system takes them. Nothing here throws
 // on a failure of the file system; where a result is an int, 0 means success unless the function says otherwise.
+//
+// Threads: every function may be called on several threads at once. Of two that write the same path at the same time,
+// one wins as a whole. Process-wide is only the number that tells apart the temporary names of one process.
 #pragma once
 
 #include <string>

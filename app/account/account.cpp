@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -11,7 +12,6 @@
 #include "app/base/failure.h"
 #include "app/base/paths.h"
 #include "host/files/file_handle.h"
-#include "host/files/file_status.h"
 #include "host/tools.h"
 #include "transfer/format/attachment_body.h"
 
@@ -81,7 +81,8 @@ std::vector<std::string> Account::databases() const {
 }
 
 bool isFree(const std::string& database) {
-    return tools::statusOf(database).kind == tools::FileKind::none;
+    struct stat status {};
+    return lstat(database.c_str(), &status) != 0 && tools::detail::meansAbsent(errno);
 }
 
 std::vector<std::string> makeMissingParts(const Account& account, const std::string& key) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <mutex>
 #include <new>
 #include <utility>
 
@@ -41,6 +42,13 @@ constexpr int kMostTimes = 300;
 // Called each time that a statement has taken kStepsAtOnce further steps; anything but 0 ends it.
 int countSteps(void* times) {
     return ++*static_cast<int*>(times) > kMostTimes ? 1 : 0;
+}
+
+// Opening makes the engine ready as well, but looks without a lock whether another thread has done so. A failure shows
+// again when the database is opened.
+void makeEngineReady() {
+    static std::once_flag once;
+    std::call_once(once, [] { static_cast<void>(sqlite3_initialize()); });
 }
 
 bool identify(const char* path, FileIdentity& identity) {
@@ -91,6 +99,7 @@ std::shared_ptr<Connection> Connection::open(const char* path, const char* key, 
         error = {OpenFailure::missing, "there is no such file"};
         return nullptr;
     }
+    makeEngineReady();
     sqlite3* handle = nullptr;
     const int code = sqlite3_open_v2(path, &handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
     connection->handle_.reset(handle);
