@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 
 namespace app {
 
@@ -25,9 +24,9 @@ public:
     /// True once in `many` times.
     bool oneIn(std::uint64_t many) { return below(many) == 0; }
 
-    /// An element of an array of string literals.
+    /// An element of an array.
     template <class List>
-    std::string_view pick(const List& list) {
+    typename List::value_type pick(const List& list) {
         return list[static_cast<std::size_t>(below(list.size()))];
     }
 

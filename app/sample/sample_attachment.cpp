@@ -21,16 +21,16 @@ std::string bodyWithName(const std::string& serverPath, const std::string& fileN
 
 std::string makeVoiceMessage(const std::string& root, const std::string& id, const std::string& day, Random& random) {
     const std::string name = "voice_" + id + ".wav";
-    const std::string sound = makeVoice(random);
+    const std::string sound = pickVoice(random);
     writeNewFile(root + chattransfer::kAudioFolder + name, sound);
     return bodyWithName("voice/" + day + "/" + id, name, sound.size());
 }
 
 std::string makeImageMessage(const std::string& root, const std::string& id, const std::string& day, Random& random) {
     const std::string name = "photo_" + id;
-    writeNewFile(root + chattransfer::kImageFolder + name + ".png",
-                 makePicture(random, 40 + static_cast<unsigned>(random.below(60))));
-    writeNewFile(root + chattransfer::kImageFolder + name + "_small.png", makePicture(random, 16));
+    const SamplePhoto photo = pickPhoto(random);
+    writeNewFile(root + chattransfer::kImageFolder + name + ".png", photo.picture);
+    writeNewFile(root + chattransfer::kImageFolder + name + "_small.png", photo.thumbnail);
     const tools::JsonDocument body(json_value_init_object());
     JSON_Object* object = json_value_get_object(body.get());
     json_object_set_string(object, "mediaUrl", ("image/" + day + "/" + name + ".png").c_str());
@@ -41,9 +41,7 @@ std::string makeImageMessage(const std::string& root, const std::string& id, con
 std::string makeFileMessage(const std::string& root, const std::string& id, const std::string& day, Random& random) {
     const bool document = random.oneIn(2);
     const std::string name = document ? "Übersicht " + id + ".pdf" : "メモ_" + id + ".txt";
-    std::string bytes = document ? makeDocument("Overview " + id) : "";
-    for (int line = 0; !document && line < 20; ++line)
-        bytes += makeText(random) + "\n";
+    const std::string bytes = document ? pickDocument(random) : makeNotes(random);
     writeNewFile(root + chattransfer::kFileFolder + name, bytes);
     return bodyWithName("file/" + day + "/" + id, name, bytes.size());
 }

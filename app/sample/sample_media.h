@@ -7,13 +7,20 @@
 
 namespace app {
 
-/// A WAV file with a fading tone of up to a second.
-std::string makeVoice(Random& random);
+/// PNG files.
+struct SamplePhoto {
+    std::string picture;
+    std::string thumbnail;  ///< the same, smaller
+};
+SamplePhoto pickPhoto(Random& random);
 
-/// A PNG picture of size x size pixels with a colour gradient. `size` is 1 to 120.
-std::string makePicture(Random& random, unsigned size);
+/// A WAV file with half a second of a fading tone.
+std::string pickVoice(Random& random);
 
-/// A one-page PDF that shows `title`, a text of ASCII letters, digits and blanks.
-std::string makeDocument(const std::string& title);
+/// An MP4 file of one second.
+std::string pickVideo(Random& random);
+
+/// A PDF file of one page.
+std::string pickDocument(Random& random);
 
 }  // namespace app

@@ -85,6 +85,13 @@ std::string makeText(Random& random) {
     return text;
 }
 
+std::string makeNotes(Random& random) {
+    std::string text;
+    for (int line = 0; line < 20; ++line)
+        text += makeText(random) + "\n";
+    return text;
+}
+
 std::string personName(Random& random) {
     return std::string(random.pick(kPersons));
 }

@@ -7,7 +7,6 @@
 #include "app/places/new_file.h"
 #include "app/sample/sample_media.h"
 #include "app/sample/sample_texts.h"
-#include "app/sample/sample_video.h"
 #include "host/tools.h"
 #include "transfer/format/attachment_body.h"
 #include "transfer/format/json_fields.h"
@@ -18,19 +17,7 @@ namespace {
 using chattransfer::TreeFileKeys;
 using tools::JsonDocument;
 
-constexpr unsigned kThumbnailSize = 16;
 constexpr int kPictures = 3;
-
-std::string makePhoto(Random& random) {
-    return makePicture(random, 40 + static_cast<unsigned>(random.below(60)));
-}
-
-std::string makeNotes(Random& random) {
-    std::string text;
-    for (int line = 0; line < 20; ++line)
-        text += makeText(random) + "\n";
-    return text;
-}
 
 }  // namespace
 
@@ -55,17 +42,17 @@ std::string TreeAttachmentMaker::make(int type, const TreeFileKeys& keys, const 
     const JsonDocument body(json_value_init_object());
     JSON_Object* object = json_value_get_object(body.get());
     const auto addPhoto = [&](JSON_Object* target, const std::string& name) {
-        chattransfer::setField(target, keys.image, write("image/" + day + "/" + name + ".png", makePhoto(random)));
-        chattransfer::setField(target, keys.thumbnail,
-                               write("image/" + day + "/" + name + "_small.png", makePicture(random, kThumbnailSize)));
+        const SamplePhoto photo = pickPhoto(random);
+        const std::string path = "image/" + day + "/" + name;
+        chattransfer::setField(target, keys.image, write(path + ".png", photo.picture));
+        chattransfer::setField(target, keys.thumbnail, write(path + "_small.png", photo.thumbnail));
     };
     if (type == chattransfer::kVoiceMessage) {
-        chattransfer::setField(object, keys.voice, write("voice/" + day + "/voice_" + id + ".wav", makeVoice(random)));
+        chattransfer::setField(object, keys.voice, write("voice/" + day + "/voice_" + id + ".wav", pickVoice(random)));
     } else if (type == chattransfer::kFileMessage) {
         const bool document = random.oneIn(2);
         const std::string name = "file/" + day + (document ? "/Übersicht " + id + ".pdf" : "/メモ_" + id + ".txt");
-        chattransfer::setField(object, keys.file,
-                               write(name, document ? makeDocument("Overview " + id) : makeNotes(random)));
+        chattransfer::setField(object, keys.file, write(name, document ? pickDocument(random) : makeNotes(random)));
     } else if (type == chattransfer::kImageMessage) {
         addPhoto(object, "photo_" + id);
     } else if (type == chattransfer::kPicturesMessage) {
@@ -78,8 +65,8 @@ std::string TreeAttachmentMaker::make(int type, const TreeFileKeys& keys, const 
         }
     } else if (type == chattransfer::kVideoMessage) {
         chattransfer::setField(object, keys.preview,
-                               write("video/" + day + "/preview_" + id + ".png", makePhoto(random)));
-        chattransfer::setField(object, keys.video, write("video/" + day + "/video_" + id + ".avi", makeVideo(random)));
+                               write("video/" + day + "/preview_" + id + ".png", pickPhoto(random).picture));
+        chattransfer::setField(object, keys.video, write("video/" + day + "/video_" + id + ".mp4", pickVideo(random)));
     }
     return textOf(body);
 }

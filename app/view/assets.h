@@ -1,16 +1,11 @@
-// Our own files that pages carry: they stand in assets/ and become part of the program when it is built.
+// The files of assets/, which pages carry.
 #pragma once
 
-#include <string_view>
+#include "app/base/embedded_file.h"
 
 namespace app::view {
 
-struct Asset {
-    std::string_view text;
-    std::string_view sha256;  ///< of the text, in hexadecimal digits
-};
-
-extern const Asset kStyle;
-extern const Asset kSearchScript;
+extern const EmbeddedFile kStyle;
+extern const EmbeddedFile kSearchScript;
 
 }  // namespace app::view

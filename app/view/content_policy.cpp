@@ -11,7 +11,7 @@ std::uint32_t valueOf(char digit) {
     return static_cast<std::uint32_t>(digit <= '9' ? digit - '0' : digit - 'a' + 10);
 }
 
-std::string digestSource(const Asset& asset) {
+std::string digestSource(const EmbeddedFile& asset) {
     return "'sha256-" + base64OfHex(std::string(asset.sha256)) + "'";
 }
 

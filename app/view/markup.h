@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/view/assets.h"
+#include "app/base/embedded_file.h"
 
 namespace app::view {
 
@@ -33,8 +33,8 @@ public:
     }
 
     /// Adds one of our own files as it is.
-    Markup& asset(const Asset& asset) {
-        html_ += asset.text;
+    Markup& asset(const EmbeddedFile& asset) {
+        html_ += asset.bytes;
         return *this;
     }
 

@@ -1,5 +1,7 @@
 #include "app/view/page_frame.h"
 
+#include "app/view/assets.h"
+
 namespace app::view {
 namespace {
 
