@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -12,6 +11,7 @@
 #include "app/base/failure.h"
 #include "app/base/paths.h"
 #include "host/files/file_handle.h"
+#include "host/files/file_status.h"
 #include "host/tools.h"
 #include "transfer/format/attachment_body.h"
 
@@ -81,8 +81,7 @@ std::vector<std::string> Account::databases() const {
 }
 
 bool isFree(const std::string& database) {
-    struct stat status {};
-    return lstat(database.c_str(), &status) != 0 && tools::detail::meansAbsent(errno);
+    return tools::statusOf(database).kind == tools::FileKind::none;
 }
 
 std::vector<std::string> makeMissingParts(const Account& account, const std::string& key) {

@@ -1,28 +1,21 @@
 #include "app/tree/tree_files.h"
 
-#include <dirent.h>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <memory>
 #include <string_view>
-#include <utility>
 
 #include "app/base/failure.h"
 #include "host/cipher/cipher_container.h"
 #include "host/cipher/cipher_error.h"
 #include "host/files/file_handle.h"
+#include "host/files/file_status.h"
+#include "host/files/folder_walk.h"
 #include "transfer/format/tree_format.h"
 
 namespace app {
 namespace {
-
-struct CloseFolder {
-    void operator()(DIR* folder) const { closedir(folder); }
-};
 
 bool endsWith(std::string_view name, std::string_view ending) {
     return name.size() >= ending.size() && name.substr(name.size() - ending.size()) == ending;
@@ -36,73 +29,31 @@ bool isAttachmentPath(std::string_view name) {
     return beginsWith(name, chattransfer::kTreeAttachmentsFolder);
 }
 
-TreeEntryKind kindOf(const std::string& path) {
-    struct stat status {};
-    if (lstat(path.c_str(), &status) != 0) return TreeEntryKind::other;
-    if (S_ISDIR(status.st_mode)) return TreeEntryKind::folder;
-    return S_ISREG(status.st_mode) ? TreeEntryKind::file : TreeEntryKind::other;
+TreeEntryKind kindFrom(tools::FileKind kind) {
+    if (kind == tools::FileKind::folder) return TreeEntryKind::folder;
+    return kind == tools::FileKind::regular ? TreeEntryKind::file : TreeEntryKind::other;
 }
 
-// One folder on the way down: its names, read at once, and how far the walk has come.
-struct Level {
-    std::string prefix;  // the folder's path below the root, with a "/" behind it
-    std::vector<std::string> names;
-    std::size_t next = 0;
-};
-
-// A list of levels instead of recursion: a stranger's tree must not choose how much stack is used.
-class Walk {
-public:
-    explicit Walk(std::string root) : root_(std::move(root)) {}
-
-    TreeListing run() {
-        enter("");
-        while (!levels_.empty()) {
-            Level& level = levels_.back();
-            if (level.next == level.names.size()) {
-                levels_.pop_back();
-            } else {
-                visit(level.prefix + level.names[level.next++]);
-            }
-        }
-        return std::move(listing_);
+void enter(tools::FolderWalk& walk, TreeListing& listing) {
+    if (walk.depth() > kDeepestFolder) {
+        listing.unreadable.push_back({walk.name(), "the folders are nested too deeply"});
+    } else if (const int error = walk.enter()) {
+        listing.unreadable.push_back({walk.name(), systemWords(error)});
     }
-
-private:
-    void visit(const std::string& name) {
-        const TreeEntryKind kind = kindOf(root_ + "/" + name);
-        listing_.entries.push_back({name, kind});
-        if (kind == TreeEntryKind::folder) enter(name);
-    }
-
-    void enter(const std::string& name) {
-        if (levels_.size() > kDeepestFolder) {
-            listing_.unreadable.push_back({name, "the folders are nested too deeply"});
-            return;
-        }
-        const std::unique_ptr<DIR, CloseFolder> folder(opendir((root_ + "/" + name).c_str()));
-        if (!folder) {
-            listing_.unreadable.push_back({name, systemWords(errno)});
-            return;
-        }
-        Level level{name.empty() ? "" : name + "/", {}, 0};
-        while (const dirent* entry = readdir(folder.get())) {
-            std::string found = entry->d_name;
-            if (found != "." && found != "..") level.names.push_back(std::move(found));
-        }
-        std::sort(level.names.begin(), level.names.end());
-        levels_.push_back(std::move(level));
-    }
-
-    const std::string root_;
-    TreeListing listing_;
-    std::vector<Level> levels_;
-};
+}
 
 }  // namespace
 
 TreeListing listTree(const std::string& root) {
-    return Walk(root).run();
+    TreeListing listing;
+    tools::FolderWalk walk(root, tools::NameOrder::byBytes);
+    enter(walk, listing);
+    while (walk.next()) {
+        const TreeEntryKind kind = kindFrom(walk.status().kind);
+        listing.entries.push_back({walk.name(), kind});
+        if (kind == TreeEntryKind::folder) enter(walk, listing);
+    }
+    return listing;
 }
 
 bool hasRecordEnding(std::string_view name) {
@@ -133,7 +84,7 @@ bool isEncrypted(const std::string& path) {
     const ssize_t size = file.valid() ? read(file.get(), header.data(), header.size()) : -1;
     if (size < 0) return false;
     try {
-        cipher::decodeHeader(header, static_cast<std::size_t>(size));
+        static_cast<void>(cipher::decodeHeader(header, static_cast<std::size_t>(size)));  // throws for other files
         return true;
     } catch (const cipher::Failure&) {
         return false;

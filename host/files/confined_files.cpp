@@ -91,10 +91,8 @@ FileHandle walk(int from, std::string_view parents, MissingFolders missing) {
 FileKind kindAt(const Place& place) {
     if (!place.valid()) return place.missing() || place.refused() ? FileKind::none : FileKind::unknown;
     struct stat status {};
-    if (fstatat(place.folder, place.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
-        return detail::meansAbsent(errno) ? FileKind::none : FileKind::unknown;
-    }
-    return S_ISREG(status.st_mode) ? FileKind::regular : FileKind::other;
+    const int result = fstatat(place.folder, place.name.c_str(), &status, AT_SYMLINK_NOFOLLOW);
+    return detail::statusFrom(result, status).kind;
 }
 
 FileOutcome copyBetween(const Place& source, const Place& target, Flush flush) {
@@ -240,7 +238,7 @@ FileOutcome ConfinedFolder::transferTo(ConfinedFolder& to, const std::string& so
     if (!from.valid()) return from.refused() ? FileOutcome::refused : FileOutcome::failed;
     const FileKind kind = kindAt(from);
     if (kind == FileKind::none) return FileOutcome::missing;
-    if (kind == FileKind::other) return FileOutcome::refused;
+    if (kind == FileKind::folder || kind == FileKind::other) return FileOutcome::refused;
     const Place place = to.find(target);
     const bool appears = place.missing() && to.hasAppeared(parentsOf(target));
     if (!place.valid() && !appears) return place.refused() ? FileOutcome::refused : FileOutcome::failed;

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "host/files/file_handle.h"
+#include "host/files/file_status.h"
 #include "host/files/flush.h"
 #include "host/rehearsal.h"
 
@@ -24,14 +25,6 @@ enum class MissingFolders { stay, create };
 /// NUL, and no component longer than 255 bytes. A leading "/" or a text such as "http://host/a" is fine: names are
 /// appended, not resolved, and empty components count for nothing.
 bool isConfinedName(const std::string& name);
-
-/// What stands at a name.
-enum class FileKind {
-    none,  ///< nothing, or nothing that can be reached without following a link
-    regular,
-    other,    ///< a folder, a symbolic link, a device
-    unknown,  ///< nobody can look: an input/output error, a folder without permission
-};
 
 /// What became of a confined copy or move.
 enum class FileOutcome {

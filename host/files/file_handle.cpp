@@ -89,10 +89,6 @@ FileHandle openRegularFile(int folder, const char* name, bool followLinks) {
     return handle;
 }
 
-bool meansAbsent(int error) {
-    return error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG || error == ELOOP;
-}
-
 bool copyBytes(int from, int to) {
 #ifdef __linux__
     const int copied = copyInKernel(from, to);

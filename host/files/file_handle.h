@@ -34,9 +34,6 @@ private:
 /// Never blocks on FIFOs and devices. `followLinks` says whether `name` itself may be a symbolic link.
 FileHandle openRegularFile(int folder, const char* name, bool followLinks);
 
-/// Whether a call that gave `error` for a name has thereby said that nothing is there.
-bool meansAbsent(int error);
-
 /// Copies all bytes from one descriptor to the other, in the kernel where it can.
 bool copyBytes(int from, int to);
 

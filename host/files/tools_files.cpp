@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "host/files/file_handle.h"
+#include "host/files/file_status.h"
 #include "host/tools.h"
 
 namespace tools {
@@ -18,11 +19,6 @@ constexpr mode_t kOwnerOnly = 0700;
 bool isDirectory(const char* path) {
     struct stat status {};
     return stat(path, &status) == 0 && S_ISDIR(status.st_mode);
-}
-
-bool isRegularFile(const char* path) {
-    struct stat status {};
-    return lstat(path, &status) == 0 && S_ISREG(status.st_mode);
 }
 
 }  // namespace
@@ -54,10 +50,9 @@ int createDir(const char* path) {
 }
 
 int del_dir(const char* path) {
-    struct stat status {};
     std::string name = path != nullptr ? path : "";
     name.erase(name.find_last_not_of('/') + 1);  // "link/" would name the directory that the link leads to
-    if (lstat(name.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return -1;
+    if (statusOf(name).kind != FileKind::folder) return -1;
     std::error_code error;
     std::filesystem::remove_all(name, error);
     return error ? -1 : 0;
@@ -72,7 +67,7 @@ int copyFile(const char* from, const char* to) {
 }
 
 int moveFile(const char* from, const char* to) {
-    if (from == nullptr || to == nullptr || !isRegularFile(from)) return -1;
+    if (from == nullptr || to == nullptr || statusOf(from).kind != FileKind::regular) return -1;
     if (std::rename(from, to) == 0) return 0;
     if (errno != EXDEV) return -1;
     return copyFile(from, to) == 0 && unlink(from) == 0 ? 0 : -1;

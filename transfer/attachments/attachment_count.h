@@ -15,7 +15,7 @@ void countAttachment(TransferReport& report, const std::string& name, tools::Fil
 /// take(), only where certainly nothing stands: a file of the user's is never overwritten.
 template <class Take>
 void takeUnlessPresent(TransferReport& report, const std::string& name, tools::FileKind atTarget, Take take) {
-    if (atTarget == tools::FileKind::regular || atTarget == tools::FileKind::other) {
+    if (atTarget != tools::FileKind::none && atTarget != tools::FileKind::unknown) {
         ++report.attachmentsPresent;
     } else {
         countAttachment(report, name, atTarget == tools::FileKind::none ? take() : tools::FileOutcome::failed);

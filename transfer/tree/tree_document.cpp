@@ -1,29 +1,27 @@
 #include "transfer/tree/tree_document.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <system_error>
 
+#include "host/files/file_status.h"
 #include "host/files/whole_file.h"
 
 namespace chattransfer {
 namespace {
 
-std::string whyNotRead(const char* path) {
-    struct stat status {};
-    if (lstat(path, &status) != 0 && errno == ENOENT) return "is gone";
-    if (!S_ISREG(status.st_mode)) return "is not a regular file";
-    if (access(path, R_OK) != 0) return "cannot be read: " + std::generic_category().message(errno);
-    return "cannot be read";
+std::string whyNotRead(const std::string& path) {
+    const tools::FileStatus status = tools::statusOf(path);
+    if (status.error == ENOENT) return "is gone";
+    if (status.kind != tools::FileKind::regular) return "is not a regular file";
+    const int error = tools::readingRefusal(path);
+    return error == 0 ? "cannot be read" : "cannot be read: " + std::generic_category().message(error);
 }
 
 }  // namespace
 
 bool readTreeText(const std::string& path, std::string& text, TransferReport& report) {
     if (tools::readWholeFile(path, text)) return true;
-    report.skip(path, whyNotRead(path.c_str()));
+    report.skip(path, whyNotRead(path));
     return false;
 }
 
