@@ -2,7 +2,7 @@
 PRESET ?= release
 BUILD := build/$(PRESET)
 
-.PHONY: demo test browser-tests asan soak bench fuzz cross coverage package docs build setup format tidy analyse clean
+.PHONY: demo test browser-tests asan tsan soak bench fuzz cross coverage package docs build setup format tidy analyse rooms clean
 
 ## Make a sample account, export it, import it elsewhere (twice), verify, and say what moved.
 demo: setup
@@ -23,6 +23,10 @@ browser-tests:
 ## The same tests under AddressSanitizer, LeakSanitizer and UBSan.
 asan:
 	$(MAKE) --no-print-directory test PRESET=asan
+
+## The tests that use threads under ThreadSanitizer.
+tsan:
+	$(MAKE) --no-print-directory test PRESET=tsan
 
 ## The long form of the fault sweeps and of the killed runs: every failure of every call, and KILLS moments (1000). Hours.
 KILLS ?= 1000
@@ -78,7 +82,8 @@ format:
 	scripts/format --fix
 
 ## Warnings of clang-tidy and formatting differences are errors.
-tidy: setup
+tidy:
+	scripts/setup clang-format clang-tidy
 	scripts/format
 	scripts/tidy
 
@@ -86,6 +91,10 @@ tidy: setup
 analyse:
 	scripts/setup cppcheck clang
 	scripts/analyse
+
+## The rooms by floors; an include against their order or a circle fails.
+rooms:
+	scripts/rooms
 
 clean:
 	rm -rf build demo
