@@ -46,6 +46,7 @@ template <class Keep>
 int BoundValues::keepAndBind(sqlite3_stmt* statement, int index, Keep keep) try {
     if (index < 1 || index > sqlite3_bind_parameter_count(statement)) {
         lose(index);
+        // cppcheck-suppress invalidFunctionArg
         return sqlite3_bind_null(statement, index);  // SQLite's own words for it
     }
     const auto place = static_cast<std::size_t>(index - 1);
