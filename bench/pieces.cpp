@@ -178,7 +178,7 @@ void insertMessages(benchmark::State& state) {
     transfer.getTables();
     chattransfer::TableIndex index(transfer.tableNames);
     const std::string table =
-        chattransfer::openMessageTable(transfer, transfer.mainDb, index, messages().front().targetID);
+        chattransfer::openMessageTable(transfer.report, transfer.mainDb, index, messages().front().targetID);
     for (auto _ : state) {
         {
             const DbTranHelper transaction(&transfer.mainDb);

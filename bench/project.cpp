@@ -59,14 +59,16 @@ void importCounted(dbTrans& transfer) {
 
 void walkTree(dbTrans& transfer) {
     std::vector<std::string> files;
-    transfer.getfiles(chattransfer::treeRoot(transfer), files, chattransfer::kMessageExtension);
+    transfer.getfiles(chattransfer::treeRoot(transfer.backupPath, transfer.packageSubDir), files,
+                      chattransfer::kMessageExtension);
     if (files.empty()) throw std::runtime_error("nothing was decrypted");
 }
 
 void readTree(dbTrans& transfer) {
     std::string text;
     long long messages = 0;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(chattransfer::treeRoot(transfer))) {
+    for (const fs::directory_entry& entry :
+         fs::recursive_directory_iterator(chattransfer::treeRoot(transfer.backupPath, transfer.packageSubDir))) {
         if (entry.path().extension() != ".decrypt") continue;
         if (!tools::readWholeFile(entry.path(), text)) throw std::runtime_error("cannot read " + entry.path().string());
         for (const chattransfer::MessageDay& day : chattransfer::readMessageFileText(text).days)

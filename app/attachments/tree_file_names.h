@@ -5,7 +5,7 @@
 #include <string>
 
 #include "app/attachments/attachment_files.h"
-#include "transfer/attachments/tree_attachments.h"
+#include "transfer/format/tree_body.h"
 
 namespace app {
 

@@ -149,7 +149,7 @@ void summarise(Summary& summary, dbTrans& transfer, const ImportTreeOptions& opt
     if (intoMain(options)) addRowsOfMain(summary, transfer);
     summary.add("files.notDecrypted", "Files not decryptable", files.notDecrypted);
     summary.add("files.notParsed", "Files not parsable",
-                countNotParsed(transfer.report, chattransfer::treeRoot(transfer)));
+                countNotParsed(transfer.report, chattransfer::treeRoot(transfer.backupPath, transfer.packageSubDir)));
     if (options.removeDecrypted) {
         const std::vector<std::string> all = files.all();
         summary.add("files.removed", "Decrypted copies removed", static_cast<long long>(all.size()) - countThere(all));
@@ -165,7 +165,7 @@ bool arrivedWhole(RunReport& run, const dbTrans& transfer, const TreeImportFiles
           "of the tree's files cannot be decrypted and stay as they are, see below; if they were encrypted with "
           "another "
           "key, they cannot go into this account"},
-         {countNotParsed(report, chattransfer::treeRoot(transfer)),
+         {countNotParsed(report, chattransfer::treeRoot(transfer.backupPath, transfer.packageSubDir)),
           "of the tree's files cannot be understood, see below"},
          {report.messagesRefused, "messages were refused by the database, see below"},
          {refusedContacts(transfer), "recent contacts were refused by the database"},

@@ -12,7 +12,7 @@
 #include "app/sample/sample_plan.h"
 #include "host/base/fixed_text.h"
 #include "host/tools.h"
-#include "transfer/base/progress_report.h"
+#include "transfer/base/progress.h"
 #include "transfer/dbTrans.h"
 #include "transfer/format/attachment_body.h"
 #include "transfer/tables/conversation_writer.h"
@@ -91,7 +91,7 @@ private:
         {
             const DbTranHelper transaction(&transfer_.mainDb);
             const std::string table =
-                chattransfer::openMessageTable(transfer_, transfer_.mainDb, index, conversation.id);
+                chattransfer::openMessageTable(transfer_.report, transfer_.mainDb, index, conversation.id);
             imsdk::dbCommand insert(&transfer_.mainDb, chattransfer::insertMessageStatement(table).c_str());
             for (const imsdk::st_dbMessageBean& message : messages) {
                 chattransfer::insertMessage(transfer_.report, transfer_.mainDb, insert, message);

@@ -12,7 +12,7 @@
 #include "app/package/package_summary.h"
 #include "app/sample/sample_tree.h"
 #include "host/tools.h"
-#include "transfer/base/progress_report.h"
+#include "transfer/base/progress.h"
 #include "transfer/dbTrans.h"
 
 namespace app {

@@ -96,7 +96,7 @@ void noteDamage(const PackageFacts& facts, TransferReport& leftOut) {
 }  // namespace
 
 std::string packageRootOf(const PackagePlace& place) {
-    const std::string root = place.parent + chattransfer::kPackageRoot;
+    const std::string root = chattransfer::packageRoot(place.parent);
     return root.substr(0, root.size() - 1);
 }
 

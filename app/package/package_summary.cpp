@@ -8,8 +8,8 @@
 #include "app/base/printable.h"
 #include "app/verify/attachment_check.h"
 #include "host/json/json_owner.h"
-#include "transfer/attachments/tree_attachments.h"
 #include "transfer/format/attachment_body.h"
+#include "transfer/format/tree_body.h"
 
 namespace app {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "app/sample/random.h"
 #include "app/sample/sample_plan.h"
-#include "transfer/attachments/tree_attachments.h"
+#include "transfer/format/tree_body.h"
 
 namespace app {
 

@@ -71,7 +71,7 @@ long long TreeImportFiles::conversations(dbTrans& transfer) const {
 }
 
 TreeImportFiles decryptFiles(dbTrans& transfer, TreeKinds kinds) {
-    const std::string root = chattransfer::treeRoot(transfer);
+    const std::string root = chattransfer::treeRoot(transfer.backupPath, transfer.packageSubDir);
     TreeImportFiles files;
     std::set<std::string> named;
     const auto decrypt = [&](const char* extension, std::vector<std::string>& paths) {

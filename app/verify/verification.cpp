@@ -5,7 +5,7 @@
 
 #include "app/base/units.h"
 #include "host/base/numeric.h"
-#include "transfer/base/progress_report.h"
+#include "transfer/base/progress.h"
 #include "transfer/format/attachment_body.h"
 #include "transfer/format/package_format.h"
 #include "transfer/tables/message_table.h"

@@ -2,8 +2,8 @@
 
 #include "app/view/clock.h"
 #include "app/view/shown_text.h"
-#include "transfer/attachments/tree_attachments.h"
 #include "transfer/format/attachment_body.h"
+#include "transfer/format/tree_body.h"
 
 namespace app::view {
 namespace {

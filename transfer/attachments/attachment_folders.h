@@ -2,21 +2,22 @@
 // one loop over attachments.
 #pragma once
 
+#include <string>
+
 #include "host/files/confined_files.h"
 #include "transfer/attachments/backup_place.h"
-#include "transfer/dbTrans.h"
-#include "transfer/format/attachment_body.h"
+#include "transfer/format/account_folders.h"
 
 namespace chattransfer {
 
 struct AttachmentFolders {
-    explicit AttachmentFolders(const dbTrans& transfer)
-        : package(attachmentFolder(transfer)),
-          audio(transfer.rootPath + kAudioFolder),
-          file(transfer.rootPath + kFileFolder),
-          image(transfer.rootPath + kImageFolder) {
+    AttachmentFolders(const AttachmentSource& source, const std::string& account)
+        : package(attachmentFolder(source)),
+          audio(account + kAudioFolder),
+          file(account + kFileFolder),
+          image(account + kImageFolder) {
         for (tools::ConfinedFolder* folder : {&audio, &file, &image})
-            folder->rehearse(transfer.rehearsal);
+            folder->rehearse(source.dryRun);
     }
 
     tools::ConfinedFolder package;

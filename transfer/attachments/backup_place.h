@@ -7,16 +7,23 @@
 #include <string>
 
 #include "host/files/confined_files.h"
-#include "transfer/dbTrans.h"
 
 namespace chattransfer {
 
-/// The attachments of the package or tree at work: a folder beneath backupPath when they are there, which may itself
-/// be, and may lie behind, a link of the user.
-tools::ConfinedFolder attachmentFolder(const dbTrans& transfer);
+/// Where the attachments of the package or tree at work are.
+struct AttachmentSource {
+    std::string backup;        ///< the folder that the user chose, without a "/" at its end
+    std::string attachments;   ///< the attachment folder, ending in "/"; mostly below `backup`
+    std::string instead;       ///< where what stands below `backup` is to be looked for; empty: there
+    tools::Rehearsal* dryRun;  ///< notes what would be copied or moved; null: it is done. Not owned
+};
 
-/// Reads all of the package's file `path`. False when it is missing, no regular file or behind a link, or cannot be
-/// read.
-bool readBackupFile(const dbTrans& transfer, const std::string& path, std::string& bytes);
+/// The attachments: a folder beneath `backup` when they are there, which may itself be, and may lie behind, a link of
+/// the user.
+tools::ConfinedFolder attachmentFolder(const AttachmentSource& source);
+
+/// Reads all of the file `path` of the package in the folder `backup`. False when it is missing, no regular file or
+/// behind a link, or cannot be read.
+bool readBackupFile(const std::string& backup, const std::string& path, std::string& bytes);
 
 }  // namespace chattransfer

@@ -1,39 +1,26 @@
-// Moving the attachments of a tree into the user's folders: which keys of a message body or a note's content name
-// files, and where each of them goes.
+// Moving the attachments of a tree into the user's folders.
 #pragma once
 
 #include <string>
 
 #include "host/files/confined_files.h"
-#include "transfer/dbTrans.h"
+#include "transfer/attachments/backup_place.h"
+#include "transfer/format/tree_body.h"
+#include "transfer/transfer_report.h"
 
 namespace chattransfer {
 
-/// Types beyond those of attachment_body.h that carry files in a tree.
-inline constexpr int kPicturesMessage = 28;
-inline constexpr int kVideoMessage = 89;
-
-bool carriesTreeFiles(int type);
-
-/// The keys under which a body names its files, by type.
-struct TreeFileKeys {
-    const char* voice;
-    const char* file;
-    const char* image;
-    const char* thumbnail;
-    const char* pictures;  ///< a list of objects with `image` and `thumbnail`
-    const char* preview;
-    const char* video;
+/// The user's folders. An empty path stands for one that nobody has set.
+struct UserFolders {
+    const std::string& audio;
+    const std::string& file;
+    const std::string& image;
+    const std::string& video;
 };
 
-inline constexpr TreeFileKeys kMessageFileKeys{"mediaUrl",  "mediaUrl",   "mediaUrl",     "thumbUrl",
-                                               "serverUrl", "preImgPath", "videoFileName"};
-inline constexpr TreeFileKeys kNoteFileKeys{"mediaUrl", "url", "mainUrl", "thumbUrl", "nine", "preImgUrl", "fileUrl"};
-
-/// The tree's folder of attachments and the user's, open for one loop over messages or notes. An empty path stands for
-/// one that nobody has set.
+/// The tree's folder of attachments and the user's, open for one loop over messages or notes.
 struct TreeFileFolders {
-    explicit TreeFileFolders(const dbTrans& transfer);
+    TreeFileFolders(const AttachmentSource& source, const UserFolders& user);
 
     tools::ConfinedFolder tree;
     tools::ConfinedFolder audio;

@@ -3,18 +3,14 @@
 
 #include <string>
 
+#include "transfer/format/account_folders.h"
+
 namespace chattransfer {
 
 // Message types that carry attachments in a package.
 inline constexpr int kVoiceMessage = 3;
 inline constexpr int kImageMessage = 5;
 inline constexpr int kFileMessage = 6;
-
-// Attachment folders of an account, below rootPath. Only trees bring videos.
-inline constexpr const char* kAudioFolder = "/audio/";
-inline constexpr const char* kFileFolder = "/file/";
-inline constexpr const char* kImageFolder = "/image/";
-inline constexpr const char* kVideoFolder = "/video/";
 
 inline bool carriesAttachments(int msgType) {
     return msgType == kVoiceMessage || msgType == kImageMessage || msgType == kFileMessage;

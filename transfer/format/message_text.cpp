@@ -101,8 +101,6 @@ void readMember(JsonReader& reader, std::size_t index, ReadKeys wanted, st_dbMes
 }
 
 void readMessage(JsonReader& reader, ReadKeys wanted, st_dbMessageBean& message) {
-    // Imported messages are history: they count as delivered and read.
-    constexpr int kImportedStatus = 4;
     static const MessageKeys keys = messageKeys();
     message.status = kImportedStatus;
     message.extraValue2 = -1;

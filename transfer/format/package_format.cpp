@@ -14,7 +14,8 @@ CalendarDay dayOfKey(const std::string& dayKey, const char* separator) {
 }
 
 std::string messageFilePath(const std::string& folder, int number) {
-    const tools::FixedText<50> name(kMessageFileName, number);
+    const tools::FixedText<kMessageFileNameSize> name(kMessageFileName, number);
+    // Hosts know this limit: what passes it counts as missing.
     const tools::FixedText<260> path("%s%s", folder.c_str(), name.text());
     return path.text();
 }

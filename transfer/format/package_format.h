@@ -2,6 +2,7 @@
 // docs/formats/package.md describes the format for readers; a test holds its example against real output.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "host/json.h"
@@ -10,11 +11,20 @@
 namespace chattransfer {
 
 inline constexpr const char* kPackageName = "qelmsg_0";
-inline constexpr const char* kPackageRoot = "/qelmsg_0/";
 inline constexpr const char* kMessagesFolder = "messages_0/";
 inline constexpr const char* kAttachmentsFolder = "qelimfiles_0/";
 inline constexpr const char* kMessageFileName = "msg_%d.mg";
+inline constexpr std::size_t kMessageFileNameSize = 50;  // room for any number
 inline constexpr const char* kRecentContactFileName = "recontact.mg";
+
+/// What an entry of the day map holds before the next one is begun, so that one message file stays small.
+inline constexpr std::size_t kMessagesPerEntry = 250;
+
+/// What a file of a packed export holds before the next one is begun.
+inline constexpr std::size_t kMessagesPerFile = 1000;
+
+/// The status of every imported message. They are history: they count as delivered and read.
+inline constexpr int kImportedStatus = 4;
 
 inline constexpr const char* kVersionKey = "version";
 inline constexpr const char* kMessagesKey = "msgs";  // of a file: its days; of a day: its messages
@@ -57,6 +67,11 @@ template <class Record, class Visit>
 void forEachMessageList(Record& record, Visit&& visit) {
     visit("#limitRange", record.limitRange);
     visit("#relatedUsers", record.relatedUsers);
+}
+
+/// The package in the folder `backup`, ending in "/".
+inline std::string packageRoot(const std::string& backup) {
+    return backup + "/" + kPackageName + "/";
 }
 
 /// A calendar day as the "date" object has it.

@@ -5,8 +5,6 @@
 
 #include <string>
 
-#include "transfer/dbTrans.h"
-
 namespace chattransfer {
 
 inline constexpr const char* kTreeFolder = "/qelbackup/";
@@ -24,9 +22,9 @@ inline constexpr const char* kNotesKey = "note";
 inline constexpr const char* kRoomsKey = "room";
 inline constexpr const char* kRoomMembersKey = "targetID";
 
-/// The user's tree, ending in "/".
-inline std::string treeRoot(const dbTrans& transfer) {
-    return transfer.backupPath + kTreeFolder + transfer.packageSubDir + "/";
+/// The tree of `user` in the folder `backup`, ending in "/".
+inline std::string treeRoot(const std::string& backup, const std::string& user) {
+    return backup + kTreeFolder + user + "/";
 }
 
 /// Calls visit(key, field) for each key of a note object. That "isActive" lands in the archive flag is the format's

@@ -7,15 +7,13 @@
 #include <vector>
 
 #include "host/base/fixed_text.h"
+#include "transfer/format/package_format.h"
 #include "transfer/records.h"
 
 namespace chattransfer {
 
 using MessagesOfDay = std::vector<imsdk::st_dbMessageBean>;
 using DayMessages = std::map<std::string, MessagesOfDay>;
-
-/// What one entry holds before the next one is begun, so that one message file stays small.
-inline constexpr std::size_t kMessagesPerEntry = 250;
 
 /// The day of a message as the key of its entry: year, month and day in decimal, without leading zeros.
 inline std::string dayKeyOf(const imsdk::st_dbMessageBean& message, char separator) {
@@ -47,6 +45,7 @@ public:
     /// The first of the overflow entries of `dayKey` after number `overflow` that has room, made when it is missing.
     static MessagesOfDay* nextOverflow(DayMessages& days, const std::string& dayKey, int& overflow) {
         for (;;) {
+            // Hosts know this limit: a day key that passes it leaves the message out.
             const tools::FixedText<100> key("%s_%d", dayKey.c_str(), ++overflow);
             if (!key.fits()) return nullptr;
             MessagesOfDay& entry = days[key.text()];

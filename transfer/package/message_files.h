@@ -3,19 +3,22 @@
 
 #include <new>
 #include <string>
+#include <utility>
 
 #include "host/base/fixed_text.h"
 #include "host/files/whole_file.h"
-#include "transfer/dbTrans.h"
 #include "transfer/format/package_format.h"
 #include "transfer/format/package_text.h"
+#include "transfer/transfer_report.h"
 
 namespace chattransfer {
 
 /// Writes numbered message files and keeps the account of them.
 class MessageFiles {
 public:
-    explicit MessageFiles(dbTrans& transfer) : transfer_(transfer), file_(transfer.packageVersion) {}
+    /// `folder` ends in "/".
+    MessageFiles(std::string folder, const std::string& version, TransferReport& report)
+        : folder_(std::move(folder)), report_(report), file_(version) {}
 
     /// False when there is no memory for the text.
     bool begin() {
@@ -31,13 +34,13 @@ public:
 
     /// Writes the file under the next number. A failure is reported and passed over: the other files are worth having.
     void finish() {
-        const tools::FixedText<50> name(kMessageFileName, number_++);
-        const std::string path = transfer_.msgFileDir + name.text();
+        const tools::FixedText<kMessageFileNameSize> name(kMessageFileName, number_++);
+        const std::string path = folder_ + name.text();
         if (tools::writeWholeFile(path, file_.finish(), tools::Flush::later)) {
-            ++transfer_.report.messageFilesWritten;
-            transfer_.report.messagesWritten += messages_;
+            ++report_.messageFilesWritten;
+            report_.messagesWritten += messages_;
         } else {
-            transfer_.report.skip(path, "the message file could not be written");
+            report_.skip(path, "the message file could not be written");
         }
     }
 
@@ -53,7 +56,8 @@ private:
         return false;
     }
 
-    dbTrans& transfer_;
+    std::string folder_;
+    TransferReport& report_;
     MessageFileText file_;
     long long messages_ = 0;
     int number_ = 0;

@@ -5,19 +5,18 @@
 
 namespace chattransfer {
 
-std::string openMessageTable(dbTrans& transfer, imsdk::dbUtils& db, TableIndex& index, long long targetID) {
-    std::string name = index.find(targetID);
+std::string openMessageTable(TransferReport& report, imsdk::dbUtils& db, TableIndex& tables, long long targetID) {
+    std::string name = tables.find(targetID);
     if (!name.empty()) return name;
     name = messageTableName(targetID).text();
-    db.cacheSchemaOf(transfer.tableNames.size());
+    db.cacheSchemaOf(tables.size());
     const tools::FixedText<1024> create(kCreateMessageTable, name.c_str());
     if (db.excuteNonQuery(create.text()) == 0) {
-        transfer.report.skip(name, "the conversation's table could not be created: " + db.lastError());
+        report.skip(name, "the conversation's table could not be created: " + db.lastError());
         return {};
     }
-    index.add(name);
-    transfer.tableNames.push_back(name);
-    ++transfer.report.tablesCreated;
+    tables.add(name);
+    ++report.tablesCreated;
     return name;
 }
 
@@ -38,6 +37,16 @@ int insertMessage(TransferReport& report, imsdk::dbUtils& db, imsdk::dbCommand& 
         report.skip("message " + std::to_string(record.msgID), "the database refused it: " + db.lastError());
     }
     return stored;
+}
+
+ErrorCode writeConversation(TransferReport& report, imsdk::dbUtils& db, TableIndex& tables,
+                            const Conversations::value_type& conversation) {
+    const std::string table = openMessageTable(report, db, tables, conversation.first);
+    if (table.empty()) return kDatabaseFailed;
+    imsdk::dbCommand insert(&db, insertMessageStatement(table).c_str());
+    for (const imsdk::st_dbMessageBean& message : conversation.second)
+        insertMessage(report, db, insert, message);
+    return kSuccess;
 }
 
 }  // namespace chattransfer

@@ -3,7 +3,10 @@
 
 #include <string>
 
-#include "transfer/dbTrans.h"
+#include "host/dbUtils.h"
+#include "transfer/error_codes.h"
+#include "transfer/transaction_guard.h"
+#include "transfer/transfer_report.h"
 
 namespace chattransfer {
 
@@ -26,8 +29,8 @@ private:
 /// the transaction could not begin (work is not run then) or its writes were lost; the counts are those of before then.
 /// An exception out of work() loses the writes, too, and passes.
 template <class Work>
-ErrorCode inOneTransaction(dbTrans& transfer, imsdk::dbUtils& db, const std::string& what, Work work) {
-    const RowCounts before(transfer.report);
+ErrorCode inOneTransaction(TransferReport& report, imsdk::dbUtils& db, const std::string& what, Work work) {
+    const RowCounts before(report);
     ErrorCode result = kDatabaseFailed;
     {
         const DbTranHelper transaction(&db);
@@ -36,13 +39,13 @@ ErrorCode inOneTransaction(dbTrans& transfer, imsdk::dbUtils& db, const std::str
         } catch (...) {
             // The guard ends the transaction also now: what was written of the batch must not stay without the rest.
             db.abandonTransaction();
-            before.restoreIn(transfer.report);
+            before.restoreIn(report);
             throw;
         }
     }
     if (!db.transactionFailed()) return result;
-    before.restoreIn(transfer.report);
-    transfer.report.skip(what, "the transaction failed: " + db.lastError());
+    before.restoreIn(report);
+    report.skip(what, "the transaction failed: " + db.lastError());
     return kDatabaseFailed;
 }
 

@@ -10,21 +10,29 @@
 
 namespace chattransfer {
 
-/// An index over a table list that does not change otherwise while the index lives.
+/// A list of tables and an index over it; the list does not change otherwise while the index lives.
 class TableIndex {
 public:
-    explicit TableIndex(const std::vector<std::string>& names) : names_(names.begin(), names.end()) {}
+    /// `names` is not owned.
+    explicit TableIndex(std::vector<std::string>& names) : list_(names), index_(names.begin(), names.end()) {}
 
     /// The conversation's table, or an empty text.
     std::string find(long long targetID) const {
-        const std::string name = messageTableName(targetID).text();
-        return names_.count(name) != 0 ? name : std::string();
+        std::string name = messageTableName(targetID).text();
+        return index_.count(name) != 0 ? name : std::string();
     }
 
-    void add(const std::string& name) { names_.insert(name); }
+    void add(const std::string& name) {
+        index_.insert(name);
+        list_.push_back(name);
+    }
+
+    /// How many tables the list has.
+    std::size_t size() const { return list_.size(); }
 
 private:
-    std::unordered_set<std::string> names_;
+    std::vector<std::string>& list_;
+    std::unordered_set<std::string> index_;
 };
 
 }  // namespace chattransfer

@@ -1,21 +1,14 @@
 #include "transfer/tree/tree_messages.h"
 
-#include "host/tools.h"
-#include "transfer/base/progress_report.h"
 #include "transfer/tables/conversation_writer.h"
 #include "transfer/tree/tree_document.h"
 #include "transfer/tree/tree_walk.h"
 
 namespace chattransfer {
 
-TreeMessageImport::TreeMessageImport(dbTrans& transfer, imsdk::dbUtils& db, TreeMessageOptions options)
-    : transfer_(transfer),
-      db_(db),
-      options_(options),
-      ownID_(tools::atoint64(transfer.packageSubDir.c_str())),
-      index_(transfer.tableNames),
-      insert_(&db),
-      folders_(transfer) {}
+TreeMessageImport::TreeMessageImport(TransferReport& report, imsdk::dbUtils& db, std::vector<std::string>& tableNames,
+                                     const TreeOwner& owner, const TreeMessageOptions& options)
+    : report_(report), db_(db), tables_(tableNames), owner_(owner), options_(options), insert_(&db) {}
 
 ErrorCode TreeMessageImport::take(const std::vector<std::string>& paths) {
     listed_ = paths.size();
@@ -31,19 +24,19 @@ ErrorCode TreeMessageImport::take(const std::vector<std::string>& paths) {
 ErrorCode TreeMessageImport::takeFile(const std::string& path) {
     const long long targetID = conversationOfPath(path);
     if (targetID == kNoConversation) {
-        transfer_.report.skip(path, "its path names no conversation");
+        report_.skip(path, "its path names no conversation");
         return kSuccess;
     }
     if (conversation_ != targetID) openConversation(targetID);
     std::string text;
-    if (!readTreeText(path, text, transfer_.report)) return kSuccess;
+    if (!readTreeText(path, text, report_)) return kSuccess;
     MessageFileContent file = readMessageFileText(text);
     if (!file.isJson) {
-        transfer_.report.skip(path, kNotJsonReason);
+        report_.skip(path, kNotJsonReason);
         return kSuccess;
     }
-    if (file.version != transfer_.packageVersion) {
-        skipOtherVersion(path, transfer_.packageVersion, transfer_.report);
+    if (file.version != owner_.version) {
+        skipOtherVersion(path, owner_.version, report_);
         return kWrongVersion;
     }
     takeMessages(file, path);
@@ -52,7 +45,7 @@ ErrorCode TreeMessageImport::takeFile(const std::string& path) {
 }
 
 void TreeMessageImport::openConversation(long long targetID) {
-    const std::string table = openMessageTable(transfer_, db_, index_, targetID);
+    const std::string table = openMessageTable(report_, db_, tables_, targetID);
     // Without a table the statement of the conversation before must not stay: its table would get these messages.
     insert_.setCommandText(table.empty() ? "" : insertMessageStatement(table).c_str());
     conversation_ = targetID;
@@ -61,30 +54,29 @@ void TreeMessageImport::openConversation(long long targetID) {
 
 void TreeMessageImport::takeMessages(MessageFileContent& file, const std::string& path) {
     if (!file.hasDays) {
-        transfer_.report.skip(path, "has no list of days");
+        report_.skip(path, "has no list of days");
         return;
     }
-    if (!tableOpen_) transfer_.report.skip(path, "its conversation has no table");
-    const long long refusedBefore = transfer_.report.messagesRefused;
+    if (!tableOpen_) report_.skip(path, "its conversation has no table");
+    const long long refusedBefore = report_.messagesRefused;
     for (MessageDay& day : file.days) {
         for (imsdk::st_dbMessageBean& message : day.messages)
             takeMessage(message);
     }
-    if (transfer_.report.messagesRefused == refusedBefore) stored_.push_back(path);
+    if (report_.messagesRefused == refusedBefore) stored_.push_back(path);
 }
 
 void TreeMessageImport::takeMessage(imsdk::st_dbMessageBean& message) {
-    ++transfer_.report.messagesRead;
+    ++report_.messagesRead;
     if (!tableOpen_) {
-        ++transfer_.report.messagesRefused;
+        ++report_.messagesRefused;
         return;
     }
     // A message to the user belongs to the conversation with its sender.
-    message.targetID = message.toUserID == ownID_ ? message.fromeUserID : message.toUserID;
-    if (options_.movesAttachments && carriesTreeFiles(message.msgType)) {
-        moveTreeFiles(transfer_.report, folders_, message.body, message.msgType, kMessageFileKeys);
-    }
-    transfer_.wtSingleMsgToDbNJ(message, db_, insert_);
+    message.targetID = message.toUserID == owner_.id ? message.fromeUserID : message.toUserID;
+    if (options_.attachments != nullptr && carriesTreeFiles(message.msgType))
+        moveTreeFiles(report_, *options_.attachments, message.body, message.msgType, kMessageFileKeys);
+    insertMessage(report_, db_, insert_, message);
 }
 
 void TreeMessageImport::countFile() {
@@ -92,9 +84,9 @@ void TreeMessageImport::countFile() {
     constexpr std::size_t kShare = 80;
     constexpr int kBefore = 10;
     ++done_;
-    if (!options_.reportsProgress) return;
+    if (options_.progress == nullptr) return;
     const int percent = static_cast<int>(done_ * kShare / listed_) + kBefore;
-    notify(transfer_, 1, percent, percent, 100);
+    options_.progress->report(1, percent, 100);
 }
 
 }  // namespace chattransfer
