@@ -18,6 +18,8 @@
 extern "C" {
 #endif
 
+/* NOLINTBEGIN(readability-identifier-naming): the names are C's */
+
 typedef struct chat_transfer chat_transfer;
 
 /* --- Results --- */
@@ -153,6 +155,8 @@ const char* chat_transfer_error_text(const chat_transfer* transfer);
 
 /* Forgets counts, error and everything that operations have read. Settings stay, databases stay open. */
 void chat_transfer_clear(chat_transfer* transfer);
+
+/* NOLINTEND(readability-identifier-naming) */
 
 #ifdef __cplusplus
 }

@@ -85,7 +85,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     } else if (choice == 1) {
         checkForeign(cipher, changed(sample, input.rest()), sample);
     } else if (choice == 2) {
-        checkForeign(cipher, sample.substr(0, cipher::headerSize) + input.rest(), sample);
+        checkForeign(cipher, sample.substr(0, cipher::kHeaderSize) + input.rest(), sample);
     } else {
         checkForeign(cipher, input.rest(), sample);
     }

@@ -16,9 +16,9 @@
 namespace tools {
 namespace {
 
-constexpr std::size_t maxStemSize = 40;
-constexpr std::size_t maxExtensionSize = 10;
-constexpr std::size_t hashBytesInName = 20;
+constexpr std::size_t kMaxStemSize = 40;
+constexpr std::size_t kMaxExtensionSize = 10;
+constexpr std::size_t kHashBytesInName = 20;
 
 // ASCII only, whatever the locale says.
 bool isDigit(char c) {
@@ -58,7 +58,7 @@ bool isReservedExtension(std::string_view extension) {
 }
 
 bool isExtension(std::string_view text) {
-    return !text.empty() && text.size() <= maxExtensionSize && std::all_of(text.begin(), text.end(), isPlain);
+    return !text.empty() && text.size() <= kMaxExtensionSize && std::all_of(text.begin(), text.end(), isPlain);
 }
 
 // Names of devices on Windows, with any extension and in any case: con, prn, aux, nul, com0 to com9, lpt0 to lpt9.
@@ -79,7 +79,7 @@ std::string readableStem(std::string_view text) {
         } else if (!stem.empty() && stem.back() != '-') {
             stem += '-';
         }
-        if (stem.size() == maxStemSize) {
+        if (stem.size() == kMaxStemSize) {
             break;
         }
     }
@@ -95,7 +95,7 @@ std::string hashInHex(const std::string& url) {
         throw std::runtime_error("cannot compute the hash of a URL");
     }
     std::string text;
-    for (std::size_t i = 0; i < hashBytesInName; ++i) {
+    for (std::size_t i = 0; i < kHashBytesInName; ++i) {
         text += "0123456789abcdef"[digest[i] >> 4];
         text += "0123456789abcdef"[digest[i] & 15];
     }

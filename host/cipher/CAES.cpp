@@ -16,8 +16,8 @@ struct CAES::Buffers {
 
 namespace {
 
-constexpr std::size_t errorSize = 256;
-constexpr std::size_t maxKeyTextSize = 65536;
+constexpr std::size_t kErrorSize = 256;
+constexpr std::size_t kMaxKeyTextSize = 65536;
 
 bool isMissing(const char* text) {
     return text == nullptr || *text == '\0';
@@ -27,7 +27,7 @@ void requireArguments(const char* key, const char* input, const char* output) {
     if (isMissing(key)) {
         throw cipher::Failure("no key");
     }
-    if (std::strlen(key) > maxKeyTextSize) {
+    if (std::strlen(key) > kMaxKeyTextSize) {
         throw cipher::Failure("key text too long");
     }
     if (isMissing(input)) {
@@ -60,7 +60,7 @@ void report(char* error, std::string_view reason) {
     if (error == nullptr) {
         return;
     }
-    const std::size_t length = reason.copy(error, errorSize - 1);
+    const std::size_t length = reason.copy(error, kErrorSize - 1);
     error[length] = '\0';
 }
 

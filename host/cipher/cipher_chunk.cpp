@@ -25,7 +25,7 @@ void require(int result) {
 
 ChunkCipher::ChunkCipher(Direction direction, const FileKey& key, const HeaderBytes& header)
     : context_(EVP_CIPHER_CTX_new()), header_(header) {
-    const int encrypting = direction == Direction::Seal ? 1 : 0;
+    const int encrypting = direction == Direction::seal ? 1 : 0;
     require(context_ ? 1 : 0);
     require(EVP_CipherInit_ex2(context_.get(), aes256Gcm(), key.data(), nullptr, encrypting, nullptr));
 }
@@ -36,18 +36,18 @@ void ChunkCipher::seal(std::uint64_t number, bool last, Chunk& chunk) {
     unsigned char* const tag = chunk.data() + chunk.size();
     int length = 0;
     require(EVP_CipherFinal_ex(context_.get(), tag, &length));
-    require(EVP_CIPHER_CTX_ctrl(context_.get(), EVP_CTRL_AEAD_GET_TAG, tagSize, tag));
-    chunk.setSize(chunk.size() + tagSize);
+    require(EVP_CIPHER_CTX_ctrl(context_.get(), EVP_CTRL_AEAD_GET_TAG, kTagSize, tag));
+    chunk.setSize(chunk.size() + kTagSize);
 }
 
 bool ChunkCipher::open(std::uint64_t number, bool last, Chunk& chunk) {
-    if (chunk.size() < tagSize) {
+    if (chunk.size() < kTagSize) {
         return false;
     }
-    const std::size_t plainSize = chunk.size() - tagSize;
+    const std::size_t plainSize = chunk.size() - kTagSize;
     unsigned char* const tag = chunk.data() + plainSize;
     begin(number, last);
-    require(EVP_CIPHER_CTX_ctrl(context_.get(), EVP_CTRL_AEAD_SET_TAG, tagSize, tag));
+    require(EVP_CIPHER_CTX_ctrl(context_.get(), EVP_CTRL_AEAD_SET_TAG, kTagSize, tag));
     convert(chunk.data(), plainSize);
     chunk.setSize(plainSize);
     int length = 0;

@@ -14,9 +14,9 @@ namespace cipher {
 /// A buffer for one chunk, sealed or plain. The memory is not initialised: only what a file fills is ever touched.
 class Chunk {
 public:
-    Chunk() : bytes_(new unsigned char[sealedChunkSize]) {}
+    Chunk() : bytes_(new unsigned char[kSealedChunkSize]) {}
 
-    /// Room for sealedChunkSize bytes; the pointer is valid as long as the object.
+    /// Room for kSealedChunkSize bytes; the pointer is valid as long as the object.
     [[nodiscard]] unsigned char* data() { return bytes_.get(); }
 
     /// How many of them are filled.
@@ -32,16 +32,16 @@ private:
 /// object goes in one direction.
 class ChunkCipher {
 public:
-    enum class Direction { Seal, Open };
+    enum class Direction { seal, open };
 
     /// Throws Failure when the crypto library does.
     ChunkCipher(Direction direction, const FileKey& key, const HeaderBytes& header);
 
-    /// Encrypts a plain chunk (0 to chunkSize bytes) in place and appends its tag. Throws Failure "file too large ..."
+    /// Encrypts a plain chunk (0 to kChunkSize bytes) in place and appends its tag. Throws Failure "file too large ..."
     /// or when the crypto library does.
     void seal(std::uint64_t number, bool last, Chunk& chunk);
 
-    /// Decrypts a sealed chunk (up to sealedChunkSize bytes) in place and drops its tag. False when it is not chunk
+    /// Decrypts a sealed chunk (up to kSealedChunkSize bytes) in place and drops its tag. False when it is not chunk
     /// `number` of the file with this header and key, or not in that last or non-last place: its contents are then
     /// worthless. Throws Failure "file too large ..." or when the crypto library does.
     [[nodiscard]] bool open(std::uint64_t number, bool last, Chunk& chunk);

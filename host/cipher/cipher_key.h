@@ -14,7 +14,7 @@ using TreeKey = Secret<32>;
 using FileKey = Secret<32>;
 
 /// The slow step: PBKDF2 with HMAC-SHA-512 (RFC 8018, section 5.2) over the key text's bytes, 32 bytes out. Takes
-/// 0.1 to 0.3 seconds at writingIterations. keyText holds at most 65,536 bytes. Throws Failure when the crypto library
+/// 0.1 to 0.3 seconds at kWritingIterations. keyText holds at most 65,536 bytes. Throws Failure when the crypto library
 /// does.
 [[nodiscard]] TreeKey deriveTreeKey(std::string_view keyText, const TreeSalt& salt, std::uint32_t iterations);
 

@@ -16,7 +16,7 @@ WritingKey KeyCache::forWriting(std::string_view keyText) {
     if (known != nullptr) {
         return known->key;
     }
-    return derive(keyText, hash, randomTreeSalt(), writingIterations, true).key;
+    return derive(keyText, hash, randomTreeSalt(), kWritingIterations, true).key;
 }
 
 TreeKey KeyCache::forReading(std::string_view keyText, const TreeSalt& salt, std::uint32_t iterations) {
@@ -51,7 +51,7 @@ const KeyCache::Entry& KeyCache::derive(std::string_view keyText, const KeyTextH
                                         std::uint32_t iterations, bool ownSalt) {
     ++derivations_;
     entries_.push_front({hash, {iterations, salt, deriveTreeKey(keyText, salt, iterations)}, ownSalt});
-    if (entries_.size() > capacity) {
+    if (entries_.size() > kCapacity) {
         entries_.pop_back();
     }
     return entries_.front();

@@ -26,14 +26,14 @@ struct WritingKey {
 /// same run. Salts found in files are never adopted for writing: whoever prepared the file could have computed guesses
 /// for it.
 ///
-/// Bounded: at most `capacity` keys stay in memory, the least recently used one is wiped first, and all are wiped when
+/// Bounded: at most `kCapacity` keys stay in memory, the least recently used one is wiped first, and all are wiped when
 /// the process exits normally. A hostile tree in which each file has its own tree salt costs one derivation for each
 /// file.
 ///
 /// Thread-safe. A derivation happens under the lock, so threads that ask for one key derive it once.
 class KeyCache {
 public:
-    static constexpr std::size_t capacity = 8;
+    static constexpr std::size_t kCapacity = 8;
 
     /// The cache that all CAES objects share.
     [[nodiscard]] static KeyCache& ofProcess();

@@ -39,9 +39,9 @@ void forEachChunk(InputFile& input, std::size_t size, ChunkPair& chunks, Work wo
 
 void sealFile(InputFile& input, OutputFile& output, const Header& header, const TreeKey& treeKey, ChunkPair& chunks) {
     const HeaderBytes headerBytes = encodeHeader(header);
-    ChunkCipher cipher(ChunkCipher::Direction::Seal, deriveFileKey(treeKey, header.fileSalt), headerBytes);
+    ChunkCipher cipher(ChunkCipher::Direction::seal, deriveFileKey(treeKey, header.fileSalt), headerBytes);
     output.write(headerBytes.data(), headerBytes.size());
-    forEachChunk(input, chunkSize, chunks, [&](std::uint64_t number, bool last, Chunk& chunk) {
+    forEachChunk(input, kChunkSize, chunks, [&](std::uint64_t number, bool last, Chunk& chunk) {
         cipher.seal(number, last, chunk);
         output.write(chunk.data(), chunk.size());
     });
@@ -54,8 +54,8 @@ Header readHeader(InputFile& input) {
 }
 
 void openFile(InputFile& input, OutputFile& output, const Header& header, const TreeKey& treeKey, ChunkPair& chunks) {
-    ChunkCipher cipher(ChunkCipher::Direction::Open, deriveFileKey(treeKey, header.fileSalt), encodeHeader(header));
-    forEachChunk(input, sealedChunkSize, chunks, [&](std::uint64_t number, bool last, Chunk& chunk) {
+    ChunkCipher cipher(ChunkCipher::Direction::open, deriveFileKey(treeKey, header.fileSalt), encodeHeader(header));
+    forEachChunk(input, kSealedChunkSize, chunks, [&](std::uint64_t number, bool last, Chunk& chunk) {
         const bool verified = cipher.open(number, last, chunk);
         const bool emptyTail = number > 0 && chunk.size() == 0;
         if (!verified || emptyTail) {

@@ -36,9 +36,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* goodKey = "correct horse";
-constexpr std::size_t plainChunk = cipher::chunkSize;
-constexpr std::size_t sealedChunk = cipher::sealedChunkSize;
+constexpr const char* kGoodKey = "correct horse";
+constexpr std::size_t kPlainChunk = cipher::kChunkSize;
+constexpr std::size_t kSealedChunk = cipher::kSealedChunkSize;
 
 struct Outcome {
     int code;
@@ -131,16 +131,16 @@ std::string sealWith(const cipher::Header& header, const cipher::TreeKey& treeKe
 
 class CAESTest : public testing::Test {
 protected:
-    Outcome encrypt(const std::string& from, const std::string& to, const char* key = goodKey) {
+    Outcome encrypt(const std::string& from, const std::string& to, const char* key = kGoodKey) {
         return convert(true, key, folder_ / from, folder_ / to);
     }
 
-    Outcome decrypt(const std::string& from, const std::string& to, const char* key = goodKey) {
+    Outcome decrypt(const std::string& from, const std::string& to, const char* key = kGoodKey) {
         return convert(false, key, folder_ / from, folder_ / to);
     }
 
     // The encrypted form of a text; leaves no file behind.
-    std::string containerOf(const std::string& text, const char* key = goodKey) {
+    std::string containerOf(const std::string& text, const char* key = kGoodKey) {
         writeFile(folder_ / "text", text);
         EXPECT_EQ(encrypt("text", "sealed", key).code, 0);
         std::string container = readFile(folder_ / "sealed");
@@ -150,7 +150,7 @@ protected:
     }
 
     // Decryption fails for a reason that begins so, leaves the input as it is and nothing beside it.
-    void expectRefused(const std::string& container, const std::string& reason, const char* key = goodKey) {
+    void expectRefused(const std::string& container, const std::string& reason, const char* key = kGoodKey) {
         writeFile(folder_ / "bad", container);
         const Outcome outcome = decrypt("bad", "opened", key);
         EXPECT_NE(outcome.code, 0);
@@ -163,11 +163,11 @@ protected:
 };
 
 std::string chunkOf(const std::string& container, std::size_t number) {
-    return container.substr(cipher::headerSize + number * sealedChunk, sealedChunk);
+    return container.substr(cipher::kHeaderSize + number * kSealedChunk, kSealedChunk);
 }
 
 std::string headerOf(const std::string& container) {
-    return container.substr(0, cipher::headerSize);
+    return container.substr(0, cipher::kHeaderSize);
 }
 
 void putNumber(std::string& bytes, std::size_t offset, std::uint32_t value) {
@@ -180,7 +180,7 @@ std::uint64_t derivations() {
     return cipher::KeyCache::ofProcess().derivations();
 }
 
-constexpr const char* firstChunkBad = "wrong key, or the file is damaged, cut or extended";
+constexpr const char* kFirstChunkBad = "wrong key, or the file is damaged, cut or extended";
 
 // What comes back
 
@@ -215,7 +215,7 @@ TEST_F(CAESTest, TheContainerDoesNotShowTheText) {
 TEST_F(CAESTest, EncryptingATextTwiceGivesDifferentBytes) {
     const std::string first = containerOf("hello");
     const std::string second = containerOf("hello");
-    EXPECT_NE(first.substr(cipher::headerSize), second.substr(cipher::headerSize));
+    EXPECT_NE(first.substr(cipher::kHeaderSize), second.substr(cipher::kHeaderSize));
 }
 
 TEST_F(CAESTest, KeysOfAnyBytesWork) {
@@ -229,7 +229,7 @@ TEST_F(CAESTest, OneObjectServesSeveralFilesAfterAFailureToo) {
     CAES object;
     writeFile(folder_ / "text", patterned(70000));
     const auto run = [&](bool encrypt, const char* from, const char* to) {
-        return object.File_Aes_Go_Block(encrypt, goodKey, (folder_ / from).c_str(), (folder_ / to).c_str(), nullptr);
+        return object.File_Aes_Go_Block(encrypt, kGoodKey, (folder_ / from).c_str(), (folder_ / to).c_str(), nullptr);
     };
     EXPECT_EQ(run(true, "text", "sealed"), 0);
     EXPECT_NE(run(false, "text", "opened"), 0);
@@ -240,7 +240,7 @@ TEST_F(CAESTest, OneObjectServesSeveralFilesAfterAFailureToo) {
 // What is refused
 
 TEST_F(CAESTest, AWrongKeyIsRefused) {
-    expectRefused(containerOf("hello"), firstChunkBad, "correct horsf");
+    expectRefused(containerOf("hello"), kFirstChunkBad, "correct horsf");
 }
 
 TEST_F(CAESTest, EveryCutOfASmallFileIsNoticed) {
@@ -249,15 +249,15 @@ TEST_F(CAESTest, EveryCutOfASmallFileIsNoticed) {
         SCOPED_TRACE(size);
         const char* const reason = size < 8    ? "not an encrypted file"
                                    : size < 68 ? "damaged header: cut"
-                                               : firstChunkBad;
+                                               : kFirstChunkBad;
         expectRefused(container.substr(0, size), reason);
     }
 }
 
 TEST_F(CAESTest, AFlippedBitInAnyByteIsNoticed) {
     // Each flipped bit of the tree salt costs a derivation: with the least iterations allowed they stay short.
-    const cipher::Header header{cipher::minIterations, {1, 2, 3}, {4, 5, 6}};
-    const cipher::TreeKey treeKey = cipher::deriveTreeKey(goodKey, header.treeSalt, header.iterations);
+    const cipher::Header header{cipher::kMinIterations, {1, 2, 3}, {4, 5, 6}};
+    const cipher::TreeKey treeKey = cipher::deriveTreeKey(kGoodKey, header.treeSalt, header.iterations);
     const std::string container = sealWith(header, treeKey, "hello", folder_);
     for (std::size_t i = 0; i < container.size(); ++i) {
         SCOPED_TRACE(i);
@@ -269,44 +269,44 @@ TEST_F(CAESTest, AFlippedBitInAnyByteIsNoticed) {
 
 TEST_F(CAESTest, AppendedBytesAreNoticed) {
     const std::string container = containerOf("hello");
-    expectRefused(container + '\0', firstChunkBad);
-    expectRefused(container + container, firstChunkBad);
-    expectRefused(container + chunkOf(container, 0), firstChunkBad);
+    expectRefused(container + '\0', kFirstChunkBad);
+    expectRefused(container + container, kFirstChunkBad);
+    expectRefused(container + chunkOf(container, 0), kFirstChunkBad);
 }
 
 TEST_F(CAESTest, BytesAppendedToAFullLastChunkAreNoticed) {
-    expectRefused(containerOf(patterned(65536)) + "x", firstChunkBad);
+    expectRefused(containerOf(patterned(65536)) + "x", kFirstChunkBad);
 }
 
 TEST_F(CAESTest, SwappedChunksAreNoticed) {
-    const std::string c = containerOf(patterned(3 * plainChunk));
+    const std::string c = containerOf(patterned(3 * kPlainChunk));
     expectRefused(headerOf(c) + chunkOf(c, 0) + chunkOf(c, 2) + chunkOf(c, 1),
                   "damaged, cut or extended data at chunk 1");
 }
 
 TEST_F(CAESTest, ADroppedFirstChunkIsNoticed) {
-    const std::string c = containerOf(patterned(3 * plainChunk));
-    expectRefused(headerOf(c) + chunkOf(c, 1) + chunkOf(c, 2), firstChunkBad);
+    const std::string c = containerOf(patterned(3 * kPlainChunk));
+    expectRefused(headerOf(c) + chunkOf(c, 1) + chunkOf(c, 2), kFirstChunkBad);
 }
 
 TEST_F(CAESTest, ADroppedMiddleChunkIsNoticed) {
-    const std::string c = containerOf(patterned(3 * plainChunk));
+    const std::string c = containerOf(patterned(3 * kPlainChunk));
     expectRefused(headerOf(c) + chunkOf(c, 0) + chunkOf(c, 2), "damaged, cut or extended data at chunk 1");
 }
 
 TEST_F(CAESTest, ADroppedLastChunkIsNoticed) {
-    const std::string c = containerOf(patterned(3 * plainChunk));
+    const std::string c = containerOf(patterned(3 * kPlainChunk));
     expectRefused(headerOf(c) + chunkOf(c, 0) + chunkOf(c, 1), "damaged, cut or extended data at chunk 1");
 }
 
 TEST_F(CAESTest, ADuplicatedChunkIsNoticed) {
-    const std::string c = containerOf(patterned(2 * plainChunk));
+    const std::string c = containerOf(patterned(2 * kPlainChunk));
     expectRefused(headerOf(c) + chunkOf(c, 0) + chunkOf(c, 0) + chunkOf(c, 1),
                   "damaged, cut or extended data at chunk 1");
 }
 
 TEST_F(CAESTest, ADuplicatedLastChunkIsNoticed) {
-    const std::string c = containerOf(patterned(2 * plainChunk));
+    const std::string c = containerOf(patterned(2 * kPlainChunk));
     expectRefused(c + chunkOf(c, 1), "damaged, cut or extended data at chunk 1");
 }
 
@@ -317,24 +317,24 @@ TEST_F(CAESTest, AChunkOfAnotherFileUnderTheSameKeyIsNoticed) {
 }
 
 TEST_F(CAESTest, TheHeaderOfAnotherFileUnderTheSameKeyIsNoticed) {
-    expectRefused(headerOf(containerOf("one")) + chunkOf(containerOf("two"), 0), firstChunkBad);
+    expectRefused(headerOf(containerOf("one")) + chunkOf(containerOf("two"), 0), kFirstChunkBad);
 }
 
 TEST_F(CAESTest, AStubOfATagAfterAFullChunkIsNoticed) {
-    expectRefused(containerOf(patterned(65537)).substr(0, cipher::headerSize + sealedChunk + 15),
+    expectRefused(containerOf(patterned(65537)).substr(0, cipher::kHeaderSize + kSealedChunk + 15),
                   "damaged, cut or extended data at chunk 1");
 }
 
 TEST_F(CAESTest, AnEmptyLastChunkAfterAnotherIsRefusedThoughItVerifies) {
-    const cipher::WritingKey key = cipher::KeyCache::ofProcess().forWriting(goodKey);
+    const cipher::WritingKey key = cipher::KeyCache::ofProcess().forWriting(kGoodKey);
     const cipher::Header header{key.iterations, key.treeSalt, cipher::randomFileSalt()};
     const cipher::HeaderBytes headerBytes = cipher::encodeHeader(header);
-    cipher::ChunkCipher sealing(cipher::ChunkCipher::Direction::Seal,
+    cipher::ChunkCipher sealing(cipher::ChunkCipher::Direction::seal,
                                 cipher::deriveFileKey(key.treeKey, header.fileSalt), headerBytes);
     std::string container(headerBytes.begin(), headerBytes.end());
     cipher::Chunk chunk;
-    std::memset(chunk.data(), 'x', cipher::chunkSize);
-    for (const std::size_t size : {cipher::chunkSize, std::size_t{0}}) {
+    std::memset(chunk.data(), 'x', cipher::kChunkSize);
+    for (const std::size_t size : {cipher::kChunkSize, std::size_t{0}}) {
         chunk.setSize(size);
         sealing.seal(size == 0 ? 1 : 0, size == 0, chunk);
         container.append(chunk.data(), chunk.data() + chunk.size());
@@ -453,7 +453,7 @@ TEST_F(CAESTest, APathWithoutAFolderMeansTheCurrentOne) {
     writeFile(folder_ / "text", "hello");
     const fs::path before = fs::current_path();
     fs::current_path(folder_ / "");
-    const Outcome outcome = convert(true, goodKey, "text", "sealed");
+    const Outcome outcome = convert(true, kGoodKey, "text", "sealed");
     fs::current_path(before);
     EXPECT_EQ(outcome.code, 0);
     EXPECT_TRUE(fs::exists(folder_ / "sealed"));
@@ -570,16 +570,16 @@ TEST_F(CAESTest, AKeyTextBeyondTheLimitIsRefused) {
 
 TEST_F(CAESTest, MissingPathsAreRefused) {
     std::array<char, 256> error{};
-    EXPECT_NE(CAES().File_Aes_Go_Block(true, goodKey, nullptr, "out", error.data()), 0);
+    EXPECT_NE(CAES().File_Aes_Go_Block(true, kGoodKey, nullptr, "out", error.data()), 0);
     EXPECT_STREQ(error.data(), "no input path");
-    EXPECT_NE(CAES().File_Aes_Go_Block(true, goodKey, "in", nullptr, error.data()), 0);
+    EXPECT_NE(CAES().File_Aes_Go_Block(true, kGoodKey, "in", nullptr, error.data()), 0);
     EXPECT_STREQ(error.data(), "no output path");
-    EXPECT_NE(convert(true, goodKey, "", "out").code, 0);
-    EXPECT_NE(convert(true, goodKey, "in", "").code, 0);
+    EXPECT_NE(convert(true, kGoodKey, "", "out").code, 0);
+    EXPECT_NE(convert(true, kGoodKey, "in", "").code, 0);
 }
 
 TEST_F(CAESTest, AFailureWithoutAnErrorBufferIsJustAFailure) {
-    EXPECT_NE(CAES().File_Aes_Go_Block(true, goodKey, (folder_ / "missing").c_str(), "out", nullptr), 0);
+    EXPECT_NE(CAES().File_Aes_Go_Block(true, kGoodKey, (folder_ / "missing").c_str(), "out", nullptr), 0);
 }
 
 TEST_F(CAESTest, ASuccessLeavesTheErrorBufferAlone) {
@@ -590,7 +590,7 @@ TEST_F(CAESTest, ASuccessLeavesTheErrorBufferAlone) {
 TEST_F(CAESTest, ALongPathGivesATerminatedReasonWithin256Bytes) {
     std::string buffer(300, 'x');
     const std::string path(5000, 'p');
-    EXPECT_NE(CAES().File_Aes_Go_Block(true, goodKey, path.c_str(), path.c_str(), buffer.data()), 0);
+    EXPECT_NE(CAES().File_Aes_Go_Block(true, kGoodKey, path.c_str(), path.c_str(), buffer.data()), 0);
     EXPECT_LT(buffer.find('\0'), 256U);
     EXPECT_EQ(buffer.substr(256), std::string(44, 'x'));
 }
@@ -643,7 +643,7 @@ TEST(KeyCacheTest, ReadsWhatItWroteWithoutAnotherDerivation) {
 TEST(KeyCacheTest, NeverWritesWithASaltFromAFile) {
     cipher::KeyCache cache;
     const cipher::TreeSalt foreign{1, 2, 3};
-    (void)cache.forReading("a", foreign, cipher::writingIterations);
+    (void)cache.forReading("a", foreign, cipher::kWritingIterations);
     EXPECT_NE(cache.forWriting("a").treeSalt, foreign);
 }
 
@@ -658,10 +658,10 @@ TEST(KeyCacheTest, TellsKeyTextsSaltsAndIterationsApart) {
 TEST(KeyCacheTest, ForgetsTheLeastRecentlyUsedKeyFirst) {
     cipher::KeyCache cache;
     const auto read = [&](std::size_t salt) {
-        (void)cache.forReading("a", {static_cast<unsigned char>(salt)}, cipher::minIterations);
+        (void)cache.forReading("a", {static_cast<unsigned char>(salt)}, cipher::kMinIterations);
         return cache.derivations();
     };
-    for (std::size_t salt = 0; salt < cipher::KeyCache::capacity; ++salt) {
+    for (std::size_t salt = 0; salt < cipher::KeyCache::kCapacity; ++salt) {
         (void)read(salt);
     }
     EXPECT_EQ(read(0), 8U) << "all eight are still known";
@@ -685,8 +685,8 @@ TEST(ChunkNonceTest, HoldsTheNumberAndTheLastFlag) {
 }
 
 TEST(ChunkNonceTest, EndsBeforeTheCounterWouldRepeat) {
-    EXPECT_NO_THROW(static_cast<void>(cipher::chunkNonce(cipher::maxChunks - 1, true)));
-    EXPECT_THROW(static_cast<void>(cipher::chunkNonce(cipher::maxChunks, true)), cipher::Failure);
+    EXPECT_NO_THROW(static_cast<void>(cipher::chunkNonce(cipher::kMaxChunks - 1, true)));
+    EXPECT_THROW(static_cast<void>(cipher::chunkNonce(cipher::kMaxChunks, true)), cipher::Failure);
 }
 
 // The vectors that docs/formats/cipher-container.md publishes
