@@ -5,8 +5,11 @@
  * did.
  *
  * Texts are NUL-terminated UTF-8. Texts that are given are copied; texts that come back belong to the object and are
- * valid until the next call on it. Objects are independent of each other; one object belongs to one thread at a time.
- * Nothing here throws, prints or ends the process. A null object gives CHAT_TRANSFER_INVALID, 0 or an empty text.
+ * valid until the next call on it. Nothing here throws, prints or ends the process. A null object gives
+ * CHAT_TRANSFER_INVALID, 0 or an empty text.
+ *
+ * Threads: an object belongs to one thread at a time, and calls its progress function on no other. Other objects may
+ * work on other threads at the same time, each with an account and a backup folder of its own.
  */
 #ifndef CHAT_TRANSFER_C_H
 #define CHAT_TRANSFER_C_H

@@ -8,9 +8,11 @@
 /// nothing appears under the output name unless every byte of it has been verified. docs/formats/cipher-container.md
 /// describes the bytes.
 ///
-/// One object serves one file at a time and is cheap to make. Different objects may work in different threads. The slow
-/// derivation of a key from the key text is remembered for the whole process (see cipher_key_cache.h), so a tree of
-/// files pays for it once.
+/// One object serves one file at a time and is cheap to make. The slow derivation of a key from the key text is
+/// remembered for the whole process, so a tree of files pays for it once.
+///
+/// Threads: an object belongs to one thread at a time; other objects may work on other threads. What the process
+/// remembers has a lock: threads that ask for one key derive it once, and the others wait for it.
 class CAES {
 public:
     CAES();

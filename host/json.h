@@ -5,13 +5,15 @@
 //  - The locale of the process changes nothing: numbers are read and written with ".".
 //  - Integral numbers are written without exponent and without fraction, whatever their size.
 //  - json_parse_file takes regular files only: a FIFO, a socket or a directory gives null at once instead of blocking.
-//  - json_serialize_to_file writes beside the target, flushes and renames: the file is whole or not there, and readable
-//  by
-//    its owner only.
+//  - json_serialize_to_file writes beside the target, flushes and renames: the file is whole or not there, and
+//    readable by its owner only.
 //
 // The library is compiled privately: the names below are mapped to names of this component, so a program that also uses
 // a parson of its own links both without a clash. Values must not be handed from one to the other. Include this header
 // instead of parson.h, never after it.
+//
+// Threads: a value, with all that is in it, belongs to one thread at a time; values of other roots may be used on other
+// threads. Process-wide are the library's settings (json_set_...): a program sets them before its second thread begins.
 #pragma once
 
 #if defined(parson_parson_h) && !defined(CHAT_TRANSFER_JSON_NAMES_H)

@@ -1,13 +1,16 @@
 // The chief header: the transfer object with its records, its guard, its listener and its result codes.
 //
-// A transfer object carries one export of a user's chat history into a backup package, or one import of a package or of
-// an encrypted per-conversation tree into the databases. The host sets the public members, then calls operations one
-// after another, from one thread at a time. Operations throw nothing of their own (std::bad_alloc and what the
-// listener throws pass), print nothing and log nothing: results are the codes of error_codes.h, details stand in
-// `report`.
+// A transfer object carries one export of a user's chat history into a backup package, or one import of a package or
+// of an encrypted per-conversation tree into the databases. The host sets the public members, then calls operations
+// one after another. Operations throw nothing of their own (std::bad_alloc and what the listener throws pass), print
+// nothing and log nothing: results are the codes of error_codes.h, details stand in `report`.
 //
 // Every int result that can be an error code carries the code's 32 bits: static_cast<unsigned int>(result) ==
 // 0xff00001f.
+//
+// Threads: an object belongs to one thread at a time, and calls its host on no other. Other objects may work on other
+// threads at the same time, each with an account and a backup folder of its own. What objects share (the derived keys
+// of tree files, the engines of SQLite and OpenSSL) has locks of its own.
 //
 // Names, spellings and column names that look wrong are part of the interface and stay.
 #pragma once

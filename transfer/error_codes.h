@@ -1,5 +1,7 @@
 // The result codes of the transfer object's operations: 0, or one of these. They are part of the interface to the host
 // and are passed up unchanged from operation to operation.
+//
+// Threads: anything here may be used on several threads at once.
 #pragma once
 
 namespace chattransfer {

@@ -1,4 +1,7 @@
 // What a host implements to hear of progress.
+//
+// Threads: it is called on the thread that called the operation, and on no other. A listener of several transfer
+// objects that work at the same time has to expect calls on several threads.
 #pragma once
 
 class ProgressListener {

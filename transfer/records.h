@@ -1,5 +1,7 @@
 // The records in transit: plain values, copied member by member. Fields are named after the database columns that store
 // them, odd letters included; texts are UTF-8 as the databases hold them.
+//
+// Threads: plain values, used as such.
 #pragma once
 
 #include <string>

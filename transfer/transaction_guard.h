@@ -1,4 +1,6 @@
 // The scope of one transaction.
+//
+// Threads: a guard begins and ends on the thread that its connection belongs to.
 #pragma once
 
 #include "host/dbUtils.h"

@@ -1,5 +1,7 @@
 // What the operations of one transfer object did, in numbers, and what they left out with the reason. The result codes
 // say only whether an operation failed; many rules skip a record or a file and go on. Hosts show this to the user.
+//
+// Threads: a report belongs to the thread of its transfer object while that works.
 #pragma once
 
 #include <cstddef>
