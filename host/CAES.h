@@ -25,13 +25,11 @@ public:
     /// Encrypts (encrypt is true) or decrypts (encrypt is false) the file `input` into the file `output`.
     ///
     /// key    NUL-terminated key text, 1 to 65,536 bytes, used byte for byte: UTF-8 is not normalised.
-    /// input  NUL-terminated path of a regular file. It is only read. A symbolic link as the last component, a folder,
-    /// a
-    ///        FIFO, a socket or a device is refused without blocking.
-    /// output NUL-terminated path. Its folder has to exist. An existing file (or a symbolic link itself) of that name
-    /// is
-    ///        replaced on success and kept as it was on failure. The new file has mode 0600. It may be the input's own
-    ///        path: the file is then replaced by its encrypted or decrypted form.
+    /// input  NUL-terminated path of a regular file. It is only read. A symbolic link as the last component, a
+    ///        folder, a FIFO, a socket or a device is refused without blocking.
+    /// output NUL-terminated path. Its folder has to exist. An existing file (or a symbolic link itself) of that
+    ///        name is replaced on success and kept as it was on failure. The new file has mode 0600. It may be the
+    ///        input's own path: the file is then replaced by its encrypted or decrypted form.
     /// error  256 bytes, zero-filled by the caller, or null. On failure it holds the reason in English, NUL-terminated
     ///        and cut to fit; on success it is left alone. The reason names neither paths nor the key.
     ///
@@ -43,11 +41,11 @@ public:
     ///   "damaged, cut or extended data at chunk N" (decryption, N counts from 0);
     ///   "file too large ...", "cannot write output: ...", or a failure of the crypto library or of memory.
     ///
-    /// The output grows under a hidden name ".caes-<16 hex digits>.part" in the output's folder, which every failure
-    /// removes. Only a crash of the process or the machine can leave that file behind; it is safe to delete. The rename
-    /// itself is not flushed: should the machine lose power right after success, the output may still be missing, so a
-    /// caller that deletes the input relies on the file system keeping the order of a rename and a later deletion, as
-    /// journalling file systems do.
+    /// The output grows under a hidden name, ".chat-transfer-<process>-<number>.part", in the output's folder, and
+    /// every failure removes it. Only a crash of the process or the machine can leave it behind; it is safe to delete.
+    /// The rename itself is not flushed: should the machine lose power right after success, the output may still be
+    /// missing, so a caller that deletes the input relies on the file system keeping the order of a rename and a later
+    /// deletion, as journalling file systems do.
     int File_Aes_Go_Block(bool encrypt, const char* key, const char* input, const char* output, char* error);
 
 private:

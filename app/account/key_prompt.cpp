@@ -79,9 +79,10 @@ SecretText readSilently(int terminal) {
 }
 
 SecretText ask(int terminal, const std::string& question) {
-    tools::detail::writeAll(terminal, question.data(), question.size());
+    // A terminal that shows no text may still take a key.
+    static_cast<void>(tools::detail::writeAll(terminal, question.data(), question.size()));
     SecretText key = readSilently(terminal);
-    tools::detail::writeAll(terminal, "\n", 1);
+    static_cast<void>(tools::detail::writeAll(terminal, "\n", 1));
     return key;
 }
 

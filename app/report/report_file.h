@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/files/file_handle.h"
+#include "host/files/new_file.h"
 
 namespace app {
 

@@ -8,9 +8,11 @@
 #include "app/account/account.h"
 #include "app/base/failure.h"
 #include "app/base/interruption.h"
+#include "app/base/paths.h"
 #include "app/tree/tree_files.h"
 #include "host/CAES.h"
 #include "host/files/confined_files.h"
+#include "host/files/temporary_name.h"
 #include "host/tools.h"
 
 namespace app {
@@ -42,7 +44,7 @@ private:
             makeFolder(entry.name);
         } else if (entry.kind == TreeEntryKind::other) {
             counts_.report.skip(entry.name, "is a link or no regular file");
-        } else if (isCipherLeftover(entry.name)) {
+        } else if (tools::isTemporaryName(lastComponent(entry.name))) {
             counts_.report.skip(entry.name, "is a leftover of an interrupted decryption");
         } else if (isDecryptedCopy(entry.name)) {
             decryptedCopies_.push_back(entry.name);  // the record file itself goes first

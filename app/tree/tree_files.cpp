@@ -91,12 +91,4 @@ bool isEncrypted(const std::string& path) {
     }
 }
 
-bool isCipherLeftover(const std::string& name) {
-    constexpr std::size_t kHexDigits = 16;
-    constexpr std::string_view kBegin = ".caes-";
-    constexpr std::string_view kEnd = ".part";
-    const std::string_view last = std::string_view(name).substr(name.rfind('/') + 1);
-    return last.size() == kBegin.size() + kHexDigits + kEnd.size() && beginsWith(last, kBegin) && endsWith(last, kEnd);
-}
-
 }  // namespace app

@@ -53,7 +53,4 @@ std::string nameWithoutDecrypted(const std::string& name);
 /// True when the file `path` begins like an encrypted one, whatever its name.
 bool isEncrypted(const std::string& path);
 
-/// True for what an interrupted decryption leaves behind: a file that never got its name.
-bool isCipherLeftover(const std::string& name);
-
 }  // namespace app

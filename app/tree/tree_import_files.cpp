@@ -1,16 +1,18 @@
 #include "app/tree/tree_import_files.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <iostream>
 #include <set>
 
 #include "app/account/key_source.h"
 #include "app/base/failure.h"
+#include "app/base/paths.h"
 #include "app/base/units.h"
 #include "app/report/left_out.h"
 #include "app/report/transfer_rows.h"
 #include "app/tree/tree_files.h"
+#include "host/files/file_status.h"
+#include "host/files/temporary_name.h"
 #include "host/json/json_owner.h"
 #include "transfer/format/json_fields.h"
 #include "transfer/format/package_format.h"
@@ -48,7 +50,7 @@ void noteUnreadable(const TransferReport& found, std::set<std::string>& named, T
 void removeUnless(bool doubt, const std::vector<std::string>& paths, const std::set<std::string>& skipped) {
     if (doubt) return;
     for (const std::string& path : paths) {
-        if (skipped.count(path) == 0) static_cast<void>(std::remove(path.c_str()));
+        if (skipped.count(path) == 0) static_cast<void>(tools::removeFile(path));
     }
 }
 
@@ -125,8 +127,8 @@ void removeImported(const dbTrans& transfer, const TreeImportFiles& files) {
 
 void removeLeftovers(const std::string& root) {
     for (const TreeEntry& entry : listTree(root).entries) {
-        if (entry.kind == TreeEntryKind::file && isCipherLeftover(entry.name))
-            static_cast<void>(std::remove((root + "/" + entry.name).c_str()));
+        if (entry.kind == TreeEntryKind::file && tools::isTemporaryName(lastComponent(entry.name)))
+            static_cast<void>(tools::removeFile(root + "/" + entry.name));  // the next import tries again
     }
 }
 

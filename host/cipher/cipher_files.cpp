@@ -1,13 +1,8 @@
 #include "host/cipher/cipher_files.h"
 
 #include <fcntl.h>
-#include <openssl/rand.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <array>
 #include <cerrno>
-#include <cstdio>
 #include <system_error>
 
 #include "host/cipher/cipher_error.h"
@@ -17,55 +12,15 @@ namespace {
 
 constexpr const char* cannotWrite = "cannot write output";
 
-int openInput(const char* path) {
-    const int fd = ::open(path, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NOFOLLOW | O_NONBLOCK);
-    // A symbolic link reports ELOOP, a socket ENXIO.
-    if (fd < 0 && (errno == ELOOP || errno == ENXIO)) {
-        throw Failure("input is not a regular file");
-    }
-    if (fd < 0) {
-        failWithErrno("cannot open input");
-    }
-    return fd;
-}
-
-std::string folderOf(const std::string& path) {
+// Open as long as the output is being written, so that it gets its name where it began to grow.
+tools::detail::FileHandle openFolderOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');
-    if (slash == std::string::npos) {
-        return ".";
-    }
-    return path.substr(0, slash + 1);
-}
-
-int openFolder(const std::string& path) {
-    const int fd = ::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0) {
+    const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    tools::detail::FileHandle handle(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    if (!handle.valid()) {
         failWithErrno(cannotWrite);
     }
-    return fd;
-}
-
-// Independent of the output's name, which may already be as long as the file system allows. The ending is none of those
-// by which a directory walk recognises the files of a transfer.
-std::string makeHiddenName() {
-    std::array<unsigned char, 8> random{};
-    if (RAND_bytes(random.data(), static_cast<int>(random.size())) != 1) {
-        throw Failure("no random numbers");
-    }
-    std::string name = ".caes-";
-    for (const unsigned char byte : random) {
-        name += "0123456789abcdef"[byte >> 4];
-        name += "0123456789abcdef"[byte & 15];
-    }
-    return name + ".part";
-}
-
-int createHidden(int folder, const std::string& name) {
-    const int fd = ::openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
-    if (fd < 0) {
-        failWithErrno(cannotWrite);
-    }
-    return fd;
+    return handle;
 }
 
 }  // namespace
@@ -75,72 +30,41 @@ void failWithErrno(const char* what) {
     throw Failure(std::string(what) + ": " + std::generic_category().message(code));
 }
 
-Descriptor::~Descriptor() {
-    if (fd_ >= 0) {
-        ::close(fd_);
+InputFile::InputFile(const char* path) : file_(tools::detail::openRegularFile(AT_FDCWD, path, false)) {
+    if (file_.valid()) {
+        return;
     }
-}
-
-int Descriptor::release() {
-    const int fd = fd_;
-    fd_ = -1;
-    return fd;
-}
-
-InputFile::InputFile(const char* path) : fd_(openInput(path)) {
-    struct stat status {};
-    if (::fstat(fd_.get(), &status) != 0) {
-        failWithErrno("cannot open input");
-    }
-    if (!S_ISREG(status.st_mode)) {
+    if (tools::detail::meansNotRegular(errno)) {
         throw Failure("input is not a regular file");
     }
+    failWithErrno("cannot open input");
 }
 
 std::size_t InputFile::read(unsigned char* bytes, std::size_t size) {
-    std::size_t done = 0;
-    while (done < size) {
-        const ssize_t count = ::read(fd_.get(), bytes + done, size - done);
-        if (count == 0) {
-            break;
-        }
-        if (count < 0 && errno != EINTR) {
-            failWithErrno("cannot read input");
-        }
-        done += count > 0 ? static_cast<std::size_t>(count) : 0;
+    const ssize_t count = tools::detail::readBlock(file_.get(), bytes, size);
+    if (count < 0) {
+        failWithErrno("cannot read input");
     }
-    return done;
+    return static_cast<std::size_t>(count);
 }
 
 OutputFile::OutputFile(const std::string& path)
-    : folder_(openFolder(folderOf(path))),
-      name_(path.substr(path.rfind('/') + 1)),
-      hiddenName_(makeHiddenName()),
-      fd_(createHidden(folder_.get(), hiddenName_)) {}
-
-OutputFile::~OutputFile() {
-    if (!committed_) {
-        ::unlinkat(folder_.get(), hiddenName_.c_str(), 0);
+    : folder_(openFolderOf(path)), file_(folder_.get(), path.substr(path.rfind('/') + 1)) {
+    if (!file_.valid()) {
+        failWithErrno(cannotWrite);
     }
 }
 
 void OutputFile::write(const unsigned char* bytes, std::size_t size) {
-    std::size_t done = 0;
-    while (done < size) {
-        const ssize_t count = ::write(fd_.get(), bytes + done, size - done);
-        if (count < 0 && errno != EINTR) {
-            failWithErrno(cannotWrite);
-        }
-        done += count > 0 ? static_cast<std::size_t>(count) : 0;
+    if (!tools::detail::writeAll(file_.get(), bytes, size)) {
+        failWithErrno(cannotWrite);
     }
 }
 
 void OutputFile::commit() {
-    if (::fsync(fd_.get()) != 0 || ::close(fd_.release()) != 0 ||
-        ::renameat(folder_.get(), hiddenName_.c_str(), folder_.get(), name_.c_str()) != 0) {
+    if (!file_.commit()) {
         failWithErrno(cannotWrite);
     }
-    committed_ = true;
 }
 
 }  // namespace cipher

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <new>
 
+#include "host/files/new_file.h"
 #include "host/tools.h"
 
 namespace tools {
@@ -64,11 +65,6 @@ std::string_view parentsOf(std::string_view name) {
     return name.substr(0, static_cast<std::size_t>(last.data() - name.data()));
 }
 
-FileHandle openFolder(int parent, const char* name, bool followLinks) {
-    const int links = followLinks ? 0 : O_NOFOLLOW;
-    return FileHandle(openat(parent, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | links));
-}
-
 // The folder `parents` beneath the open folder `from`; an invalid handle, with the reason in errno, when it cannot be
 // reached without following a link.
 FileHandle walk(int from, std::string_view parents, MissingFolders missing) {
@@ -81,7 +77,7 @@ FileHandle walk(int from, std::string_view parents, MissingFolders missing) {
         // Packages without their attachments are usual, and asking costs half of what an open costs that fails.
         struct stat status {};
         if (fstatat(at, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return {};
-        FileHandle next = openFolder(at, name.c_str(), false);
+        FileHandle next = detail::openFolder(at, name.c_str(), false);
         if (!next.valid()) return {};
         reached = std::move(next);
     }
@@ -128,7 +124,7 @@ bool isConfinedName(const std::string& name) {
 // Opens the folder itself; when that fails the reason is in errno.
 bool ConfinedFolder::open(MissingFolders missing) {
     if (itself_.valid()) return true;
-    FileHandle start = openFolder(AT_FDCWD, path_.empty() ? "." : path_.c_str(), true);
+    FileHandle start = detail::openFolder(AT_FDCWD, path_.empty() ? "." : path_.c_str(), true);
     itself_ = start.valid() && hasComponent(below_) ? walk(start.get(), below_, missing) : std::move(start);
     return itself_.valid();
 }

@@ -24,7 +24,7 @@ enum class MissingFolders { stay, create };
 /// True when `name`, appended to a folder, cannot name anything outside it: it is not empty, has no ".." component, no
 /// NUL, and no component longer than 255 bytes. A leading "/" or a text such as "http://host/a" is fine: names are
 /// appended, not resolved, and empty components count for nothing.
-bool isConfinedName(const std::string& name);
+[[nodiscard]] bool isConfinedName(const std::string& name);
 
 /// What became of a confined copy or move.
 enum class FileOutcome {
@@ -43,7 +43,7 @@ public:
     explicit ConfinedFolder(std::string path, std::string below = "")
         : path_(std::move(path)), below_(std::move(below)) {}
 
-    const std::string& path() const { return path_; }
+    [[nodiscard]] const std::string& path() const { return path_; }
 
     /// From now on nothing is copied, moved or created: `rehearsal`, which is not owned, notes what would be, and what
     /// it has noted counts as done. Null changes nothing.
@@ -51,19 +51,19 @@ public:
 
     /// True when `name` is certainly a regular file that can be reached without following a symbolic link beneath the
     /// folder.
-    bool hasFile(const std::string& name);
+    [[nodiscard]] bool hasFile(const std::string& name);
 
     /// True when `name` is a directory that can be reached without following a symbolic link beneath the folder.
-    bool hasFolder(const std::string& name);
+    [[nodiscard]] bool hasFolder(const std::string& name);
 
     /// True when anything at all stands or may stand at `name`, a symbolic link included, or when the name is not
     /// confined: in all these cases nothing may be put there.
-    bool isTaken(const std::string& name);
+    [[nodiscard]] bool isTaken(const std::string& name);
 
-    FileKind kindOf(const std::string& name);
+    [[nodiscard]] FileKind kindOf(const std::string& name);
 
     /// Reads all of the regular file `name`; false when it is missing, no regular file, or cannot be read.
-    bool read(const std::string& name, std::string& bytes);
+    [[nodiscard]] bool read(const std::string& name, std::string& bytes);
 
     /// Creates the folder `name` with its missing parents, the folder itself included; 0 when it is there afterwards,
     /// -1 when the name is not confined, crosses a symbolic link or cannot be created.
@@ -71,11 +71,11 @@ public:
 
     /// Copies the regular file `source` to `target` in the folder `to`, replacing an existing file, by the rules of
     /// copyFile(). Folders of `target` that are missing are not created.
-    FileOutcome copyTo(ConfinedFolder& to, const std::string& source, const std::string& target,
-                       Flush flush = Flush::now);
+    [[nodiscard]] FileOutcome copyTo(ConfinedFolder& to, const std::string& source, const std::string& target,
+                                     Flush flush = Flush::now);
 
     /// Moves it instead, by the rules of moveFile().
-    FileOutcome moveTo(ConfinedFolder& to, const std::string& source, const std::string& target);
+    [[nodiscard]] FileOutcome moveTo(ConfinedFolder& to, const std::string& source, const std::string& target);
 
 private:
     detail::ConfinedPlace find(const std::string& name);
@@ -98,11 +98,11 @@ private:
 
 // --- The same for a single name beneath `folder` ---
 
-bool confinedFileExists(const std::string& folder, const std::string& name);
-bool confinedFolderExists(const std::string& folder, const std::string& name);
-bool confinedNameTaken(const std::string& folder, const std::string& name);
-FileOutcome copyConfined(const std::string& fromFolder, const std::string& from, const std::string& toFolder,
-                         const std::string& to, Flush flush = Flush::now);
-int createConfinedDir(const std::string& folder, const std::string& name);
+[[nodiscard]] bool confinedFileExists(const std::string& folder, const std::string& name);
+[[nodiscard]] bool confinedFolderExists(const std::string& folder, const std::string& name);
+[[nodiscard]] bool confinedNameTaken(const std::string& folder, const std::string& name);
+[[nodiscard]] FileOutcome copyConfined(const std::string& fromFolder, const std::string& from,
+                                       const std::string& toFolder, const std::string& to, Flush flush = Flush::now);
+[[nodiscard]] int createConfinedDir(const std::string& folder, const std::string& name);
 
 }  // namespace tools

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <atomic>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
@@ -14,8 +13,6 @@
 
 namespace tools::detail {
 namespace {
-
-constexpr mode_t kOwnerOnly = 0600;
 
 ssize_t readSome(int descriptor, char* bytes, std::size_t size) {
     ssize_t count = -1;
@@ -49,18 +46,17 @@ int copyInKernel(int from, int to) {
 }
 #endif
 
+// No handle, with `error` in errno: closing `handle` may leave another one there.
+FileHandle giveUp(FileHandle& handle, int error) {
+    handle.close();
+    errno = error;
+    return {};
+}
+
 // A sparse file can have more bytes than any text: the same to callers as memory that runs out.
 void makeRoom(std::string& bytes, std::uintmax_t size) {
     if (size > bytes.max_size()) throw std::bad_alloc();
     bytes.resize(static_cast<std::size_t>(size));
-}
-
-// Names of one process differ by the counter, those of several by the process id; a leftover of a crash is passed over.
-std::string temporaryNameFor(const std::string& name) {
-    static std::atomic<unsigned> counter{0};
-    const std::size_t slash = name.rfind('/');
-    const std::string folder = slash == std::string::npos ? "" : name.substr(0, slash + 1);
-    return folder + ".new-" + std::to_string(getpid()) + "-" + std::to_string(counter++) + ".part";
 }
 
 }  // namespace
@@ -83,10 +79,20 @@ bool FileHandle::close() {
 
 FileHandle openRegularFile(int folder, const char* name, bool followLinks) {
     const int links = followLinks ? 0 : O_NOFOLLOW;
-    FileHandle handle(openat(folder, name, O_RDONLY | O_CLOEXEC | O_NONBLOCK | links));
+    FileHandle handle(openat(folder, name, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK | links));
     struct stat status {};
-    if (!handle.valid() || fstat(handle.get(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
-    return handle;
+    if (!handle.valid() || fstat(handle.get(), &status) != 0) return giveUp(handle, errno);
+    return S_ISREG(status.st_mode) ? std::move(handle) : giveUp(handle, ENXIO);
+}
+
+// A symbolic link gives ELOOP; ENXIO is what the system gives for a socket, and openRegularFile() for the rest.
+bool meansNotRegular(int error) {
+    return error == ELOOP || error == ENXIO;
+}
+
+FileHandle openFolder(int folder, const char* name, bool followLinks) {
+    const int links = followLinks ? 0 : O_NOFOLLOW;
+    return FileHandle(openat(folder, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | links));
 }
 
 bool copyBytes(int from, int to) {
@@ -97,15 +103,27 @@ bool copyBytes(int from, int to) {
     return copyThroughBuffer(from, to);
 }
 
-bool writeAll(int descriptor, const char* bytes, std::size_t size) {
+bool writeAll(int descriptor, const void* bytes, std::size_t size) {
+    const char* rest = static_cast<const char*>(bytes);
     while (size > 0) {
-        const ssize_t count = write(descriptor, bytes, size);
+        const ssize_t count = write(descriptor, rest, size);
         if (count < 0 && errno == EINTR) continue;
         if (count <= 0) return false;
-        bytes += count;
+        rest += count;
         size -= static_cast<std::size_t>(count);
     }
     return true;
+}
+
+ssize_t readBlock(int descriptor, void* bytes, std::size_t size) {
+    std::size_t filled = 0;
+    while (filled < size) {
+        const ssize_t count = readSome(descriptor, static_cast<char*>(bytes) + filled, size - filled);
+        if (count < 0) return -1;
+        if (count == 0) break;
+        filled += static_cast<std::size_t>(count);
+    }
+    return static_cast<ssize_t>(filled);
 }
 
 bool readAll(int descriptor, std::string& bytes) {
@@ -115,32 +133,13 @@ bool readAll(int descriptor, std::string& bytes) {
     makeRoom(bytes, static_cast<std::uintmax_t>(status.st_size) + 1);
     std::size_t filled = 0;
     for (;;) {
-        const ssize_t count = readSome(descriptor, bytes.data() + filled, bytes.size() - filled);
+        const ssize_t count = readBlock(descriptor, bytes.data() + filled, bytes.size() - filled);
         if (count < 0) return false;
-        if (count == 0) break;
         filled += static_cast<std::size_t>(count);
-        if (filled == bytes.size()) makeRoom(bytes, std::uintmax_t{bytes.size()} * 2);
+        if (filled < bytes.size()) break;
+        makeRoom(bytes, std::uintmax_t{bytes.size()} * 2);
     }
     bytes.resize(filled);
-    return true;
-}
-
-NewFile::NewFile(int folder, std::string name) : folder_(folder), name_(std::move(name)) {
-    do {
-        temporaryName_ = temporaryNameFor(name_);
-        handle_ = FileHandle(
-            openat(folder_, temporaryName_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kOwnerOnly));
-    } while (!handle_.valid() && errno == EEXIST);
-}
-
-NewFile::~NewFile() {
-    if (!temporaryName_.empty()) unlinkat(folder_, temporaryName_.c_str(), 0);
-}
-
-bool NewFile::commit(Flush flush) {
-    if (!handle_.valid() || (flush == Flush::now && fsync(handle_.get()) != 0) || !handle_.close()) return false;
-    if (renameat(folder_, temporaryName_.c_str(), folder_, name_.c_str()) != 0) return false;
-    temporaryName_.clear();
     return true;
 }
 

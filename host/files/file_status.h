@@ -23,21 +23,21 @@ struct FileStatus {
 };
 
 /// A symbolic link in the last component is `other`, wherever it leads.
-FileStatus statusOf(const std::string& path);
+[[nodiscard]] FileStatus statusOf(const std::string& path);
 
 /// 0 when this process may read the file `path`, else the system's number for why not.
-int readingRefusal(const std::string& path);
+[[nodiscard]] int readingRefusal(const std::string& path);
 
 /// Removes the file or empty folder `path`, of a symbolic link the link itself. False when that failed.
-bool removeFile(const std::string& path);
+[[nodiscard]] bool removeFile(const std::string& path);
 
 namespace detail {
 
 /// Whether a call that gave `error` for a name has thereby said that nothing is there.
-bool meansAbsent(int error);
+[[nodiscard]] bool meansAbsent(int error);
 
 /// `result` and `status` are those of stat() or one of its kin, just called.
-FileStatus statusFrom(int result, const struct stat& status);
+[[nodiscard]] FileStatus statusFrom(int result, const struct stat& status);
 
 }  // namespace detail
 }  // namespace tools

@@ -7,8 +7,13 @@
 
 namespace tools {
 
+bool flushFolder(const std::string& folder) {
+    const detail::FileHandle handle = detail::openFolder(AT_FDCWD, folder.c_str());
+    return handle.valid() && fsync(handle.get()) == 0;
+}
+
 bool flushFileSystem(const std::string& folder) {
-    const detail::FileHandle handle(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const detail::FileHandle handle = detail::openFolder(AT_FDCWD, folder.c_str());
     if (!handle.valid()) return false;
 #ifdef __linux__
     return syncfs(handle.get()) == 0;

@@ -10,7 +10,10 @@ enum class Flush {
     later,  ///< with flushFileSystem(), once for many files: for output that only counts when all of it is there
 };
 
+/// Brings the names in `folder` onto the disk. False when that failed.
+[[nodiscard]] bool flushFolder(const std::string& folder);
+
 /// Brings everything written so far to the file system that holds `folder` onto the disk. False when that failed.
-bool flushFileSystem(const std::string& folder);
+[[nodiscard]] bool flushFileSystem(const std::string& folder);
 
 }  // namespace tools

@@ -20,7 +20,7 @@ enum class NameOrder {
     byBytes,
 };
 
-FolderNames namesIn(const std::string& folder, NameOrder order = NameOrder::asListed);
+[[nodiscard]] FolderNames namesIn(const std::string& folder, NameOrder order = NameOrder::asListed);
 
 /// Everything below a folder, depth first. Only the root itself may be a symbolic link: those below it are entries like
 /// files, and never followed.
@@ -39,22 +39,22 @@ public:
 
     /// Goes down into the folder that next() has just come to, or into the root before the first next(). 0, or the
     /// system's number for why not all of its names are known; those that are come all the same.
-    int enter();
+    [[nodiscard]] int enter();
 
     /// Comes to the next entry. False when there is none.
-    bool next();
+    [[nodiscard]] bool next();
 
     /// The entry's path below the root, such as "2002/a.mg"; empty for the root.
-    const std::string& name() const { return name_; }
+    [[nodiscard]] const std::string& name() const { return name_; }
     /// Its last component: "a.mg".
-    std::string_view fileName() const;
+    [[nodiscard]] std::string_view fileName() const;
     /// The name with the root in front of it.
-    const std::string& path() const { return path_; }
+    [[nodiscard]] const std::string& path() const { return path_; }
     /// What it was when next() came to it.
-    const FileStatus& status() const { return status_; }
+    [[nodiscard]] const FileStatus& status() const { return status_; }
 
     /// How many folders have been entered and not been left yet.
-    std::size_t depth() const { return levels_.size(); }
+    [[nodiscard]] std::size_t depth() const { return levels_.size(); }
 
 private:
     // One folder on the way down, and how far the walk has come in it.

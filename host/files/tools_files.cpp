@@ -9,6 +9,7 @@
 
 #include "host/files/file_handle.h"
 #include "host/files/file_status.h"
+#include "host/files/new_file.h"
 #include "host/tools.h"
 
 namespace tools {

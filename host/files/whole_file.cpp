@@ -5,6 +5,7 @@
 #include <new>
 
 #include "host/files/file_handle.h"
+#include "host/files/new_file.h"
 
 namespace tools {
 

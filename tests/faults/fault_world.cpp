@@ -11,6 +11,7 @@
 
 #include "host/CAES.h"
 #include "host/base/fixed_text.h"
+#include "host/files/temporary_name.h"
 #include "host/json/json_owner.h"
 #include "tests/support/database.h"
 #include "tests/support/temp_dir.h"
@@ -148,10 +149,6 @@ const char* keyOf(const Scenario& scenario) {
     return scenario.key.empty() ? nullptr : scenario.key.c_str();
 }
 
-bool isTemporary(const std::string& name) {
-    return name.compare(0, 5, ".new-") == 0 || name.compare(0, 6, ".caes-") == 0;
-}
-
 void addDatabase(State& state, const std::string& path, const std::string& name, const char* key) {
     EXPECT_EQ("ok", queryText(path, "PRAGMA integrity_check", 1, key)) << name;
     // SQLite's own table of the numbers that it gave out tells nothing of the user's.
@@ -225,7 +222,7 @@ State stateOf(const Scenario& scenario, const std::string& path) {
     for (const auto& entry : fs::recursive_directory_iterator(path)) {
         const std::string name = entry.path().lexically_relative(path).string();
         if (!entry.is_regular_file() || name.compare(0, 11, "account/db/") == 0) continue;
-        if (!isTemporary(entry.path().filename().string())) state[name] = readFile(entry.path().string());
+        if (!tools::isTemporaryName(entry.path().filename().string())) state[name] = readFile(entry.path().string());
     }
     return state;
 }

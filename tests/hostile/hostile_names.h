@@ -50,7 +50,7 @@ inline std::vector<HostileName> hostileNames() {
         {"HomeLike", "~/private/secret.txt"},
         {"VariableLike", "$HOME/private/secret.txt"},
         {"CommandLike", "$(touch owned)"},
-        {"TemporaryName", ".new-1-0.part"},
+        {"TemporaryName", ".chat-transfer-1-0.part"},
         {"DatabaseName", "../db/imsg.db"},
         {"JournalName", "../db/imsg.db-journal"},
     };

@@ -263,10 +263,12 @@ TEST_F(ImportTreeCommand, NeverWaitsForAFifoNorFollowsALink) {
 
 TEST_F(ImportTreeCommand, RemovesWhatAnInterruptedDecryptionLeft) {
     makeTree("backup");
-    const std::string leftover = treeFolder("backup") + "/2002/.caes-0123456789abcdef.part";
-    dir_.write("backup/qelbackup/" + std::string(kUser) + "/2002/.caes-0123456789abcdef.part", "private");
+    const std::string folder = "backup/qelbackup/" + std::string(kUser) + "/2002/";
+    const std::string leftover = dir_.write(folder + ".chat-transfer-4711-0.part", "private");
+    const std::string ofAnEarlierVersion = dir_.write(folder + ".caes-0123456789abcdef.part", "private");
     ASSERT_EXIT_CODE(0, importTree("account", "backup"));
     EXPECT_FALSE(exists(leftover));
+    EXPECT_FALSE(exists(ofAnEarlierVersion));
 }
 
 TEST_F(ImportTreeCommand, RemovesTheDatabasesThatAnInterruptedRunDidNotFinish) {

@@ -31,6 +31,7 @@
 #include "host/cipher/cipher_key_cache.h"
 #include "host/cipher/cipher_secret.h"
 #include "host/cipher/cipher_stream.h"
+#include "host/files/file_handle.h"
 
 namespace {
 
@@ -522,7 +523,7 @@ TEST_F(CAESTest, AFifoIsRefusedWithoutWaiting) {
 }
 
 TEST_F(CAESTest, ASocketIsRefused) {
-    const cipher::Descriptor listener(::socket(AF_UNIX, SOCK_STREAM, 0));
+    const tools::detail::FileHandle listener(::socket(AF_UNIX, SOCK_STREAM, 0));
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     (folder_ / "socket").copy(std::begin(address.sun_path), sizeof(address.sun_path) - 1);

@@ -61,9 +61,9 @@ TEST_F(FolderWalkTest, GivesEachEntryItsPathAndItsLastComponent) {
     dir.write("a/b.mg", "123");
     FolderWalk walk(dir.path());
     EXPECT_EQ(dir.path(), walk.path());
-    walk.enter();
+    ASSERT_EQ(0, walk.enter());
     ASSERT_TRUE(walk.next());
-    walk.enter();
+    ASSERT_EQ(0, walk.enter());
     ASSERT_TRUE(walk.next());
     EXPECT_EQ("a/b.mg", walk.name());
     EXPECT_EQ("b.mg", walk.fileName());
@@ -83,7 +83,7 @@ TEST_F(FolderWalkTest, PassesByAFolderThatIsNotEntered) {
     dir.write("a/1", "");
     dir.write("b", "");
     FolderWalk walk(dir.path(), tools::NameOrder::byBytes);
-    walk.enter();
+    ASSERT_EQ(0, walk.enter());
     ASSERT_TRUE(walk.next());
     ASSERT_TRUE(walk.next());
     EXPECT_EQ("b", walk.name());
@@ -92,7 +92,7 @@ TEST_F(FolderWalkTest, PassesByAFolderThatIsNotEntered) {
 TEST_F(FolderWalkTest, DoesNotSeeWhatIsMadeOnTheWay) {
     dir.write("a", "");
     FolderWalk walk(dir.path());
-    walk.enter();
+    ASSERT_EQ(0, walk.enter());
     ASSERT_TRUE(walk.next());
     dir.write("b", "");
     EXPECT_FALSE(walk.next());
@@ -101,8 +101,8 @@ TEST_F(FolderWalkTest, DoesNotSeeWhatIsMadeOnTheWay) {
 TEST_F(FolderWalkTest, SaysWhatHasGoneMeanwhile) {
     const std::string path = dir.write("a", "");
     FolderWalk walk(dir.path());
-    walk.enter();
-    tools::removeFile(path);
+    ASSERT_EQ(0, walk.enter());
+    ASSERT_TRUE(tools::removeFile(path));
     ASSERT_TRUE(walk.next());
     EXPECT_EQ(FileKind::none, walk.status().kind);
     EXPECT_EQ(ENOENT, walk.status().error);

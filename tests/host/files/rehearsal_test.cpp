@@ -39,21 +39,21 @@ TEST_F(Rehearsal, MovesNothingAndSaysThatItWouldHave) {
 
 TEST_F(Rehearsal, SeesWhatWouldHaveBeenCopied) {
     EXPECT_EQ(FileKind::none, to_.kindOf("b.jpg"));
-    from_.copyTo(to_, "a.jpg", "b.jpg");
+    ASSERT_EQ(tools::FileOutcome::done, from_.copyTo(to_, "a.jpg", "b.jpg"));
     EXPECT_EQ(FileKind::regular, to_.kindOf("b.jpg"));
     EXPECT_TRUE(to_.isTaken("b.jpg"));
     EXPECT_TRUE(to_.hasFile("b.jpg"));
 }
 
 TEST_F(Rehearsal, SeesItFromAnotherFolderObjectOfTheSamePlace) {
-    from_.copyTo(to_, "a.jpg", "b.jpg");
+    ASSERT_EQ(tools::FileOutcome::done, from_.copyTo(to_, "a.jpg", "b.jpg"));
     ConfinedFolder again(home_.at("to/"));
     again.rehearse(&rehearsal_);
     EXPECT_EQ(FileKind::regular, again.kindOf("./b.jpg"));
 }
 
 TEST_F(Rehearsal, MissesWhatWouldHaveBeenMovedAway) {
-    from_.moveTo(to_, "a.jpg", "b.jpg");
+    ASSERT_EQ(tools::FileOutcome::done, from_.moveTo(to_, "a.jpg", "b.jpg"));
     EXPECT_FALSE(from_.hasFile("a.jpg"));
     EXPECT_EQ(FileOutcome::missing, from_.moveTo(to_, "a.jpg", "c.jpg"));
 }
