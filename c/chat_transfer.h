@@ -30,7 +30,7 @@ typedef struct chat_transfer chat_transfer;
 /* What operations give: CHAT_TRANSFER_OK or one of the others. Those from 0xff000000 on are the transfer's own codes.
  */
 #define CHAT_TRANSFER_OK UINT32_C(0)
-#define CHAT_TRANSFER_INVALID UINT32_C(1)       /* a null object, or an argument outside its stated values */
+#define CHAT_TRANSFER_INVALID UINT32_C(1)       /* a null object, or an argument that has no such value */
 #define CHAT_TRANSFER_OUT_OF_MEMORY UINT32_C(2) /* nothing of the batch at work was stored; others may be */
 #define CHAT_TRANSFER_FAILED UINT32_C(3) /* the C++ library or the crypto library failed; the error text says how */
 #define CHAT_TRANSFER_PACKAGE_EXISTS UINT32_C(0xff00001e)

@@ -1,5 +1,5 @@
-// The functions that make names out of foreign texts: what they give is a valid name of its stated size, and the parts
-// of a path make the path again.
+// The functions that make names out of foreign texts: what they give is a valid name that is not too long, and the
+// parts of a path make the path again.
 #include <algorithm>
 
 #include "fuzz/property.h"
@@ -31,7 +31,7 @@ void checkSavePath(dbTrans& transfer, const std::string& path) {
     std::string directory;
     const std::string saved = transfer.getSavePath(path.c_str(), directory);
     require(!saved.empty() || directory.empty(), "a directory part comes with a saved path");
-    require(directory.size() <= 49, "a directory part has its stated size");
+    require(directory.size() <= 49, "a directory part is not too long");
     require(saved.compare(0, directory.size(), directory) == 0, "the saved path begins with its directory part");
     require(std::count(saved.begin(), saved.end(), '/') <= 1, "the rest of a saved path is one name");
 }

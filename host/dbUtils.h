@@ -120,10 +120,10 @@ public:
     virtual void beginTransaction();
 
     /// Commits the transaction of beginTransaction(); its writes are durable then (inside a transaction of the host's,
-    /// once the host commits it). When a statement of the batch failed
-    /// for a reason of the machine (disk full, input/output error, lost lock), the whole batch is rolled back instead,
-    /// so that a table holds all of a batch or none of it. A statement that the database refuses for its content (a
-    /// constraint, an oversized text, a malformed statement) does not spoil the batch. transactionFailed() tells.
+    /// once the host commits it). When a statement of the batch failed for a reason of the machine (disk full,
+    /// input/output error, lost lock), the whole batch is rolled back instead, so that a table holds all of a batch or
+    /// none of it. A statement that the database refuses for its content (a constraint, an oversized text, a malformed
+    /// statement) does not spoil the batch. transactionFailed() tells.
     virtual void endTransaction();
 
     /// Loses the current batch: nothing of it stays when its transaction ends. For a caller that cannot complete it.

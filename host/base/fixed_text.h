@@ -1,7 +1,7 @@
-// Texts formatted into zero-filled buffers of a stated size.
+// Texts formatted into zero-filled buffers of a fixed size.
 //
-// Statement and path buffers have sizes that belong to the design. What does not fit must fail as a whole: a name that
-// is cut short is the valid name of something else.
+// The size bounds what a stranger's table name or path can make of a statement. What does not fit fails as a whole: a
+// name that is cut short is the valid name of something else.
 #pragma once
 
 #include <array>

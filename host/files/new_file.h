@@ -8,8 +8,8 @@
 
 namespace tools::detail {
 
-/// Written beside its final name under a temporary one, readable by its owner only (mode 0600), then flushed and renamed
-/// by commit(). Without a commit the temporary file is removed.
+/// Written beside its final name under a temporary one, readable by its owner only (mode 0600), then flushed and
+/// renamed by commit(). Without a commit the temporary file is removed.
 class NewFile {
 public:
     /// `folder` must stay open for the life of the object (AT_FDCWD for the current directory); `name` is the final

@@ -13,8 +13,8 @@ namespace tools {
 /// made in a folder. The next run finds there what an earlier one left.
 [[nodiscard]] std::string temporaryName(std::string_view what);
 
-/// ".chat-transfer-<process>-<number>.part", another one with each call. It may exist all the same, left by a process of
-/// the same number.
+/// ".chat-transfer-<process>-<number>.part", another one with each call. It may exist all the same, left by a process
+/// of the same number.
 [[nodiscard]] std::string nextTemporaryName();
 
 /// True for the last component of a path that nextTemporaryName() gave, in this version or an earlier one.

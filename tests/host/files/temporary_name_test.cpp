@@ -19,10 +19,10 @@ TEST(TemporaryName, IsRecognisedAsItWasBefore) {
 }
 
 TEST(TemporaryName, IsRecognisedAsAWholeOnly) {
-    for (const char* name : {"", "a.part", ".part", ".chat-transfer-.part", ".chat-transfer-1.part",
-                             ".chat-transfer-1-.part", ".chat-transfer-1-2.partial", "x.chat-transfer-1-2.part",
-                             ".chat-transfer-1-x.part", ".new-1-.part", ".caes-0123456789abcde.part",
-                             ".caes-0123456789abcdefg.part", ".caes-0123456789ABCDEF.part"})
+    for (const char* name :
+         {"", "a.part", ".part", ".chat-transfer-.part", ".chat-transfer-1.part", ".chat-transfer-1-.part",
+          ".chat-transfer-1-2.partial", "x.chat-transfer-1-2.part", ".chat-transfer-1-x.part", ".new-1-.part",
+          ".caes-0123456789abcde.part", ".caes-0123456789abcdefg.part", ".caes-0123456789ABCDEF.part"})
         EXPECT_FALSE(tools::isTemporaryName(name)) << name;
 }
 
