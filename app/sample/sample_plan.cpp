@@ -100,6 +100,8 @@ AttachmentTurns::AttachmentTurns(long long messages, AttachmentKinds kinds) : ki
     stride_ = std::max(std::min(kUsualStride, forSmallSample), forLimit);
 }
 
+AttachmentTurns::AttachmentTurns(AttachmentKinds kinds, long long stride) : kinds_(std::move(kinds)), stride_(stride) {}
+
 int AttachmentTurns::next() {
     if (++position_ % stride_ != 0) return 0;
     return kinds_.types[turn_++ % kinds_.types.size()];

@@ -36,6 +36,9 @@ class AttachmentTurns {
 public:
     explicit AttachmentTurns(long long messages, AttachmentKinds kinds = packageAttachments());
 
+    /// Every message whose number `stride` divides, however many files that makes.
+    AttachmentTurns(AttachmentKinds kinds, long long stride);
+
     /// The type of the next message: a type that carries attachments, or 0.
     int next();
 

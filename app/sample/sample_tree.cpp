@@ -96,6 +96,27 @@ std::vector<long long> treeConversationSizes(const SamplePlan& plan) {
     return sizes;
 }
 
+long long writeMessageFiles(const std::string& folder, const std::string& version, long long perFile,
+                            const std::vector<st_dbMessageBean>& messages) {
+    makeFolder(folder);
+    chattransfer::MessageFileText text(version);
+    long long number = 0;
+    for (std::size_t begin = 0; begin < messages.size(); begin += static_cast<std::size_t>(perFile)) {
+        const std::size_t end = std::min(messages.size(), begin + static_cast<std::size_t>(perFile));
+        text.begin();
+        for (std::size_t first = begin, next = begin; first < end; first = next) {
+            while (next < end && onOneDay(messages[first], messages[next]))
+                ++next;
+            const st_dbMessageBean& day = messages[first];
+            text.addDay({day.year_, day.mon, day.day_}, messages.data() + first, messages.data() + next);
+        }
+        std::string path = folder;
+        path.append("/msg_").append(std::to_string(++number)).append(chattransfer::kMessageExtension);
+        writeNewFile(path, std::string(text.finish()));
+    }
+    return number;
+}
+
 TreeSample::TreeSample(TreeSampleSettings settings, std::string folder)
     : settings_(std::move(settings)),
       folder_(std::move(folder)),
@@ -123,25 +144,8 @@ void TreeSample::writeConversation(const SampleConversation& conversation, long 
 }
 
 void TreeSample::writeMessages(const SampleConversation& conversation, const std::vector<st_dbMessageBean>& messages) {
-    const std::string folder = folder_ + std::to_string(conversation.id);
-    makeFolder(folder);
-    chattransfer::MessageFileText text(settings_.version);
-    const auto perFile = static_cast<std::size_t>(settings_.messagesPerFile);
-    std::size_t number = 0;
-    for (std::size_t begin = 0; begin < messages.size(); begin += perFile) {
-        const std::size_t end = std::min(messages.size(), begin + perFile);
-        text.begin();
-        for (std::size_t first = begin, next = begin; first < end; first = next) {
-            while (next < end && onOneDay(messages[first], messages[next]))
-                ++next;
-            const st_dbMessageBean& day = messages[first];
-            text.addDay({day.year_, day.mon, day.day_}, messages.data() + first, messages.data() + next);
-        }
-        std::string path = folder;
-        path.append("/msg_").append(std::to_string(++number)).append(chattransfer::kMessageExtension);
-        writeNewFile(path, std::string(text.finish()));
-        ++counts_.messageFiles;
-    }
+    counts_.messageFiles += writeMessageFiles(folder_ + std::to_string(conversation.id), settings_.version,
+                                              settings_.messagesPerFile, messages);
     for (const st_dbMessageBean& message : messages)
         ++counts_.messagesByType[message.msgType];
     counts_.messages += static_cast<long long>(messages.size());

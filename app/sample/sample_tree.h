@@ -32,6 +32,11 @@ struct TreeSampleCounts {
 /// so that none gets more than 4,000 as long as others have room.
 std::vector<long long> treeConversationSizes(const SamplePlan& plan);
 
+/// Writes a conversation's messages into numbered files of a new folder, `perFile` in each. Returns the number of
+/// files. Throws Failure.
+long long writeMessageFiles(const std::string& folder, const std::string& version, long long perFile,
+                            const std::vector<imsdk::st_dbMessageBean>& messages);
+
 class TreeSample {
 public:
     /// `folder` is there, empty, and ends in "/".
