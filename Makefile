@@ -37,12 +37,17 @@ soak: build
 	CHAT_TRANSFER_KILLS=$(KILLS) $(BUILD)/tests/app/app_tests --gtest_filter='Killed*'
 
 ## Measure. QUICK=1: small sizes, under two minutes. ROUNDS, SIZES, WORK: rounds, numbers of messages (1000,10000) and
-## folder to work in. ONLY: stages (sizes,tree); KEEP=1: the others from the run before. DOCS=1: write docs/performance.md and its plots.
+## folder to work in. ONLY: stages (sizes,tree); KEEP=1: the others from the run before. DOCS=1: write the tables of
+## docs/performance.md and its plots. Python is the system's: that is where the plotting library is installed.
+BENCH_RESULTS := build/bench/results/bench-results.json
 bench:
+	scripts/setup python3-matplotlib
 	$(MAKE) --no-print-directory build PRESET=bench
 	build/bench/bench/bench-pieces $(if $(QUICK),--benchmark_min_time=0.02)
-	build/bench/bench/bench-compare $(if $(QUICK),--quick) $(if $(ROUNDS),--rounds $(ROUNDS)) \
-	    $(if $(SIZES),--sizes $(SIZES)) $(if $(WORK),--work $(WORK)) $(if $(ONLY),--only $(ONLY)) $(if $(KEEP),--keep) --results build/bench/results $(if $(DOCS),--docs docs)
+	/usr/bin/python3 bench/compare.py build/bench/bench $(BENCH_RESULTS) $(if $(QUICK),--quick) \
+	    $(if $(ROUNDS),--rounds $(ROUNDS)) $(if $(SIZES),--sizes $(SIZES)) $(if $(WORK),--work $(WORK)) \
+	    $(if $(ONLY),--only $(ONLY)) $(if $(KEEP),--keep)
+	/usr/bin/python3 bench/report.py $(BENCH_RESULTS) $(if $(DOCS),--docs docs)
 
 ## Fuzz every reader of foreign bytes. SECONDS: time for each target; TARGETS: some of them.
 fuzz:

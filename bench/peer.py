@@ -9,67 +9,56 @@ import sqlite3
 import sys
 
 USER = "2000000000000001"
-VERSION = "1.0"
 FOLDER = f"qelmsg_0/messages_0/{USER}"
 
 CREATE_MESSAGES = (
-    "create table {} (toUserID BIGINT, fromeUserID BIGINT, body VARCHAR(8000), msgType INTEGER, msgID BIGINT PRIMARY KEY,"
-    " lastMsgID BIGINT, time_ BIGINT, burnAfterReading INTEGER, status INTEGER, targetID BIGINT,"
-    " msgProperties VARCHAR(1024), year_ INTEGER, mon INTEGER, day_ INTEGER, limitRange VARCHAR(256),"
+    "create table {} (toUserID BIGINT, fromeUserID BIGINT, body VARCHAR(8000), msgType INTEGER,"
+    " msgID BIGINT PRIMARY KEY, lastMsgID BIGINT, time_ BIGINT, burnAfterReading INTEGER, status INTEGER,"
+    " targetID BIGINT, msgProperties VARCHAR(1024), year_ INTEGER, mon INTEGER, day_ INTEGER, limitRange VARCHAR(256),"
     " formate VARCHAR(256), activeType INTEGER, relatedMsgID BIGINT, localID BIGINT, relatedUsers VARCHAR(4096),"
-    " sourceID VARCHAR(32), unReadState VARCHAR(128), securityLevel INTEGER)"
-)
+    " sourceID VARCHAR(32), unReadState VARCHAR(128), securityLevel INTEGER)")
 CREATE_CONTACTS = (
     "create table im_reContact (targetID BIGINT PRIMARY KEY, lastMsgid BIGINT, time BIGINT, type TINYINT, top TINYINT,"
     " wherefrom VARCHAR(256), msgType TINYINT, activeType INTEGER, lastMsg VARCHAR(8000), msgProp VARCHAR(1024),"
-    " name VARCHAR(128), sendUserID BIGINT, securityLevel INTEGER)"
-)
-INSERT_MESSAGE = (
-    "insert or ignore into {}(toUserID,fromeUserID,body,msgType,msgID,lastMsgID,time_,burnAfterReading,status,targetID,"
-    "msgProperties,year_,mon,day_,limitRange,formate,activeType,relatedMsgID,localID,relatedUsers,sourceID)"
-    " values(?,?,?,?,?,?,?,0,4,?,?,?,?,?,'',?,?,?,0,'',?)"
-)
-CONTACT_KEYS = (
-    "targetID", "lastMsgid", "time", "type", "top", "wherefrom", "msgType", "activeType", "lastMsg", "msgProp", "name",
-    "securityLevel",
-)
+    " name VARCHAR(128), sendUserID BIGINT, securityLevel INTEGER)")
+# The keys of a message that both directions carry, in the order of the package, and their columns.
+MESSAGE_KEYS = {
+    "sendUserID": "fromeUserID", "receTargetID": "toUserID", "sendTime": "time_", "message": "body",
+    "messageType": "msgType", "messageID": "msgID", "format": "formate", "lastMessageID": "lastMsgID",
+    "msgProperties": "msgProperties", "activeType": "activeType", "relatedMsgID": "relatedMsgID",
+    "securityLevel": "ifnull(securityLevel, 0)", "sourceID": "sourceID", "senderSessionID": "targetID"}
+IMPORTED = {key: column for key, column in MESSAGE_KEYS.items() if key != "securityLevel"}
+# What an import sets.
+CONSTANTS = {"burnAfterReading": "0", "status": "4", "limitRange": "''", "localID": "0", "relatedUsers": "''"}
+DATE = ("year_", "mon", "day_")
+INSERT_COLUMNS = ", ".join([*CONSTANTS, *DATE, *IMPORTED.values()])
+CONTACT_KEYS = ("targetID", "lastMsgid", "time", "type", "top", "wherefrom", "msgType", "activeType", "lastMsg",
+                "msgProp", "name", "securityLevel")
 
 
 def ids(joined):
     return [int(part) for part in joined.split(";") if part]
 
 
-def message_object(row):
-    return {
-        "sendUserID": row[1], "receTargetID": row[0], "sendTime": row[6], "message": row[2], "messageType": row[3],
-        "messageID": row[4], "format": row[15], "lastMessageID": row[5], "msgProperties": row[10],
-        "activeType": row[16], "relatedMsgID": row[17], "securityLevel": row[22], "sourceID": row[20],
-        "senderSessionID": row[9], "#limitRange": ids(row[14]), "#relatedUsers": ids(row[19]),
-    }
-
-
 def select_days(db):
-    days = {}
-    overflow = {}
-    tables = [name for (name,) in db.execute("select name from sqlite_master where type='table'")]
-    for table in tables:
-        if not table.startswith("im_msg_"):
-            continue
-        for row in db.execute(f"select * from {table} where year_ >= 2000"):
-            day = f"{row[11]}:{row[12]}:{row[13]}"
-            number = overflow.get(day, 0)
-            key = f"{day}_{number}" if number else day
-            if len(days.get(key, ())) == 250:
-                overflow[day] = number + 1
-                key = f"{day}_{number + 1}"
-            days.setdefault(key, []).append(message_object(row))
+    days, overflow = {}, {}
+    columns = ", ".join([*DATE, "limitRange", "relatedUsers", *MESSAGE_KEYS.values()])
+    tables = db.execute("select name from sqlite_master where type='table' and name glob 'im_msg_*'").fetchall()
+    for (table,) in tables:
+        rows = db.execute(f"select {columns} from {table} where year_ >= 2000")
+        for year, month, day, limits, related, *values in rows:
+            date = f"{year}:{month}:{day}"
+            if len(days.get((date, overflow.get(date, "")), ())) == 250:
+                overflow[date] = f"_{int(overflow.get(date, '_0')[1:]) + 1}"
+            message = dict(zip(MESSAGE_KEYS, values))
+            message.update({"#limitRange": ids(limits), "#relatedUsers": ids(related)})
+            days.setdefault((date, overflow.get(date, "")), []).append(message)
     return days
 
 
 def write_json(path, value):
-    text = json.dumps(value, ensure_ascii=False, separators=(",", ":")).replace("/", "\\/")
     with open(path, "w", encoding="utf-8", newline="") as file:
-        file.write(text)
+        file.write(json.dumps(value, ensure_ascii=False, separators=(",", ":")).replace("/", "\\/"))
 
 
 def export(account, to):
@@ -77,60 +66,44 @@ def export(account, to):
     folder = f"{to}/{FOLDER}"
     os.makedirs(folder)
     os.makedirs(f"{to}/qelmsg_0/qelimfiles_0/{USER}")
-    columns = ",".join(CONTACT_KEYS)
-    contacts = [dict(zip(CONTACT_KEYS, row)) for row in db.execute(f"select {columns} from im_reContact")]
+    rows = db.execute(f"select {','.join(CONTACT_KEYS)} from im_reContact")
+    contacts = [dict(zip(CONTACT_KEYS, row)) for row in rows]
     days = select_days(db)
-    for number, key in enumerate(sorted(days)):
-        year, month, day = (int(part) for part in key.split("_")[0].split(":"))
-        date = {"year": year, "month": month, "day": day}
-        write_json(f"{folder}/msg_{number}.mg", {"version": VERSION, "msgs": [{"msgs": days[key], "date": date}]})
-    write_json(f"{folder}/recontact.mg", {"version": VERSION, "recontact": contacts})
-
-
-def message_row(message, date):
-    return (
-        message["receTargetID"], message["sendUserID"], message["message"], message["messageType"],
-        message["messageID"], message["lastMessageID"], message["sendTime"], message["senderSessionID"],
-        message["msgProperties"], date["year"], date["month"], date["day"], message["format"], message["activeType"],
-        message["relatedMsgID"], message["sourceID"],
-    )
+    for number, (date, ending) in enumerate(sorted(days, key="".join)):
+        day = {"msgs": days[date, ending], "date": dict(zip(("year", "month", "day"), map(int, date.split(":"))))}
+        write_json(f"{folder}/msg_{number}.mg", {"version": "1.0", "msgs": [day]})
+    write_json(f"{folder}/recontact.mg", {"version": "1.0", "recontact": contacts})
 
 
 def read_messages(folder):
     conversations = {}
-    number = 0
-    while os.path.exists(f"{folder}/msg_{number}.mg"):
+    for number in range(len(os.listdir(folder)) - 1):
         with open(f"{folder}/msg_{number}.mg", encoding="utf-8") as file:
             for day in json.load(file)["msgs"]:
                 for message in day["msgs"]:
-                    rows = conversations.setdefault(message["senderSessionID"], [])
-                    rows.append(message_row(message, day["date"]))
-        number += 1
+                    row = (*day["date"].values(), *(message[key] for key in IMPORTED))
+                    conversations.setdefault(message["senderSessionID"], []).append(row)
     return conversations
 
 
 def import_package(account, source):
-    folder = f"{source}/{FOLDER}"
-    conversations = read_messages(folder)
-    with open(f"{folder}/recontact.mg", encoding="utf-8") as file:
-        contacts = json.load(file)["recontact"]
+    conversations = read_messages(f"{source}/{FOLDER}")
+    with open(f"{source}/{FOLDER}/recontact.mg", encoding="utf-8") as file:
+        contacts = [[contact[key] for key in CONTACT_KEYS] for contact in json.load(file)["recontact"]]
     db = sqlite3.connect(f"{account}/db/imsg.db", isolation_level=None)
+    values = ", ".join([*CONSTANTS.values(), *"?" * (len(DATE) + len(IMPORTED))])
     for conversation in sorted(conversations):
         table = f"im_msg_{conversation}"
         db.execute("begin immediate")
         db.execute(CREATE_MESSAGES.format(table))
-        db.executemany(INSERT_MESSAGE.format(table), conversations[conversation])
+        db.executemany(f"insert or ignore into {table}({INSERT_COLUMNS}) values({values})", conversations[conversation])
         db.execute("commit")
     db.execute(CREATE_CONTACTS)
     db.execute("begin immediate")
     places = ",".join("?" * len(CONTACT_KEYS))
-    rows = ([contact[key] for key in CONTACT_KEYS] for contact in contacts)
-    db.executemany(f"insert into im_reContact({','.join(CONTACT_KEYS)}) values({places})", rows)
+    db.executemany(f"insert into im_reContact({','.join(CONTACT_KEYS)}) values({places})", contacts)
     db.execute("commit")
 
 
 if __name__ == "__main__":
-    operations = {"export": export, "import": import_package}
-    if len(sys.argv) != 4 or sys.argv[1] not in operations:
-        sys.exit(__doc__)
-    operations[sys.argv[1]](sys.argv[2], sys.argv[3])
+    {"export": export, "import": import_package}[sys.argv[1]](*sys.argv[2:])

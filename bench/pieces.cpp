@@ -3,13 +3,15 @@
 #include <benchmark/benchmark.h>
 
 #include <array>
-#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "bench/account.h"
+#include "app/places/private_folder.h"
+#include "app/sample/sample_conversation.h"
 #include "bench/names.h"
 #include "host/CAES.h"
 #include "host/files/confined_files.h"
@@ -20,7 +22,6 @@
 #include "transfer/dbTrans.h"
 #include "transfer/format/message_text.h"
 #include "transfer/format/package_text.h"
-#include "transfer/tables/conversation_writer.h"
 #include "transfer/tables/message_table.h"
 
 namespace fs = std::filesystem;
@@ -30,80 +31,31 @@ namespace {
 using imsdk::st_dbMessageBean;
 using tools::JsonDocument;
 
-constexpr int kMessages = 1000;
-
-// A folder with one account of one conversation, made once, gone at the end.
-class Ground {
-public:
-    Ground() : path_((fs::temp_directory_path() / "chat-transfer-pieces-XXXXXX").string()) {
-        if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("no temporary folder");
-        bench::AccountPlan plan;
-        plan.conversations = 1;
-        plan.messages = kMessages;
-        bench::makeAccount(plan, at("account"));
-        bench::makeEmptyAccount(at("empty"));
-    }
-    ~Ground() {
-        std::error_code ignored;
-        fs::remove_all(path_, ignored);
-    }
-    Ground(const Ground&) = delete;
-    Ground& operator=(const Ground&) = delete;
-    Ground(Ground&&) = delete;
-    Ground& operator=(Ground&&) = delete;
-
-    std::string at(const std::string& name) const { return path_ + "/" + name; }
-
-private:
-    std::string path_;
-};
-
-const Ground& ground() {
-    static const Ground instance;
-    return instance;
-}
-
-template <class Take>
-void selectAll(imsdk::dbUtils& db, const std::string& table, Take take) {
-    imsdk::dbDataReader reader = db.excuteQuery(("select * from " + table).c_str());
-    st_dbMessageBean message;
-    while (reader.read() != 0) {
-        chattransfer::readMessageRow(reader, message);
-        take(message);
-    }
-}
-
-std::string messageTable(dbTrans& transfer) {
-    transfer.getTables();
-    for (const std::string& name : transfer.tableNames)
-        if (name.rfind(chattransfer::kMessageTablePrefix, 0) == 0) return name;
-    throw std::runtime_error("the account has no message table");
-}
-
-std::vector<st_dbMessageBean> sampleMessages() {
-    dbTrans transfer;
-    transfer.rootPath = ground().at("account");
-    std::vector<st_dbMessageBean> messages;
-    if (transfer.dbOpen() != 0) {
-        selectAll(transfer.mainDb, messageTable(transfer),
-                  [&messages](const st_dbMessageBean& message) { messages.push_back(message); });
-    }
-    return messages;
-}
-
 const std::vector<st_dbMessageBean>& messages() {
-    static const std::vector<st_dbMessageBean> sample = sampleMessages();
+    static const std::vector<st_dbMessageBean> sample = [] {
+        const auto noAttachments = [](int, long long, const std::string&, app::Random&) { return std::string(); };
+        app::SampleWriter writer({}, {app::packageAttachments(), 2000}, noAttachments);
+        return writer.messages(writer.conversation(0, 1000000000000000, bench::kUserId), 1000);
+    }();
     return sample;
+}
+
+std::string_view writeFile(chattransfer::MessageFileText& file) {
+    file.begin();
+    file.addDay({2019, 3, 7}, messages().data(), messages().data() + messages().size());
+    return file.finish();
 }
 
 std::string fileText() {
     chattransfer::MessageFileText file(bench::kVersion);
-    file.begin();
-    file.addDay({2019, 3, 7}, messages().data(), messages().data() + messages().size());
-    return std::string(file.finish());
+    return std::string(writeFile(file));
 }
 
-void countMessages(benchmark::State& state) {
+// Measures `work`, which handles all messages each time.
+template <class Work>
+void repeat(benchmark::State& state, Work work) {
+    for (auto _ : state)
+        work();
     state.SetItemsProcessed(state.iterations() * static_cast<long long>(messages().size()));
 }
 
@@ -111,21 +63,16 @@ void countMessages(benchmark::State& state) {
 
 void parseMessageFile(benchmark::State& state) {
     const std::string text = fileText();
-    for (auto _ : state) {
+    repeat(state, [&text] {
         std::string copy = text;  // reading uses the text up
         benchmark::DoNotOptimize(chattransfer::readMessageFileText(copy));
-    }
-    countMessages(state);
+    });
 }
 BENCHMARK(parseMessageFile);
 
 void parseMessageFileIntoTree(benchmark::State& state) {
     const std::string text = fileText();
-    for (auto _ : state) {
-        const JsonDocument document(json_parse_string(text.c_str()));
-        benchmark::DoNotOptimize(document.get());
-    }
-    countMessages(state);
+    repeat(state, [&text] { benchmark::DoNotOptimize(JsonDocument(json_parse_string(text.c_str())).get()); });
 }
 BENCHMARK(parseMessageFileIntoTree);
 
@@ -133,131 +80,120 @@ BENCHMARK(parseMessageFileIntoTree);
 
 void serialiseMessageFile(benchmark::State& state) {
     chattransfer::MessageFileText file(bench::kVersion);
-    for (auto _ : state) {
-        file.begin();
-        file.addDay({2019, 3, 7}, messages().data(), messages().data() + messages().size());
-        benchmark::DoNotOptimize(file.finish().data());
-    }
-    countMessages(state);
+    repeat(state, [&file] { benchmark::DoNotOptimize(writeFile(file).data()); });
 }
 BENCHMARK(serialiseMessageFile);
 
 void buildAndSerialiseTree(benchmark::State& state) {
     std::vector<st_dbMessageBean> sample = messages();
     dbTrans transfer;
-    for (auto _ : state) {
+    repeat(state, [&] {
         const JsonDocument list(json_value_init_array());
         for (st_dbMessageBean& message : sample)
             json_array_append_value(json_value_get_array(list.get()), transfer.makeJson(2, &message));
         char* const text = json_serialize_to_string(list.get());
         benchmark::DoNotOptimize(text);
         json_free_serialized_string(text);
-    }
-    countMessages(state);
+    });
 }
 BENCHMARK(buildAndSerialiseTree);
 
-// --- Databases ---
+// --- Databases: the same messages ---
+
+const std::string& messageTable() {
+    static const std::string name = "im_msg_" + std::to_string(messages().front().targetID);
+    return name;
+}
+
+// Writes into the database of `account`, an empty one when there is none.
+void insertInto(dbTrans& transfer, const app::PrivateFolder& account) {
+    fs::create_directory(account.path() + "/db");
+    std::ofstream(account.path() + "/db/imsg.db", std::ios::app).flush();
+    transfer.rootPath = account.path();
+    transfer.msgMap[messages().front().targetID] = messages();
+    if (transfer.wtMsgToDB() != chattransfer::kSuccess) throw std::runtime_error("nothing was inserted");
+}
 
 void selectMessages(benchmark::State& state) {
+    const app::PrivateFolder folder;
     dbTrans transfer;
-    transfer.rootPath = ground().at("account");
-    if (transfer.dbOpen() == 0) return state.SkipWithError("the account does not open");
-    const std::string table = messageTable(transfer);
-    for (auto _ : state)
-        selectAll(transfer.mainDb, table, [](const st_dbMessageBean& message) { benchmark::DoNotOptimize(&message); });
-    countMessages(state);
+    insertInto(transfer, folder);
+    repeat(state, [&transfer] {
+        imsdk::dbDataReader reader = transfer.mainDb.excuteQuery(("select * from " + messageTable()).c_str());
+        st_dbMessageBean message;
+        while (reader.read() != 0)
+            chattransfer::readMessageRow(reader, message);
+        benchmark::DoNotOptimize(message.msgID);
+    });
 }
 BENCHMARK(selectMessages);
 
-// One transaction per thousand messages, as an import does; the rows are removed outside the measured time.
+// One transaction per thousand messages; the rows are removed outside the measured time.
 void insertMessages(benchmark::State& state) {
+    const app::PrivateFolder folder;
     dbTrans transfer;
-    transfer.rootPath = ground().at("empty");
-    if (transfer.dbOpen() == 0) return state.SkipWithError("the account does not open");
-    transfer.getTables();
-    chattransfer::TableIndex index(transfer.tableNames);
-    const std::string table =
-        chattransfer::openMessageTable(transfer.report, transfer.mainDb, index, messages().front().targetID);
-    for (auto _ : state) {
-        {
-            const DbTranHelper transaction(&transfer.mainDb);
-            imsdk::dbCommand insert(&transfer.mainDb, chattransfer::insertMessageStatement(table).c_str());
-            for (const st_dbMessageBean& message : messages())
-                chattransfer::insertMessage(transfer.report, transfer.mainDb, insert, message);
-        }
+    repeat(state, [&] {
+        insertInto(transfer, folder);
         state.PauseTiming();
-        transfer.mainDb.excuteNonQuery(("delete from " + table).c_str());
+        transfer.mainDb.excuteNonQuery(("delete from " + messageTable()).c_str());
         state.ResumeTiming();
-    }
-    countMessages(state);
+    });
 }
 BENCHMARK(insertMessages);
 
 // --- Cipher: the key is derived once, before the measured time ---
 
-void decryptFile(benchmark::State& state) {
-    const auto size = static_cast<std::size_t>(state.range(0));
-    const std::string plain = ground().at("plain");
-    const std::string encrypted = ground().at("encrypted");
+void runCipher(bool encrypt, const std::string& from, const std::string& to) {
     std::array<char, 256> error{};
-    CAES cipher;
-    const bool ready =
-        tools::writeWholeFile(plain, std::string(size, 'x')) &&
-        cipher.File_Aes_Go_Block(true, bench::kKeyText, plain.c_str(), encrypted.c_str(), error.data()) == 0;
-    if (!ready) return state.SkipWithError("the file cannot be encrypted");
-    for (auto _ : state) {
-        CAES one;  // an object serves one file
-        if (one.File_Aes_Go_Block(false, bench::kKeyText, encrypted.c_str(), plain.c_str(), error.data()) != 0)
-            return state.SkipWithError(error.data());
-    }
+    CAES cipher;  // an object serves one file
+    if (cipher.File_Aes_Go_Block(encrypt, bench::kKeyText, from.c_str(), to.c_str(), error.data()) != 0)
+        throw std::runtime_error(error.data());
+}
+
+void decryptFile(benchmark::State& state) {
+    const app::PrivateFolder folder;
+    const std::string plain = folder.path() + "/plain";
+    const std::string encrypted = folder.path() + "/encrypted";
+    if (!tools::writeWholeFile(plain, std::string(static_cast<std::size_t>(state.range(0)), 'x')))
+        return state.SkipWithError("the file cannot be written");
+    runCipher(true, plain, encrypted);
+    for (auto _ : state)
+        runCipher(false, encrypted, plain);
     state.SetBytesProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(decryptFile)->Arg(20 << 10)->Arg(4 << 20);
 
 // --- Paths ---
 
-void makeUniqueName(benchmark::State& state) {
-    const std::string url = "https://media.example.org/2019/03/a/picture%20of%20the%20garden.jpeg?size=large";
-    for (auto _ : state)
-        benchmark::DoNotOptimize(tools::getUniqueNameByUrl(url, true));
+template <class Work>
+void addPiece(const char* name, Work work) {
+    benchmark::RegisterBenchmark(name, [work](benchmark::State& state) {
+        for (auto _ : state)
+            benchmark::DoNotOptimize(work());
+    });
 }
-BENCHMARK(makeUniqueName);
 
-void checkConfinedName(benchmark::State& state) {
-    const std::string name = "2019/03/media/f4000000000000042.pdf";
-    for (auto _ : state)
-        benchmark::DoNotOptimize(tools::isConfinedName(name));
+void addPaths(dbTrans& transfer) {
+    static const std::string name = "2019/03/media/f4000000000000042.pdf";
+    static std::string path = "/data/account/qelbackup/2000000000000001/1000000000000042/history.mg.decrypt";
+    static std::string folder;
+    addPiece("makeUniqueName", [] {
+        return tools::getUniqueNameByUrl("https://media.example.org/a/picture%20of%20the%20garden.jpeg?size=large",
+                                         true);
+    });
+    addPiece("checkConfinedName", [] { return tools::isConfinedName(name); });
+    addPiece("takeConversationOfPath", [&transfer] { return transfer.getTargetIDFromePath(path); });
+    addPiece("convertSavePath", [&transfer] { return transfer.getSavePath("/a/bb/cccc/dd/picture.jpg", folder); });
+    addPiece("splitPath", [&transfer] {
+        return transfer.baseName(name) + transfer.filName(name) + transfer.validatePath(name.c_str());
+    });
 }
-BENCHMARK(checkConfinedName);
-
-void takeConversationOfPath(benchmark::State& state) {
-    dbTrans transfer;
-    std::string path = "/data/account/qelbackup/2000000000000001/1000000000000042/history.mg.decrypt";
-    for (auto _ : state)
-        benchmark::DoNotOptimize(transfer.getTargetIDFromePath(path));
-}
-BENCHMARK(takeConversationOfPath);
-
-void convertSavePath(benchmark::State& state) {
-    dbTrans transfer;
-    std::string folder;
-    for (auto _ : state)
-        benchmark::DoNotOptimize(transfer.getSavePath("/a/bb/cccc/dd/picture.jpg", folder));
-}
-BENCHMARK(convertSavePath);
-
-void splitPath(benchmark::State& state) {
-    dbTrans transfer;
-    const std::string path = "2019/03/media/f4000000000000042.pdf";
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(transfer.baseName(path));
-        benchmark::DoNotOptimize(transfer.filName(path));
-        benchmark::DoNotOptimize(transfer.validatePath(path.c_str()));
-    }
-}
-BENCHMARK(splitPath);
 
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    dbTrans transfer;
+    addPaths(transfer);
+    benchmark::RunSpecifiedBenchmarks();
+}

@@ -6,25 +6,25 @@
 //   floor-export days|packed ACCOUNT TO
 //
 // Attachments are left out: the accounts that it is measured on name some but have none.
-#include <fcntl.h>
-#include <sys/uio.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
-#include <memory>
+#include <fstream>
+#include <initializer_list>
+#include <iterator>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
-#include "bench/floor/message_json.h"
+#include "bench/floor/json.h"
+#include "bench/floor/records.h"
+#include "bench/floor/sqlite_handles.h"
 #include "bench/names.h"
-#include "bench/sqlite_handles.h"
 
 namespace bench {
 namespace {
@@ -32,149 +32,118 @@ namespace {
 constexpr std::size_t kMessagesPerEntry = 250;
 constexpr std::size_t kMessagesPerFile = 1000;
 
-struct Date {
-    int year = 0;
-    int month = 0;
-    int day = 0;
-
-    bool operator==(const Date& other) const { return year == other.year && month == other.month && day == other.day; }
-};
-
-struct HashDate {
-    std::size_t operator()(const Date& date) const {
-        return (static_cast<std::size_t>(date.year) * 16 + static_cast<std::size_t>(date.month)) * 32 +
-               static_cast<std::size_t>(date.day);
-    }
-};
-
-// The pieces of one file, written together.
-class Pieces {
-public:
-    void add(std::string_view piece) {
-        // The system's type has no const form; writing does not change the bytes.
-        pieces_.push_back({const_cast<char*>(piece.data()), piece.size()});  // NOLINT(*-const-cast)
-    }
-
-    void write(const std::string& path) {
-        const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-        bool whole = file >= 0;
-        for (std::size_t i = 0; whole && i < pieces_.size(); i += kAtOnce)
-            whole = writeSome(file, pieces_.data() + i, std::min(kAtOnce, pieces_.size() - i));
-        if (close(file) != 0 || !whole) throw std::runtime_error("cannot write " + path);
-        pieces_.clear();
-    }
-
-private:
-    static constexpr std::size_t kAtOnce = 1024;  // the system takes no more
-
-    static bool writeSome(int file, const iovec* pieces, std::size_t count) {
-        std::size_t size = 0;
-        for (std::size_t i = 0; i < count; ++i)
-            size += pieces[i].iov_len;
-        return writev(file, pieces, static_cast<int>(count)) == static_cast<ssize_t>(size);
-    }
-
-    std::vector<iovec> pieces_;
-};
-
 const std::string kFileBegin = std::string(R"({"version":")") + kVersion + R"(","msgs":[)";
 constexpr std::string_view kFileEnd = "]}";
 constexpr std::string_view kDayBegin = R"({"msgs":[)";
 
-std::string dayEnd(const Date& date) {
-    return R"(],"date":{"year":)" + std::to_string(date.year) + R"(,"month":)" + std::to_string(date.month) +
-           R"(,"day":)" + std::to_string(date.day) + "}}";
+struct Date {
+    int year;
+    int month;
+    int day;
+
+    int number() const { return (year * 16 + month) * 32 + day; }
+    std::string key(char separator) const {
+        return std::to_string(year) + separator + std::to_string(month) + separator + std::to_string(day);
+    }
+    std::string end() const {
+        return R"(],"date":{"year":)" + std::to_string(year) + R"(,"month":)" + std::to_string(month) + R"(,"day":)" +
+               std::to_string(day) + "}}";
+    }
+};
+
+// --- Text ---
+
+void append(Output& output, std::string_view text) {
+    output.take(put(output.reserve(text.size()), text));
+}
+
+BENCH_INLINE void appendNumber(Output& output, std::string_view key, sqlite3_stmt* row, int column) {
+    char* out = put(output.reserve(key.size() + kNumberRoom), key);
+    output.take(putNumber(out, sqlite3_column_int64(row, column)));
+}
+
+BENCH_INLINE void appendText(Output& output, std::string_view key, sqlite3_stmt* row, int column) {
+    const std::string_view text = textOf(row, column);
+    output.take(putQuoted(put(output.reserve(key.size() + quotedRoom(text.size())), key), text));
+}
+
+void appendMessage(Output& output, sqlite3_stmt* row) {
+    forEachMessageKey([&output, row](std::string_view key, int column, auto member) BENCH_INLINED_LAMBDA {
+        if constexpr (kIsText<decltype(member)>) {
+            appendText(output, key, row, column);
+        } else if constexpr (kIsList<decltype(member)>) {
+            const std::string_view ids = textOf(row, column);
+            output.take(putList(put(output.reserve(key.size() + ids.size() + 2), key), ids));
+        } else {
+            appendNumber(output, key, row, column);
+        }
+    });
+    append(output, "}");
+}
+
+// --- Days ---
+
+void writeFile(const std::string& path, std::initializer_list<std::string_view> pieces) {
+    std::ofstream file(path, std::ios::binary);
+    for (const std::string_view piece : pieces)
+        file << piece;
+    if (!file.flush()) throw std::runtime_error("cannot write " + path);
 }
 
 // The messages that stand under one key: their text, joined by ",", and where each ends.
 struct Entry {
-    std::string key;
-    Date date;
+    Date date{};
     Output text;
     std::vector<std::size_t> ends;
     std::string writtenAs;  // not empty: the text is in this file already
-};
 
-// Writes entries as files of their own.
-class EntryFiles {
-public:
-    explicit EntryFiles(std::string folder) : folder_(std::move(folder)) {}
-
-    // The entry's number is known only when all keys are: until then it has a name of its own.
-    void writeEarly(Entry& entry) {
-        entry.writtenAs = folder_ + "full_" + std::to_string(early_++);
-        write(entry, entry.writtenAs);
+    void write(const std::string& path) const {
+        writeFile(path, {kFileBegin, kDayBegin, text.text(), date.end(), kFileEnd});
     }
 
-    void finish(const Entry& entry, int number) {
-        const std::string path = folder_ + "msg_" + std::to_string(number) + ".mg";
-        if (entry.writtenAs.empty()) {
-            write(entry, path);
-        } else if (std::rename(entry.writtenAs.c_str(), path.c_str()) != 0) {
-            throw std::runtime_error("cannot name " + path);
-        }
+    std::string_view messages(std::size_t first, std::size_t last) const {
+        if (first == last) return "";
+        const std::size_t begin = first == 0 ? 0 : ends[first - 1] + 1;
+        return text.text().substr(begin, ends[last - 1] - begin);
     }
-
-private:
-    void write(const Entry& entry, const std::string& path) {
-        const std::string end = dayEnd(entry.date);
-        file_.add(kFileBegin);
-        file_.add(kDayBegin);
-        file_.add({entry.text.data(), entry.text.size()});
-        file_.add(end);
-        file_.add(kFileEnd);
-        file_.write(path);
-    }
-
-    std::string folder_;
-    Pieces file_;
-    int early_ = 0;
 };
 
 class Entries {
 public:
-    // Without a limit, `files` is not used and may be null.
-    Entries(char separator, std::size_t limit, EntryFiles* files)
-        : separator_(separator), limit_(limit), files_(files) {}
+    // An entry that reaches the limit is written into the folder at once.
+    Entries(char separator, std::size_t limit, std::string folder)
+        : separator_(separator), limit_(limit), folder_(std::move(folder)) {}
 
     Entry& of(const Date& date) {
-        if (current_ == nullptr || !(currentDate_ == date)) {
-            current_ = &days_[date];
-            currentDate_ = date;
-            if (current_->open == nullptr) open(*current_, dayKey(date), date);
+        if (current_ == nullptr || date.number() != currentDate_) {
+            currentDate_ = date.number();
+            current_ = &days_[currentDate_];
+            if (current_->open == nullptr) open(*current_, date, "");
         }
-        if (current_->open->ends.size() == limit_) openNext(*current_, date);
+        if (current_->open->ends.size() == limit_) openNext(*current_);
         return *current_->open;
     }
 
-    std::vector<std::unique_ptr<Entry>>& inKeyOrder() {
-        std::sort(entries_.begin(), entries_.end(), [](const auto& a, const auto& b) { return a->key < b->key; });
-        return entries_;
-    }
+    const std::map<std::string, Entry>& inKeyOrder() const { return entries_; }
 
 private:
-    struct DayState {
+    struct Day {
         Entry* open = nullptr;
         int overflow = 0;
     };
 
-    std::string dayKey(const Date& date) const {
-        return std::to_string(date.year) + separator_ + std::to_string(date.month) + separator_ +
-               std::to_string(date.day);
-    }
-
-    void open(DayState& day, std::string key, const Date& date) {
-        entries_.push_back(std::make_unique<Entry>());
-        day.open = entries_.back().get();
-        day.open->key = std::move(key);
+    void open(Day& day, const Date& date, const std::string& ending) {
+        day.open = &entries_[date.key(separator_) + ending];
         day.open->date = date;
     }
 
-    // The next entry of the day takes over the room of the full one.
-    void openNext(DayState& day, const Date& date) {
+    // The next entry of the day takes over the room of the full one. The number of a full entry's file is known only
+    // when all keys are: until then it has a name of its own.
+    void openNext(Day& day) {
         Entry& full = *day.open;
-        files_->writeEarly(full);
-        open(day, dayKey(date) + "_" + std::to_string(++day.overflow), date);
+        full.writtenAs = folder_ + "full_" + std::to_string(early_++);
+        full.write(full.writtenAs);
+        open(day, full.date, "_" + std::to_string(++day.overflow));
         day.open->text = std::move(full.text);
         day.open->ends = std::move(full.ends);
         day.open->text.clear();
@@ -183,132 +152,80 @@ private:
 
     char separator_;
     std::size_t limit_;
-    EntryFiles* files_;
-    std::vector<std::unique_ptr<Entry>> entries_;
-    std::unordered_map<Date, DayState, HashDate> days_;
-    DayState* current_ = nullptr;
-    Date currentDate_;
+    std::string folder_;
+    int early_ = 0;
+    std::map<std::string, Entry> entries_;
+    std::unordered_map<int, Day> days_;
+    Day* current_ = nullptr;
+    int currentDate_ = 0;
 };
-
-std::vector<std::string> messageTables(sqlite3* db) {
-    std::vector<std::string> names;
-    const Statement list = prepare(db, "select name from sqlite_master where type='table'");
-    while (step(list.get())) {
-        const std::string_view name = textOf(list.get(), 0);
-        if (name.substr(0, 7) == "im_msg_") names.emplace_back(name);
-    }
-    return names;
-}
-
-std::string selection(const std::string& table) {
-    const std::string year = std::to_string(kSinceYear);
-    const std::string month = std::to_string(kSinceMonth);
-    const std::string day = std::to_string(kSinceDay);
-    return "select * from " + table + " where (year_ > " + year + ") or (year_ = " + year + " and mon > " + month +
-           ") or (year_ = " + year + " and mon = " + month + " and day_ >= " + day + ")";
-}
 
 void selectMessages(sqlite3* db, Entries& entries) {
     for (const std::string& table : messageTables(db)) {
-        const Statement rows = prepare(db, selection(table));
+        const Statement rows = prepare(db, "select * from " + table + kWhereSince);
         sqlite3_stmt* row = rows.get();
         while (step(row)) {
             Entry& entry =
                 entries.of({sqlite3_column_int(row, 11), sqlite3_column_int(row, 12), sqlite3_column_int(row, 13)});
-            if (!entry.ends.empty()) entry.text.take(put(entry.text.reserve(1), ","));
+            if (!entry.ends.empty()) append(entry.text, ",");
             appendMessage(entry.text, row);
             entry.ends.push_back(entry.text.size());
         }
     }
 }
 
-void finishDays(Entries& entries, EntryFiles& files) {
-    int number = 0;
-    for (const std::unique_ptr<Entry>& entry : entries.inKeyOrder())
-        files.finish(*entry, number++);
+// --- Files ---
+
+std::string fileName(int number) {
+    return "msg_" + std::to_string(number) + ".mg";
 }
 
-// The messages [first, last) of an entry.
-std::string_view messagesOf(const Entry& entry, std::size_t first, std::size_t last) {
-    if (first == last) return "";
-    const std::size_t begin = first == 0 ? 0 : entry.ends[first - 1] + 1;
-    return {entry.text.data() + begin, entry.ends[last - 1] - begin};
+void writeDays(const Entries& entries, const std::string& folder) {
+    int number = 0;
+    for (const auto& [key, entry] : entries.inKeyOrder()) {
+        const std::string path = folder + fileName(number++);
+        if (entry.writtenAs.empty()) {
+            entry.write(path);
+        } else {
+            std::filesystem::rename(entry.writtenAs, path);
+        }
+    }
 }
 
 // Files of a thousand messages. A full file inside the last day ends the package; elsewhere the next one begins with
 // the day that filled it, even when nothing of that day is left.
-void writePacked(Entries& entries, const std::string& folder) {
+void writePacked(const Entries& entries, const std::string& folder) {
     const auto& all = entries.inKeyOrder();
-    std::vector<std::string> ends;
-    ends.reserve(all.size());
-    for (const auto& entry : all)
-        ends.push_back(dayEnd(entry->date));
-    Pieces file;
+    std::ofstream file;
     std::size_t room = 0;
     std::size_t resume = 0;
     int number = 0;
-    for (std::size_t i = 0; i < all.size();) {
+    for (auto day = all.begin(); day != all.end();) {
+        const Entry& entry = day->second;
         const bool begins = room == 0;
-        if (begins) room = kMessagesPerFile;
-        const std::size_t last = std::min(resume + room, all[i]->ends.size());
-        file.add(begins ? std::string_view(kFileBegin) : std::string_view(","));
-        file.add(kDayBegin);
-        file.add(messagesOf(*all[i], resume, last));
-        file.add(ends[i]);
+        if (begins) {
+            room = kMessagesPerFile;
+            file.open(folder + fileName(number++), std::ios::binary);
+        }
+        const std::size_t last = std::min(resume + room, entry.ends.size());
+        file << (begins ? kFileBegin : ",") << kDayBegin << entry.messages(resume, last) << entry.date.end();
         room -= last - resume;
-        const bool lastDay = i + 1 == all.size();
+        const bool lastDay = std::next(day) == all.end();
         if (room == 0 || lastDay) {
-            file.add(kFileEnd);
-            file.write(folder + "msg_" + std::to_string(number++) + ".mg");
+            file << kFileEnd;
+            file.close();
+            if (!file) throw std::runtime_error("cannot write below " + folder);
         }
         resume = room == 0 && !lastDay ? last : 0;
-        if (room != 0 || lastDay) ++i;
+        if (room != 0 || lastDay) ++day;
     }
 }
 
-void appendContact(Output& output, sqlite3_stmt* row) {
-    struct Key {
-        std::string_view before;
-        int column;
-        bool text;
-    };
-    constexpr std::array<Key, 12> kKeys = {{{"{\"targetID\":", 0, false},
-                                            {",\"lastMsgid\":", 1, false},
-                                            {",\"time\":", 2, false},
-                                            {",\"type\":", 3, false},
-                                            {",\"top\":", 4, false},
-                                            {",\"wherefrom\":", 5, true},
-                                            {",\"msgType\":", 6, false},
-                                            {",\"activeType\":", 7, false},
-                                            {",\"lastMsg\":", 8, true},
-                                            {",\"msgProp\":", 9, true},
-                                            {",\"name\":", 10, true},
-                                            {",\"securityLevel\":", 12, false}}};
-    for (const Key& key : kKeys) {
-        const std::string_view text = key.text ? textOf(row, key.column) : std::string_view();
-        char* out = put(output.reserve(key.before.size() + kNumberRoom + quotedRoom(text.size())), key.before);
-        output.take(key.text ? putQuoted(out, text) : putNumber(out, sqlite3_column_int64(row, key.column)));
-    }
-    output.take(put(output.reserve(1), "}"));
-}
-
-Output contactList(sqlite3* db) {
-    Output list;
-    const Statement rows = prepare(db, "select * from im_reContact");
-    while (step(rows.get())) {
-        if (list.size() != 0) list.take(put(list.reserve(1), ","));
-        appendContact(list, rows.get());
-    }
-    return list;
-}
-
-void writeContacts(const Output& contacts, const std::string& folder) {
+void writeContacts(sqlite3* db, const std::string& folder) {
+    const Statement list = prepare(db, kSelectContacts);
+    step(list.get());
     const std::string begin = std::string(R"({"version":")") + kVersion + R"(","recontact":[)";
-    Pieces file;
-    file.add(begin);
-    file.add({contacts.data(), contacts.size()});
-    file.add(kFileEnd);
-    file.write(folder + "recontact.mg");
+    writeFile(folder + "recontact.mg", {begin, textOf(list.get(), 0), kFileEnd});
 }
 
 void exportAccount(bool packed, const std::string& account, const std::string& to) {
@@ -316,18 +233,11 @@ void exportAccount(bool packed, const std::string& account, const std::string& t
     const std::string folder = to + kMessageFolder;
     std::filesystem::create_directories(folder);
     std::filesystem::create_directories(to + kAttachmentFolder);
-    if (packed) {
-        Entries entries('_', static_cast<std::size_t>(-1), nullptr);
-        selectMessages(db.get(), entries);
-        writePacked(entries, folder);
-        return;
-    }
-    const Output contacts = contactList(db.get());
-    EntryFiles files(folder);
-    Entries entries(':', kMessagesPerEntry, &files);
+    Entries entries(packed ? '_' : ':', packed ? static_cast<std::size_t>(-1) : kMessagesPerEntry, folder);
     selectMessages(db.get(), entries);
-    finishDays(entries, files);
-    writeContacts(contacts, folder);
+    if (packed) return writePacked(entries, folder);
+    writeDays(entries, folder);
+    writeContacts(db.get(), folder);
 }
 
 }  // namespace
@@ -335,10 +245,7 @@ void exportAccount(bool packed, const std::string& account, const std::string& t
 
 int main(int argc, char** argv) try {
     const std::string_view layout = argc == 4 ? argv[1] : "";
-    if (layout != "days" && layout != "packed") {
-        std::fputs("usage: floor-export days|packed ACCOUNT TO\n", stderr);
-        return 2;
-    }
+    if (layout != "days" && layout != "packed") throw std::runtime_error("usage: floor-export days|packed ACCOUNT TO");
     bench::exportAccount(layout == "packed", argv[2], argv[3]);
     return 0;
 } catch (const std::exception& error) {
