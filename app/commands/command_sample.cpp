@@ -94,7 +94,8 @@ private:
                 chattransfer::openMessageTable(transfer_.report, transfer_.mainDb, index, conversation.id);
             imsdk::dbCommand insert(&transfer_.mainDb, chattransfer::insertMessageStatement(table).c_str());
             for (const imsdk::st_dbMessageBean& message : messages) {
-                chattransfer::insertMessage(transfer_.report, transfer_.mainDb, insert, message);
+                // A new table refuses none for what it says; what the machine refuses ends the transaction.
+                static_cast<void>(chattransfer::insertMessage(transfer_.report, transfer_.mainDb, insert, message));
                 ++messagesByType_[message.msgType];
             }
             fillClientColumns(transfer_.mainDb, table);

@@ -8,6 +8,7 @@
 #include "app/base/failure.h"
 #include "app/base/json_texts.h"
 #include "app/places/new_file.h"
+#include "app/sample/put_field.h"
 #include "app/sample/sample_texts.h"
 #include "host/tools.h"
 #include "transfer/format/attachment_body.h"
@@ -50,7 +51,7 @@ class ListFile {
 public:
     ListFile(const std::string& version, const char* listKey) : document_(json_value_init_object()) {
         JSON_Object* object = json_value_get_object(document_.get());
-        chattransfer::setField(object, chattransfer::kVersionKey, version);
+        putField(object, chattransfer::kVersionKey, version);
         json_object_set_value(object, listKey, json_value_init_array());
         list_ = json_object_get_array(object, listKey);
     }
@@ -70,8 +71,8 @@ private:
 
 void appendRoom(ListFile& file, const std::string& name, int top, const std::vector<long long>& members) {
     JSON_Object* room = file.append();
-    chattransfer::setField(room, "name", name);
-    chattransfer::setField(room, "top", top);
+    putField(room, "name", name);
+    putField(room, "top", top);
     chattransfer::setList(room, chattransfer::kRoomMembersKey,
                           tools::int64_To_String(members, chattransfer::kListSeparator));
 }
@@ -155,9 +156,8 @@ void TreeSample::writeContacts() {
     ListFile file(settings_.version, chattransfer::kRecentContactsKey);
     for (const imsdk::st_dbReContactBean& contact : contacts_) {
         JSON_Object* object = file.append();
-        chattransfer::forEachRecentContactField(contact, [object](int /*column*/, const char* name, const auto& field) {
-            chattransfer::setField(object, name, field);
-        });
+        chattransfer::forEachRecentContactField(
+            contact, [object](int /*column*/, const char* name, const auto& field) { putField(object, name, field); });
     }
     file.write(folder_ + "contacts" + chattransfer::kContactExtension);
     counts_.contacts = static_cast<long long>(contacts_.size());
@@ -187,8 +187,8 @@ void TreeSample::writeNotes(const std::vector<long long>& ids) {
                                               : attachments_.make(note.type, chattransfer::kNoteFileKeys,
                                                                   "note_" + std::to_string(i + 1), kLastDay, random);
         JSON_Object* object = file.append();
-        chattransfer::forEachNoteKey(
-            note, [object](const char* key, const auto& field) { chattransfer::setField(object, key, field); });
+        chattransfer::forEachNoteKey(note,
+                                     [object](const char* key, const auto& field) { putField(object, key, field); });
     }
     file.write(folder_ + "notes" + chattransfer::kNoteExtension);
     counts_.notes = kNotes;

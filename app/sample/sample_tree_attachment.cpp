@@ -1,10 +1,12 @@
 #include "app/sample/sample_tree_attachment.h"
 
 #include <cerrno>
+#include <new>
 
 #include "app/base/failure.h"
 #include "app/base/json_texts.h"
 #include "app/places/new_file.h"
+#include "app/sample/put_field.h"
 #include "app/sample/sample_media.h"
 #include "app/sample/sample_texts.h"
 #include "host/tools.h"
@@ -44,15 +46,15 @@ std::string TreeAttachmentMaker::make(int type, const TreeFileKeys& keys, const 
     const auto addPhoto = [&](JSON_Object* target, const std::string& name) {
         const SamplePhoto photo = pickPhoto(random);
         const std::string path = "image/" + day + "/" + name;
-        chattransfer::setField(target, keys.image, write(path + ".png", photo.picture));
-        chattransfer::setField(target, keys.thumbnail, write(path + "_small.png", photo.thumbnail));
+        putField(target, keys.image, write(path + ".png", photo.picture));
+        putField(target, keys.thumbnail, write(path + "_small.png", photo.thumbnail));
     };
     if (type == chattransfer::kVoiceMessage) {
-        chattransfer::setField(object, keys.voice, write("voice/" + day + "/voice_" + id + ".wav", pickVoice(random)));
+        putField(object, keys.voice, write("voice/" + day + "/voice_" + id + ".wav", pickVoice(random)));
     } else if (type == chattransfer::kFileMessage) {
         const bool document = random.oneIn(2);
         const std::string name = "file/" + day + (document ? "/Übersicht " + id + ".pdf" : "/メモ_" + id + ".txt");
-        chattransfer::setField(object, keys.file, write(name, document ? pickDocument(random) : makeNotes(random)));
+        putField(object, keys.file, write(name, document ? pickDocument(random) : makeNotes(random)));
     } else if (type == chattransfer::kImageMessage) {
         addPhoto(object, "photo_" + id);
     } else if (type == chattransfer::kPicturesMessage) {
@@ -61,12 +63,11 @@ std::string TreeAttachmentMaker::make(int type, const TreeFileKeys& keys, const 
         for (int i = 0; i < kPictures; ++i) {
             JsonDocument picture(json_value_init_object());
             addPhoto(json_value_get_object(picture.get()), "picture_" + id + "_" + std::to_string(i + 1));
-            chattransfer::appendValue(pictures, std::move(picture));
+            if (!chattransfer::appendValue(pictures, std::move(picture))) throw std::bad_alloc();
         }
     } else if (type == chattransfer::kVideoMessage) {
-        chattransfer::setField(object, keys.preview,
-                               write("video/" + day + "/preview_" + id + ".png", pickPhoto(random).picture));
-        chattransfer::setField(object, keys.video, write("video/" + day + "/video_" + id + ".mp4", pickVideo(random)));
+        putField(object, keys.preview, write("video/" + day + "/preview_" + id + ".png", pickPhoto(random).picture));
+        putField(object, keys.video, write("video/" + day + "/video_" + id + ".mp4", pickVideo(random)));
     }
     return textOf(body);
 }

@@ -16,8 +16,8 @@ class BoundValues {
 public:
     /// Keep the value and hand it to `statement`. The result is SQLite's; anything but SQLITE_OK leaves the placeholder
     /// without a usable value until it is bound anew.
-    int bindText(sqlite3_stmt* statement, int index, const char* text);
-    int bindNumber(sqlite3_stmt* statement, int index, long long number);
+    [[nodiscard]] int bindText(sqlite3_stmt* statement, int index, const char* text);
+    [[nodiscard]] int bindNumber(sqlite3_stmt* statement, int index, long long number);
 
     /// Hands all values to a statement that was prepared anew.
     void bindAll(sqlite3_stmt* statement);
@@ -26,7 +26,7 @@ public:
     void lose(int index) noexcept;
 
     /// Whether every value that was to be bound is.
-    bool areWhole() const { return lost_.empty() && !spoiled_; }
+    [[nodiscard]] bool areWhole() const { return lost_.empty() && !spoiled_; }
 
     void clear();
 
@@ -34,8 +34,8 @@ private:
     using Value = std::variant<std::monostate, long long, std::string>;  // NULL, a number or a text
 
     template <class Keep>
-    int keepAndBind(sqlite3_stmt* statement, int index, Keep keep);
-    int bind(sqlite3_stmt* statement, int index);
+    [[nodiscard]] int keepAndBind(sqlite3_stmt* statement, int index, Keep keep);
+    [[nodiscard]] int bind(sqlite3_stmt* statement, int index);
 
     std::deque<Value> values_;
     std::set<int> lost_;

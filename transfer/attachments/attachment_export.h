@@ -9,7 +9,7 @@ namespace chattransfer {
 
 /// Copies the attachment to `path`, which is relative to the package; the file itself lies flat in the account's folder
 /// for its kind. What is copied is not flushed.
-tools::FileOutcome exportAttachment(tools::ConfinedFolder& account, tools::ConfinedFolder& package,
-                                    const std::string& path);
+[[nodiscard]] tools::FileOutcome exportAttachment(tools::ConfinedFolder& account, tools::ConfinedFolder& package,
+                                                  const std::string& path);
 
 }  // namespace chattransfer

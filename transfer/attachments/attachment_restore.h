@@ -10,6 +10,7 @@ namespace chattransfer {
 
 /// Copies the files that a body names from the package into the account, where none of them stands; voice files in any
 /// case. 1 when the body is a JSON object of a type that carries files, else 0. The report counts the files.
-int restoreAttachments(TransferReport& report, AttachmentFolders& folders, const std::string& body, int msgType);
+[[nodiscard]] int restoreAttachments(TransferReport& report, AttachmentFolders& folders, const std::string& body,
+                                     int msgType);
 
 }  // namespace chattransfer

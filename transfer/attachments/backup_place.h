@@ -20,10 +20,10 @@ struct AttachmentSource {
 
 /// The attachments: a folder beneath `backup` when they are there, which may itself be, and may lie behind, a link of
 /// the user.
-tools::ConfinedFolder attachmentFolder(const AttachmentSource& source);
+[[nodiscard]] tools::ConfinedFolder attachmentFolder(const AttachmentSource& source);
 
 /// Reads all of the file `path` of the package in the folder `backup`. False when it is missing, no regular file or
 /// behind a link, or cannot be read.
-bool readBackupFile(const std::string& backup, const std::string& path, std::string& bytes);
+[[nodiscard]] bool readBackupFile(const std::string& backup, const std::string& path, std::string& bytes);
 
 }  // namespace chattransfer

@@ -31,7 +31,7 @@ struct TreeFileFolders {
 
 /// Moves the files that `body` names from the tree into the user's folders; what stands there already stays. 1 when the
 /// type carries files and the body is JSON, else 0. The report counts the files.
-int moveTreeFiles(TransferReport& report, TreeFileFolders& folders, const std::string& body, int type,
-                  const TreeFileKeys& keys);
+[[nodiscard]] int moveTreeFiles(TransferReport& report, TreeFileFolders& folders, const std::string& body, int type,
+                                const TreeFileKeys& keys);
 
 }  // namespace chattransfer

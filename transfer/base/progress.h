@@ -12,7 +12,7 @@ public:
     ProgressThrottle();
 
     /// True when a report is due, which the caller then sends; `last` makes it due in any case.
-    bool due(bool last);
+    [[nodiscard]] bool due(bool last);
 
 private:
     unsigned long long lastReport_;

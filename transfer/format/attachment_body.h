@@ -12,7 +12,7 @@ inline constexpr int kVoiceMessage = 3;
 inline constexpr int kImageMessage = 5;
 inline constexpr int kFileMessage = 6;
 
-inline bool carriesAttachments(int msgType) {
+[[nodiscard]] inline bool carriesAttachments(int msgType) {
     return msgType == kVoiceMessage || msgType == kImageMessage || msgType == kFileMessage;
 }
 
@@ -27,12 +27,12 @@ struct AttachmentBody {
     std::string fileName;  ///< voice and files
 
     /// Voice and files: the folder of mediaUrl (all of it when it has no "/"), "/" and fileName.
-    std::string packagePath() const;
+    [[nodiscard]] std::string packagePath() const;
 };
 
-AttachmentBody readAttachmentBody(const std::string& body, int msgType);
+[[nodiscard]] AttachmentBody readAttachmentBody(const std::string& body, int msgType);
 
 /// The text before the last "/"; all of it when there is none.
-std::string folderOf(const std::string& path);
+[[nodiscard]] std::string folderOf(const std::string& path);
 
 }  // namespace chattransfer

@@ -37,6 +37,6 @@ enum class ReadKeys {
 };
 
 /// Reads a message file. The text is used up.
-MessageFileContent readMessageFileText(std::string& text, ReadKeys keys = ReadKeys::ofImport);
+[[nodiscard]] MessageFileContent readMessageFileText(std::string& text, ReadKeys keys = ReadKeys::ofImport);
 
 }  // namespace chattransfer

@@ -7,10 +7,12 @@ namespace chattransfer {
 
 using tools::JsonDocument;
 
+// A member for which there is no memory is left out: these documents are handed to a host, which gets what there is.
+
 JsonDocument makeFileHead(const std::string& version) {
     JsonDocument file(json_value_init_object());
     JSON_Object* object = json_value_get_object(file.get());
-    setField(object, kVersionKey, version);
+    static_cast<void>(setField(object, kVersionKey, version));
     setValue(object, kMessagesKey, JsonDocument(json_value_init_array()));
     return file;
 }
@@ -24,8 +26,9 @@ JsonDocument makeMessageList() {
 JsonDocument makeMessage(const imsdk::st_dbMessageBean& record) {
     JsonDocument message(json_value_init_object());
     JSON_Object* object = json_value_get_object(message.get());
-    forEachMessageKey(record,
-                      [object](const char* key, KeyUse /*use*/, const auto& field) { setField(object, key, field); });
+    forEachMessageKey(record, [object](const char* key, KeyUse /*use*/, const auto& field) {
+        static_cast<void>(setField(object, key, field));
+    });
     forEachMessageList(record, [object](const char* key, const std::string& joined) { setList(object, key, joined); });
     return message;
 }

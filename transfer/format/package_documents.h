@@ -10,11 +10,11 @@
 namespace chattransfer {
 
 /// A file without days.
-tools::JsonDocument makeFileHead(const std::string& version);
+[[nodiscard]] tools::JsonDocument makeFileHead(const std::string& version);
 
 /// {"msgs": []}
-tools::JsonDocument makeMessageList();
+[[nodiscard]] tools::JsonDocument makeMessageList();
 
-tools::JsonDocument makeMessage(const imsdk::st_dbMessageBean& record);
+[[nodiscard]] tools::JsonDocument makeMessage(const imsdk::st_dbMessageBean& record);
 
 }  // namespace chattransfer

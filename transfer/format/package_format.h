@@ -70,7 +70,7 @@ void forEachMessageList(Record& record, Visit&& visit) {
 }
 
 /// The package in the folder `backup`, ending in "/".
-inline std::string packageRoot(const std::string& backup) {
+[[nodiscard]] inline std::string packageRoot(const std::string& backup) {
     return backup + "/" + kPackageName + "/";
 }
 
@@ -82,10 +82,10 @@ struct CalendarDay {
 };
 
 /// The first three numbers of a day key; 0 for what is missing.
-CalendarDay dayOfKey(const std::string& dayKey, const char* separator);
+[[nodiscard]] CalendarDay dayOfKey(const std::string& dayKey, const char* separator);
 
 /// The path of message file `number` in `folder` (which ends in "/"). Empty when it passes 259 bytes: such a file
 /// counts as missing.
-std::string messageFilePath(const std::string& folder, int number);
+[[nodiscard]] std::string messageFilePath(const std::string& folder, int number);
 
 }  // namespace chattransfer

@@ -27,7 +27,7 @@ public:
     void addDay(const CalendarDay& day, const imsdk::st_dbMessageBean* first, const imsdk::st_dbMessageBean* last);
 
     /// Completes the file; the text is valid until the next begin().
-    std::string_view finish();
+    [[nodiscard]] std::string_view finish();
 
 private:
     std::string version_;

@@ -10,7 +10,7 @@ namespace chattransfer {
 inline constexpr int kPicturesMessage = 28;
 inline constexpr int kVideoMessage = 89;
 
-bool carriesTreeFiles(int type);
+[[nodiscard]] bool carriesTreeFiles(int type);
 
 /// The keys under which a body names its files, by type.
 struct TreeFileKeys {
@@ -38,11 +38,11 @@ struct TreeFile {
 };
 
 /// The folder of the account for files of the kind: kAudioFolder or one of its siblings.
-const char* accountFolderOf(TreeFileKind kind);
+[[nodiscard]] const char* accountFolderOf(TreeFileKind kind);
 
 /// Calls visit(file) for each file that the body names. False, without a call, when the type carries no files or the
 /// body is no JSON.
-bool forEachTreeFile(const std::string& body, int type, const TreeFileKeys& keys,
-                     const std::function<void(const TreeFile&)>& visit);
+[[nodiscard]] bool forEachTreeFile(const std::string& body, int type, const TreeFileKeys& keys,
+                                   const std::function<void(const TreeFile&)>& visit);
 
 }  // namespace chattransfer

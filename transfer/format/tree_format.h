@@ -23,7 +23,7 @@ inline constexpr const char* kRoomsKey = "room";
 inline constexpr const char* kRoomMembersKey = "targetID";
 
 /// The tree of `user` in the folder `backup`, ending in "/".
-inline std::string treeRoot(const std::string& backup, const std::string& user) {
+[[nodiscard]] inline std::string treeRoot(const std::string& backup, const std::string& user) {
     return backup + kTreeFolder + user + "/";
 }
 

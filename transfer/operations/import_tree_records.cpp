@@ -33,7 +33,9 @@ int dbTrans::importFile3(std::string content, int type) {
 int dbTrans::readNoteFromFileNJ() {
     chattransfer::TreeFileFolders folders = chattransfer::treeFileFoldersOf(*this);
     const auto moveFiles = [&](const st_noteTrans& note) {
-        chattransfer::moveTreeFiles(report, folders, note.content, note.type, chattransfer::kNoteFileKeys);
+        // A note is one with or without files; what became of them is in the report.
+        static_cast<void>(
+            chattransfer::moveTreeFiles(report, folders, note.content, note.type, chattransfer::kNoteFileKeys));
     };
     return asInt(
         chattransfer::readTreeRecords(chattransfer::treeOf(*this), chattransfer::kNoteFiles, report, notes, moveFiles));

@@ -11,28 +11,28 @@
 
 namespace chattransfer {
 
-inline Progress progressOf(const dbTrans& transfer) {
+[[nodiscard]] inline Progress progressOf(const dbTrans& transfer) {
     return {transfer.progressListener, transfer.progressContext};
 }
 
-inline AttachmentSource attachmentSourceOf(const dbTrans& transfer) {
+[[nodiscard]] inline AttachmentSource attachmentSourceOf(const dbTrans& transfer) {
     return {transfer.backupPath, transfer.imFileDir, transfer.rehearsalSource, transfer.rehearsal};
 }
 
-inline AttachmentFolders attachmentFoldersOf(const dbTrans& transfer) {
+[[nodiscard]] inline AttachmentFolders attachmentFoldersOf(const dbTrans& transfer) {
     return {attachmentSourceOf(transfer), transfer.rootPath};
 }
 
-inline AttachmentPaths attachmentPathsOf(dbTrans& transfer) {
+[[nodiscard]] inline AttachmentPaths attachmentPathsOf(dbTrans& transfer) {
     return {transfer.audioPaths, transfer.filePaths, transfer.imagePaths};
 }
 
-inline TreeFileFolders treeFileFoldersOf(const dbTrans& transfer) {
+[[nodiscard]] inline TreeFileFolders treeFileFoldersOf(const dbTrans& transfer) {
     return {attachmentSourceOf(transfer),
             {transfer.userAudioDir, transfer.userFileDir, transfer.userImageDir, transfer.userVideoDir}};
 }
 
-inline UserTree treeOf(const dbTrans& transfer) {
+[[nodiscard]] inline UserTree treeOf(const dbTrans& transfer) {
     return {treeRoot(transfer.backupPath, transfer.packageSubDir), transfer.dbKey, transfer.packageVersion};
 }
 

@@ -31,7 +31,7 @@ unsigned int dbTrans::wtRecontactToDb() {
     if (made != chattransfer::kSuccess) return made;
     return chattransfer::inOneTransaction(report, mainDb, chattransfer::kRecentContactTable, [this] {
         for (imsdk::st_dbReContactBean& contact : reContacts)
-            chattransfer::mergeRecentContact(mainDb, contact, report);
+            static_cast<void>(chattransfer::mergeRecentContact(mainDb, contact, report));  // counted in the report
         return chattransfer::kSuccess;
     });
 }

@@ -13,7 +13,7 @@ struct AttachmentPaths {
     std::vector<std::string>& image;
 
     /// Appends the paths that a body names. 1 when it is a JSON object of a type that carries attachments, else 0.
-    int take(const std::string& body, int msgType);
+    [[nodiscard]] int take(const std::string& body, int msgType);
 };
 
 }  // namespace chattransfer

@@ -27,10 +27,10 @@ JsonDocument makeContact(const st_dbReContactBean& contact, bool& whole) {
 JsonDocument makeContactFile(const std::string& version, const std::vector<st_dbReContactBean>& contacts) {
     JsonDocument file(json_value_init_object());
     JSON_Object* object = json_value_get_object(file.get());
-    setField(object, kVersionKey, version);
+    bool whole = setField(object, kVersionKey, version);
     setValue(object, kRecentContactsKey, JsonDocument(json_value_init_array()));
     JSON_Array* list = json_object_get_array(object, kRecentContactsKey);
-    bool whole = list != nullptr && json_object_has_value(object, kVersionKey) != 0;
+    whole = whole && list != nullptr;
     for (const st_dbReContactBean& contact : contacts)
         whole = appendValue(list, makeContact(contact, whole)) && whole;
     return whole ? std::move(file) : nullptr;

@@ -16,7 +16,7 @@ void writeContactFile(const std::string& path, const std::string& version,
 
 /// Replaces `contacts` by those of the file `path`. kSuccess, kMissing (the contacts stay then), kNotJson or
 /// kWrongVersion.
-ErrorCode readContactFile(const std::string& path, const std::string& version,
-                          std::vector<imsdk::st_dbReContactBean>& contacts, TransferReport& report);
+[[nodiscard]] ErrorCode readContactFile(const std::string& path, const std::string& version,
+                                        std::vector<imsdk::st_dbReContactBean>& contacts, TransferReport& report);
 
 }  // namespace chattransfer

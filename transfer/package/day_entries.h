@@ -16,7 +16,7 @@ using MessagesOfDay = std::vector<imsdk::st_dbMessageBean>;
 using DayMessages = std::map<std::string, MessagesOfDay>;
 
 /// The day of a message as the key of its entry: year, month and day in decimal, without leading zeros.
-inline std::string dayKeyOf(const imsdk::st_dbMessageBean& message, char separator) {
+[[nodiscard]] inline std::string dayKeyOf(const imsdk::st_dbMessageBean& message, char separator) {
     return std::to_string(message.year_) + separator + std::to_string(message.mon) + separator +
            std::to_string(message.day_);
 }
@@ -29,11 +29,11 @@ public:
     DayEntries(DayMessages& days, char separator) : days_(days), separator_(separator) {}
 
     /// The entry of the message's day, without a limit.
-    MessagesOfDay& of(const imsdk::st_dbMessageBean& message) { return *dayOf(message).first; }
+    [[nodiscard]] MessagesOfDay& of(const imsdk::st_dbMessageBean& message) { return *dayOf(message).first; }
 
     /// The entry of the message's day that has room for it: the first of 250, or an overflow entry. Null when the key
     /// of an overflow entry does not fit its buffer.
-    MessagesOfDay* withRoom(const imsdk::st_dbMessageBean& message) {
+    [[nodiscard]] MessagesOfDay* withRoom(const imsdk::st_dbMessageBean& message) {
         Day& day = dayOf(message);
         if (day.open->size() == kFewMessages) day.open->reserve(kMessagesPerEntry);
         if (day.open->size() < kMessagesPerEntry) return day.open;
@@ -43,7 +43,7 @@ public:
     }
 
     /// The first of the overflow entries of `dayKey` after number `overflow` that has room, made when it is missing.
-    static MessagesOfDay* nextOverflow(DayMessages& days, const std::string& dayKey, int& overflow) {
+    [[nodiscard]] static MessagesOfDay* nextOverflow(DayMessages& days, const std::string& dayKey, int& overflow) {
         for (;;) {
             // Hosts know this limit: a day key that passes it leaves the message out.
             const tools::FixedText<100> key("%s_%d", dayKey.c_str(), ++overflow);
@@ -67,7 +67,7 @@ private:
         int overflow = 0;               // its number; 0 for the first
     };
 
-    Day& dayOf(const imsdk::st_dbMessageBean& message) {
+    [[nodiscard]] Day& dayOf(const imsdk::st_dbMessageBean& message) {
         const Date date = {message.year_, message.mon, message.day_};
         if (last_ != nullptr && lastDate_ == date) return *last_;
         last_ = &known_[date];

@@ -21,13 +21,14 @@ public:
         : folder_(std::move(folder)), report_(report), file_(version) {}
 
     /// False when there is no memory for the text.
-    bool begin() {
+    [[nodiscard]] bool begin() {
         messages_ = 0;
         return built([this] { file_.begin(); });
     }
 
     /// Appends a day object with the records of [first, last). False when there is no memory for its text.
-    bool addDay(const CalendarDay& day, const imsdk::st_dbMessageBean* first, const imsdk::st_dbMessageBean* last) {
+    [[nodiscard]] bool addDay(const CalendarDay& day, const imsdk::st_dbMessageBean* first,
+                              const imsdk::st_dbMessageBean* last) {
         messages_ += last - first;
         return built([&] { file_.addDay(day, first, last); });
     }
@@ -45,11 +46,11 @@ public:
     }
 
     /// How many files were finished.
-    int number() const { return number_; }
+    [[nodiscard]] int number() const { return number_; }
 
 private:
     template <class Build>
-    static bool built(Build build) try {
+    [[nodiscard]] static bool built(Build build) try {
         build();
         return true;
     } catch (const std::bad_alloc&) {

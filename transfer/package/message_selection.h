@@ -25,11 +25,11 @@ struct FirstDay {
 using SelectStatement = tools::FixedText<256>;
 
 /// The messages of `table` dated on or after `since`.
-SelectStatement selectStatement(const std::string& table, const FirstDay& since);
+[[nodiscard]] SelectStatement selectStatement(const std::string& table, const FirstDay& since);
 
 /// Calls take(message) for each row; the message may be moved from. False when they could not all be read.
 template <class Take>
-bool selectMessages(imsdk::dbUtils& db, const SelectStatement& statement, Take take) {
+[[nodiscard]] bool selectMessages(imsdk::dbUtils& db, const SelectStatement& statement, Take take) {
     imsdk::dbDataReader reader = db.excuteQuery(statement.text());
     imsdk::st_dbMessageBean message;
     while (reader.read() != 0) {
@@ -60,7 +60,9 @@ void selectFromAllTables(MessageSource source, const FirstDay& since, Take take)
         }
         const bool whole = selectMessages(source.db, statement, [&](imsdk::st_dbMessageBean& message) {
             ++source.report.messagesSelected;
-            if (carriesAttachments(message.msgType)) source.attachments.take(message.body, message.msgType);
+            // A body that names no files is a message all the same.
+            if (carriesAttachments(message.msgType))
+                static_cast<void>(source.attachments.take(message.body, message.msgType));
             take(message);
         });
         if (!whole) source.report.skip(table, "the table could not be read whole: " + source.db.lastError());

@@ -59,7 +59,9 @@ PackageReader::FileResult PackageReader::leaveOut(const std::string& path, const
 
 void PackageReader::takeDay(MessageDay& day) {
     for (imsdk::st_dbMessageBean& message : day.messages) {
-        if (carriesAttachments(message.msgType)) restoreAttachments(report_, folders_, message.body, message.msgType);
+        // A body that names no files is a message all the same; what became of the files is in the report.
+        if (carriesAttachments(message.msgType))
+            static_cast<void>(restoreAttachments(report_, folders_, message.body, message.msgType));
         // The lists of the day object count, for all its messages; those that stand in the messages do not.
         message.limitRange = day.limitRange;
         message.relatedUsers = day.relatedUsers;

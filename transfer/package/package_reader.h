@@ -16,10 +16,10 @@ namespace chattransfer {
 
 /// True when the user's folders of messages and attachments are there, and are folders: a package whose folder is a
 /// symbolic link would make the import read files from wherever the link leads.
-bool packageHasUser(const std::string& backup, const std::string& user);
+[[nodiscard]] bool packageHasUser(const std::string& backup, const std::string& user);
 
 /// How many message files stand in `folder`, which ends in "/", before the first number that does not.
-int countMessageFiles(const std::string& folder);
+[[nodiscard]] int countMessageFiles(const std::string& folder);
 
 /// One reading of a package.
 class PackageReader {
@@ -41,15 +41,15 @@ public:
 
     /// Appends the messages of all files to their conversations. kSuccess, or kWrongVersion at the first file of
     /// another version; what was read before stays. Other files that cannot be read are left out and reported.
-    ErrorCode readAll(Progress& progress, int fileCount);
+    [[nodiscard]] ErrorCode readAll(Progress& progress, int fileCount);
 
 private:
     enum class FileResult { read, leftOut, wrongVersion };
 
-    FileResult readFile(const std::string& path);
-    FileResult leaveOut(const std::string& path, const char* reason);
+    [[nodiscard]] FileResult readFile(const std::string& path);
+    [[nodiscard]] FileResult leaveOut(const std::string& path, const char* reason);
     void takeDay(MessageDay& day);
-    std::vector<imsdk::st_dbMessageBean>& messagesOf(long long targetID);
+    [[nodiscard]] std::vector<imsdk::st_dbMessageBean>& messagesOf(long long targetID);
 
     Source source_;
     AttachmentFolders folders_;

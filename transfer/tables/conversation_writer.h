@@ -16,27 +16,29 @@ namespace chattransfer {
 
 /// The conversation's table in `db`, created when it is missing and then added to `tables`. Empty when it cannot be
 /// created.
-std::string openMessageTable(TransferReport& report, imsdk::dbUtils& db, TableIndex& tables, long long targetID);
+[[nodiscard]] std::string openMessageTable(TransferReport& report, imsdk::dbUtils& db, TableIndex& tables,
+                                           long long targetID);
 
 /// The insert statement for a table; empty when it would pass 511 bytes.
-std::string insertMessageStatement(const std::string& table);
+[[nodiscard]] std::string insertMessageStatement(const std::string& table);
 
 /// Inserts one record with a command of insertMessageStatement(), and counts the outcome. Non-zero when it was stored.
 /// A message whose id the table has already is left out: the stored copy wins.
-int insertMessage(TransferReport& report, imsdk::dbUtils& db, imsdk::dbCommand& command,
-                  const imsdk::st_dbMessageBean& record);
+[[nodiscard]] int insertMessage(TransferReport& report, imsdk::dbUtils& db, imsdk::dbCommand& command,
+                                const imsdk::st_dbMessageBean& record);
 
 using Conversations = std::map<long long, std::vector<imsdk::st_dbMessageBean>>;
 
 /// Writes one conversation, its table included. kSuccess or kDatabaseFailed.
-ErrorCode writeConversation(TransferReport& report, imsdk::dbUtils& db, TableIndex& tables,
-                            const Conversations::value_type& conversation);
+[[nodiscard]] ErrorCode writeConversation(TransferReport& report, imsdk::dbUtils& db, TableIndex& tables,
+                                          const Conversations::value_type& conversation);
 
 /// Writes all conversations, each in one transaction, and calls beforeCommit() at the end of each. kSuccess, or
 /// kDatabaseFailed at the first that is lost: those before it stay.
 template <class BeforeCommit>
-ErrorCode writeConversations(TransferReport& report, imsdk::dbUtils& db, std::vector<std::string>& tableNames,
-                             const Conversations& conversations, BeforeCommit beforeCommit) {
+[[nodiscard]] ErrorCode writeConversations(TransferReport& report, imsdk::dbUtils& db,
+                                           std::vector<std::string>& tableNames, const Conversations& conversations,
+                                           BeforeCommit beforeCommit) {
     TableIndex tables(tableNames);
     for (const auto& conversation : conversations) {
         const std::string what = "conversation " + std::to_string(conversation.first);

@@ -16,7 +16,7 @@ inline constexpr const char* kMessageTablePrefix = "im_msg_";
 using MessageTableName = tools::FixedText<60>;
 
 /// "im_msg_<targetID>".
-inline MessageTableName messageTableName(long long targetID) {
+[[nodiscard]] inline MessageTableName messageTableName(long long targetID) {
     return MessageTableName("im_msg_%lld", targetID);
 }
 
@@ -70,21 +70,21 @@ void forEachMessageColumn(Record& record, Visit&& visit) {
 void readMessageRow(imsdk::dbDataReader& reader, imsdk::st_dbMessageBean& record);
 
 /// The insert with its "?" placeholders, "%s" standing for the table.
-const std::string& insertMessageFormat();
+[[nodiscard]] const std::string& insertMessageFormat();
 
 /// Binds the placeholders of insertMessageFormat() to the fields of `record`, which must outlive the execution.
 void bindMessage(imsdk::dbCommand& command, const imsdk::st_dbMessageBean& record);
 
 /// True when `name` begins like that of a message table.
-bool isMessageTable(const std::string& name);
+[[nodiscard]] bool isMessageTable(const std::string& name);
 
 /// True when `name` is a plain SQL identifier (letters, digits, "_", "$", bytes of UTF-8). Table names are put into
 /// statements unquoted: any other name would not name the table there, but change what the statement does.
-bool isPlainTableName(const std::string& name);
+[[nodiscard]] bool isPlainTableName(const std::string& name);
 
 /// The one number that a count query yields; 0 for a failed query and for a text that did not fit its buffer.
 template <std::size_t Size>
-int countOf(imsdk::dbUtils& db, const tools::FixedText<Size>& query) {
+[[nodiscard]] int countOf(imsdk::dbUtils& db, const tools::FixedText<Size>& query) {
     imsdk::dbDataReader reader = db.excuteQuery(query.text());
     int count = 0;
     if (reader.read() != 0) reader.getColumnValue(0, count);
@@ -93,6 +93,6 @@ int countOf(imsdk::dbUtils& db, const tools::FixedText<Size>& query) {
 
 /// How many rows the table has; 0 for a table that is not there and for a name that is no plain one or too long for the
 /// statement.
-int countTableRows(imsdk::dbUtils& db, const std::string& table);
+[[nodiscard]] int countTableRows(imsdk::dbUtils& db, const std::string& table);
 
 }  // namespace chattransfer

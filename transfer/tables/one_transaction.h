@@ -29,7 +29,8 @@ private:
 /// the transaction could not begin (work is not run then) or its writes were lost; the counts are those of before then.
 /// An exception out of work() loses the writes, too, and passes.
 template <class Work>
-ErrorCode inOneTransaction(TransferReport& report, imsdk::dbUtils& db, const std::string& what, Work work) {
+[[nodiscard]] ErrorCode inOneTransaction(TransferReport& report, imsdk::dbUtils& db, const std::string& what,
+                                         Work work) {
     const RowCounts before(report);
     ErrorCode result = kDatabaseFailed;
     {

@@ -11,7 +11,7 @@
 namespace chattransfer {
 
 /// Creates the two tables where they are missing. kSuccess or kDatabaseFailed.
-ErrorCode makePluginTables(imsdk::dbUtils& plugin, TransferReport& report);
+[[nodiscard]] ErrorCode makePluginTables(imsdk::dbUtils& plugin, TransferReport& report);
 
 /// Insert the records, without those that the database has. One that the database refuses is left out, with an entry in
 /// the report.

@@ -15,10 +15,11 @@ namespace chattransfer {
 void readRecentContacts(imsdk::dbUtils& db, std::vector<imsdk::st_dbReContactBean>& contacts, TransferReport& report);
 
 /// Creates the table when `tableNames` lacks it, and adds it there. kSuccess or kDatabaseFailed.
-ErrorCode makeRecentContactTable(imsdk::dbUtils& db, std::vector<std::string>& tableNames, TransferReport& report);
+[[nodiscard]] ErrorCode makeRecentContactTable(imsdk::dbUtils& db, std::vector<std::string>& tableNames,
+                                               TransferReport& report);
 
 /// Inserts the contact when it is new; else keeps the stored row but for the pin, which `contact` gets, too. The result
 /// of the statement that it ran, or 1 when none was needed.
-int mergeRecentContact(imsdk::dbUtils& db, imsdk::st_dbReContactBean& contact, TransferReport& report);
+[[nodiscard]] int mergeRecentContact(imsdk::dbUtils& db, imsdk::st_dbReContactBean& contact, TransferReport& report);
 
 }  // namespace chattransfer

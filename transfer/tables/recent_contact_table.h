@@ -63,6 +63,6 @@ void forEachRecentContactField(Record& record, Visit&& visit) {
 void readRecentContactRow(imsdk::dbDataReader& reader, imsdk::st_dbReContactBean& contact);
 
 /// What an object of a recent-contact file says, as it stands there.
-imsdk::st_dbReContactBean readRecentContact(const JSON_Object* object);
+[[nodiscard]] imsdk::st_dbReContactBean readRecentContact(const JSON_Object* object);
 
 }  // namespace chattransfer

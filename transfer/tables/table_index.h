@@ -17,7 +17,7 @@ public:
     explicit TableIndex(std::vector<std::string>& names) : list_(names), index_(names.begin(), names.end()) {}
 
     /// The conversation's table, or an empty text.
-    std::string find(long long targetID) const {
+    [[nodiscard]] std::string find(long long targetID) const {
         std::string name = messageTableName(targetID).text();
         return index_.count(name) != 0 ? name : std::string();
     }
@@ -28,7 +28,7 @@ public:
     }
 
     /// How many tables the list has.
-    std::size_t size() const { return list_.size(); }
+    [[nodiscard]] std::size_t size() const { return list_.size(); }
 
 private:
     std::vector<std::string>& list_;

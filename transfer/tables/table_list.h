@@ -15,9 +15,9 @@ namespace chattransfer {
 void listTables(imsdk::dbUtils& db, std::vector<std::string>& names, TransferReport& report);
 
 /// True when the list has the name.
-bool hasTable(const std::vector<std::string>& names, const std::string& name);
+[[nodiscard]] bool hasTable(const std::vector<std::string>& names, const std::string& name);
 
 /// The conversation's message table when the list has it, or an empty text.
-std::string findMessageTable(const std::vector<std::string>& names, long long targetID);
+[[nodiscard]] std::string findMessageTable(const std::vector<std::string>& names, long long targetID);
 
 }  // namespace chattransfer

@@ -74,9 +74,11 @@ void TreeMessageImport::takeMessage(imsdk::st_dbMessageBean& message) {
     }
     // A message to the user belongs to the conversation with its sender.
     message.targetID = message.toUserID == owner_.id ? message.fromeUserID : message.toUserID;
+    // What became of the files and of the message is in the report; neither keeps the next one from its place.
     if (options_.attachments != nullptr && carriesTreeFiles(message.msgType))
-        moveTreeFiles(report_, *options_.attachments, message.body, message.msgType, kMessageFileKeys);
-    insertMessage(report_, db_, insert_, message);
+        static_cast<void>(
+            moveTreeFiles(report_, *options_.attachments, message.body, message.msgType, kMessageFileKeys));
+    static_cast<void>(insertMessage(report_, db_, insert_, message));
 }
 
 void TreeMessageImport::countFile() {

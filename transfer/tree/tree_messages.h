@@ -36,13 +36,13 @@ public:
 
     /// Takes the files in order. kSuccess; kWrongVersion at the first file of another version; kDatabaseFailed as soon
     /// as the transaction is lost. Messages of earlier files are inserted in any case.
-    ErrorCode take(const std::vector<std::string>& paths);
+    [[nodiscard]] ErrorCode take(const std::vector<std::string>& paths);
 
     /// The files of which every message is in the database.
-    const std::vector<std::string>& stored() const { return stored_; }
+    [[nodiscard]] const std::vector<std::string>& stored() const { return stored_; }
 
 private:
-    ErrorCode takeFile(const std::string& path);
+    [[nodiscard]] ErrorCode takeFile(const std::string& path);
     void openConversation(long long targetID);
     void takeMessages(MessageFileContent& file, const std::string& path);
     void takeMessage(imsdk::st_dbMessageBean& message);

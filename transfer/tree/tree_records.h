@@ -15,10 +15,10 @@
 
 namespace chattransfer {
 
-st_noteTrans readNote(const JSON_Object* object);
+[[nodiscard]] st_noteTrans readNote(const JSON_Object* object);
 
 /// The members stand in the record in reverse order of the file, as clients store them.
-st_roomTrans readRoom(const JSON_Object* object);
+[[nodiscard]] st_roomTrans readRoom(const JSON_Object* object);
 
 /// A user's tree.
 struct UserTree {
@@ -43,8 +43,8 @@ inline constexpr TreeRecords<st_roomTrans> kRoomFiles{kRoomExtension, kRoomsKey,
 /// each is appended. kSuccess, or kWrongVersion at the first file of another version; the records of earlier files stay
 /// then.
 template <class Record, class Taken>
-ErrorCode readTreeRecords(const UserTree& tree, const TreeRecords<Record>& kind, TransferReport& report,
-                          std::vector<Record>& records, Taken taken) {
+[[nodiscard]] ErrorCode readTreeRecords(const UserTree& tree, const TreeRecords<Record>& kind, TransferReport& report,
+                                        std::vector<Record>& records, Taken taken) {
     std::vector<std::string> paths;
     listTreeFiles(tree.root, {kind.extension, tree.key}, paths, report);
     records.clear();

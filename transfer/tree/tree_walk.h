@@ -32,6 +32,6 @@ inline constexpr long long kNoConversation = -1;
 /// The number that the last run of decimal digits before the path's last "/" spells (its last "\" when it has no "/").
 /// kNoConversation when there is no separator, no digit before it, or when the run begins the path. A number beyond 64
 /// bits gives their largest value.
-long long conversationOfPath(const std::string& path);
+[[nodiscard]] long long conversationOfPath(const std::string& path);
 
 }  // namespace chattransfer
