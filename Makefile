@@ -86,11 +86,11 @@ setup:
 format:
 	scripts/format --fix
 
-## Warnings of clang-tidy and formatting differences are errors.
+## Warnings of clang-tidy and formatting differences are errors. SINCE=REVISION: of what changed since then.
 tidy:
 	scripts/setup clang-format clang-tidy
 	scripts/format
-	scripts/tidy
+	scripts/tidy $(if $(SINCE),--first $(SINCE))
 
 ## Analysers that look for defects: cppcheck over all of our sources, GCC's and Clang's over those in C.
 analyse:
