@@ -1,35 +1,19 @@
 #include "host/json/json_reader.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cmath>
+#include <charconv>
 #include <cstdint>
-#include <cstring>
 
 #include "host/json/byte_lanes.h"
-#include "host/json/json_literal.h"
 
 namespace tools {
 namespace {
 
 constexpr std::size_t kFewNames = 32;
 
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 // Flags those of eight bytes that end a string, begin an escape or are control characters.
 std::uint64_t notOrdinary(std::uint64_t bytes) {
     return anyControl(bytes) | anyZero(bytes ^ eachByte('"')) | anyZero(bytes ^ eachByte('\\'));
-}
-
-// The spellings of numbers that strtod takes and the library then refuses. A "-" before something else is none of them:
-// the library reads nothing there, takes it for a 0, and stumbles over the "-" next unless it stands at the root.
-bool isRefusedSpelling(const char* text, const char* end) {
-    const std::string_view literal(text, static_cast<std::size_t>(end - text));
-    if (literal.size() > 1 && literal[0] == '0' && literal[1] != '.') return true;
-    if (literal.size() > 2 && literal.substr(0, 2) == "-0" && literal[2] != '.') return true;
-    return literal.find_first_of("xX") != std::string_view::npos;
 }
 
 // An object or array that a walk over a value is in.
@@ -184,39 +168,21 @@ bool JsonReader::decodeUnicode(char*& out) {
 
 // Reads the four digits behind "\u" and passes all six characters.
 bool JsonReader::readHex4(unsigned& code) {
-    code = 0;
-    for (int i = 2; i < 6; ++i) {
-        const char c = at_[i];
-        unsigned digit = 0;
-        if (isDigit(c)) {
-            digit = static_cast<unsigned>(c - '0');
-        } else if (c >= 'a' && c <= 'f') {
-            digit = static_cast<unsigned>(c - 'a') + 10;
-        } else if (c >= 'A' && c <= 'F') {
-            digit = static_cast<unsigned>(c - 'A') + 10;
-        } else {
-            return false;
-        }
-        code = code * 16 + digit;
-    }
-    at_ += 6;
+    constexpr int kSize = 6;
+    if (end_ - at_ < kSize || std::from_chars(at_ + 2, at_ + kSize, code, 16).ptr != at_ + kSize) return false;
+    at_ += kSize;
     return true;
 }
 
 JsonNumber JsonReader::readNumber() {
-    if (!atNumber()) {
+    JsonNumber number;
+    const char* const end = atNumber() ? detail::readJsonNumber(at_, end_, number) : nullptr;
+    if (end == nullptr) {
         reject();
         return {};
     }
-    const detail::JsonLiteral literal = detail::readJsonLiteral(at_, end_);
-    const bool refused =
-        !literal.plainInteger && (errno != 0 || isRefusedSpelling(at_, literal.end) || !std::isfinite(literal.value));
-    if (refused) {
-        reject();
-        return {};
-    }
-    at_ += literal.end - at_;
-    return {literal.value, literal.exact};
+    at_ += end - at_;
+    return number;
 }
 
 // One list of open objects and arrays instead of recursion: a text of a stranger must not choose how much stack is

@@ -16,13 +16,9 @@
 #include <unordered_set>
 #include <vector>
 
-namespace tools {
+#include "host/json/json_number.h"
 
-/// A number as the library's accessors give it.
-struct JsonNumber {
-    double value = 0;
-    long long exact = 0;  ///< json_object_get_int64()'s value
-};
+namespace tools {
 
 /// The names that one object has had so far, to notice a duplicate. Few are compared one by one, many by their hash: an
 /// object of 100,000 names must not take minutes.

@@ -1,10 +1,12 @@
-#include "host/json/json_literal.h"
+#include "host/json/json_number.h"
 
 #include <locale.h>  // NOLINT(modernize-deprecated-headers): newlocale is POSIX, <clocale> does not promise it
 
 #include <cerrno>
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <string_view>
 #ifdef __APPLE__
 #include <xlocale.h>
 #endif
@@ -78,31 +80,35 @@ bool fits64Bits(const Digits& digits) {
     return digits.magnitude <= static_cast<std::uint64_t>(INT64_MAX) + (digits.negative ? 1 : 0);
 }
 
-JsonLiteral readByLibrary(const char* text) {
+// The spellings of numbers that strtod takes and the library then refuses. A "-" before something else is none of them:
+// the library reads nothing there, takes it for a 0, and stumbles over the "-" next unless it stands at the root.
+bool isRefused(std::string_view literal) {
+    if (literal.size() > 1 && literal[0] == '0' && literal[1] != '.') return true;
+    if (literal.size() > 2 && literal.substr(0, 2) == "-0" && literal[2] != '.') return true;
+    return literal.find_first_of("xX") != std::string_view::npos;
+}
+
+const char* readByStrtod(const char* text, JsonNumber& number) {
     char* end = nullptr;
-    JsonLiteral literal;
     errno = 0;
-    literal.value = strtod_l(text, &end, plainLocale());
-    literal.end = end;
-    literal.exact = truncateTo<long long>(literal.value);
-    return literal;
+    number.value = strtod_l(text, &end, plainLocale());
+    number.exact = truncateTo<long long>(number.value);
+    const std::string_view literal(text, static_cast<std::size_t>(end - text));
+    return errno == 0 && std::isfinite(number.value) && !isRefused(literal) ? end : nullptr;
 }
 
 }  // namespace
 
-JsonLiteral readJsonLiteral(const char* text, const char* known) {
+const char* readJsonNumber(const char* text, const char* known, JsonNumber& number) {
     const Digits digits = digitsAt(text, known);
-    if (!isPlainInteger(text, digits)) return readByLibrary(text);
+    if (!isPlainInteger(text, digits)) return readByStrtod(text, number);
     // The conversion from 64 bits rounds to nearest, as strtod does.
     const auto magnitude = static_cast<double>(digits.magnitude);
-    JsonLiteral literal;
-    literal.value = digits.negative ? -magnitude : magnitude;
-    literal.end = digits.end;
-    literal.plainInteger = true;
-    literal.exact = fits64Bits(digits)
-                        ? static_cast<long long>(digits.negative ? 0 - digits.magnitude : digits.magnitude)
-                        : truncateTo<long long>(literal.value);
-    return literal;
+    number.value = digits.negative ? -magnitude : magnitude;
+    number.exact = fits64Bits(digits)
+                       ? static_cast<long long>(digits.negative ? 0 - digits.magnitude : digits.magnitude)
+                       : truncateTo<long long>(number.value);
+    return digits.end;
 }
 
 }  // namespace tools::detail
