@@ -7,8 +7,6 @@
 namespace app::view {
 namespace {
 
-constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
-
 // Unicode pictures each ASCII control: U+2400 to U+241F, and U+2421 for DEL.
 std::string pictureOf(char32_t control) {
     constexpr char32_t kDelete = 0x7F;
@@ -18,7 +16,7 @@ std::string pictureOf(char32_t control) {
 
 void appendForBlock(std::string& shown, const Character& character) {
     if (isSecondControl(character.code)) {
-        shown += kReplacement;
+        shown += tools::kReplacementCharacter;
     } else if (isControl(character.code) && character.code != U'\n' && character.code != U'\t') {
         shown += pictureOf(character.code);
     } else {
@@ -30,7 +28,7 @@ void appendForLine(std::string& line, const Character& character) {
     if (character.code == U'\n' || character.code == U'\t' || isLineSeparator(character.code)) {
         line += ' ';
     } else if (changesDirection(character.code)) {
-        line += kReplacement;
+        line += tools::kReplacementCharacter;
     } else {
         appendForBlock(line, character);
     }

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <string_view>
 #include <system_error>
 
 #include "host/tools.h"
@@ -29,21 +30,19 @@ bool leadingNumber(const char* first, const char* last, long long& number) {
     return result.ec == std::errc();
 }
 
-const char* lastComponent(const char* path) {
-    const char* slash = std::strrchr(path, '/');
-    return slash != nullptr ? slash + 1 : path;
+std::string_view lastComponent(std::string_view path) {
+    return path.substr(path.rfind('/') + 1);
 }
 
 }  // namespace
 
 void getNameFromPath(char* path, char* name) {
-    const char* component = lastComponent(path);
-    std::memmove(name, component, std::strlen(component) + 1);
+    const std::string_view component = lastComponent(path);
+    std::memmove(name, component.data(), component.size() + 1);
 }
 
 void getNameFromPath(const std::string& path, std::string& name) {
-    const std::size_t slash = path.rfind('/');
-    name = slash == std::string::npos ? path : path.substr(slash + 1);
+    name = std::string(lastComponent(path));
 }
 
 std::string int64_To_String(const std::vector<long long>& numbers, const char* separator) {

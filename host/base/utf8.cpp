@@ -40,25 +40,12 @@ Utf8Sequence utf8SequenceAt(std::string_view text, std::size_t position) {
     return {rule.length, true};
 }
 
-bool isWellFormedUtf8(std::string_view text) {
-    for (std::size_t position = 0; position < text.size();) {
-        const Utf8Sequence sequence = utf8SequenceAt(text, position);
-        if (!sequence.wellFormed) return false;
-        position += sequence.length;
-    }
-    return true;
-}
-
 std::string toWellFormedUtf8(std::string_view text) {
     std::string result;
     result.reserve(text.size());
     for (std::size_t position = 0; position < text.size();) {
         const Utf8Sequence sequence = utf8SequenceAt(text, position);
-        if (sequence.wellFormed) {
-            result.append(text.substr(position, sequence.length));
-        } else {
-            result.append("\xEF\xBF\xBD");  // U+FFFD
-        }
+        result += sequence.wellFormed ? text.substr(position, sequence.length) : kReplacementCharacter;
         position += sequence.length;
     }
     return result;

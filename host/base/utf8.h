@@ -17,11 +17,10 @@ struct Utf8Sequence {
 /// The sequence that begins at `position`, which must lie within the text.
 [[nodiscard]] Utf8Sequence utf8SequenceAt(std::string_view text, std::size_t position);
 
-/// True when every byte of `text` belongs to a well-formed sequence.
-[[nodiscard]] bool isWellFormedUtf8(std::string_view text);
+constexpr std::string_view kReplacementCharacter = "\xEF\xBF\xBD";  ///< U+FFFD
 
-/// `text` with each maximal ill-formed part replaced by one U+FFFD, the practice that Unicode recommends and that text
-/// decoders of the web follow. One broken byte then costs one character, not the whole message.
+/// `text` with each maximal ill-formed part replaced by one such character, the practice that Unicode recommends and
+/// that text decoders of the web follow. One broken byte then costs one character, not the whole message.
 [[nodiscard]] std::string toWellFormedUtf8(std::string_view text);
 
 }  // namespace tools

@@ -10,8 +10,6 @@
 namespace tools {
 namespace {
 
-constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
-
 // The letter behind the backslash; 'u' for the four-digit form; 0 for characters that stand for themselves.
 char escapeOf(char c, bool escapeSlashes) {
     switch (c) {
@@ -91,7 +89,7 @@ void appendQuoted(TextBuffer& out, std::string_view text, bool escapeSlashes) {
         if (step.escape != '\0' || step.illFormed) {
             out += text.substr(kept, i - kept);
             if (step.illFormed) {
-                out += kReplacement;
+                out += kReplacementCharacter;
             } else {
                 appendEscaped(out, text[i], step.escape);
             }

@@ -57,7 +57,7 @@ TEST(ScriptLiteral, IsPureTextWhateverTheBytes) {
     for (int byte = 0; byte < 256; ++byte)
         bytes += static_cast<char>(byte);
     const std::string literal = scriptLiteral(shownText(bytes));
-    EXPECT_TRUE(tools::isWellFormedUtf8(literal));
+    EXPECT_EQ(literal, tools::toWellFormedUtf8(literal));
     EXPECT_EQ(std::string::npos, literal.find_first_of("<>&'\n\r", 0));
     EXPECT_EQ(literal.size() - 1, literal.find('"', 1));
 }
