@@ -13,7 +13,7 @@ namespace detail {
 
 /// Reads the number at `text` into `number`, whatever the locale of the process, and gives the end of its literal; null
 /// when the library refuses it. The bytes up to `known` can be read in any case, which makes long numbers cheaper.
-const char* readJsonNumber(const char* text, const char* known, JsonNumber& number);
+[[nodiscard]] const char* readJsonNumber(const char* text, const char* known, JsonNumber& number);
 
 }  // namespace detail
 }  // namespace tools

@@ -25,7 +25,7 @@ namespace tools {
 class JsonNames {
 public:
     /// False when the name was there.
-    bool add(std::string_view name);
+    [[nodiscard]] bool add(std::string_view name);
 
 private:
     std::vector<std::string_view> few_;
@@ -40,7 +40,7 @@ public:
 
     /// False from the first error on. Everything read until then has to be thrown away: the library refuses such a text
     /// as a whole. After a failure every read gives nothing and every loop ends.
-    bool ok() const { return ok_; }
+    [[nodiscard]] bool ok() const { return ok_; }
 
     /// Declares the text invalid: nothing of it is left to read.
     void reject() {
@@ -49,38 +49,38 @@ public:
     }
 
     /// How much of the text is left, an upper limit for what can still be read from it.
-    std::size_t bytesLeft() const { return static_cast<std::size_t>(end_ - at_); }
+    [[nodiscard]] std::size_t bytesLeft() const { return static_cast<std::size_t>(end_ - at_); }
 
     /// What stands next. At most one is true; none before something invalid.
-    bool atObject() { return next() == '{'; }
-    bool atArray() { return next() == '['; }
-    bool atString() { return next() == '"'; }
-    bool atNumber();
+    [[nodiscard]] bool atObject() { return next() == '{'; }
+    [[nodiscard]] bool atArray() { return next() == '['; }
+    [[nodiscard]] bool atString() { return next() == '"'; }
+    [[nodiscard]] bool atNumber();
 
     /// Enters an object or array that stands next. Its members or elements follow by nextMember() or nextElement(),
     /// each of them followed by the reading (or skipping) of the value, until the call gives false.
     void enter();
-    bool nextMember(std::string_view& name) {
+    [[nodiscard]] bool nextMember(std::string_view& name) {
         if (!nextMember()) return false;
         name = readName();
         return ok_;
     }
-    bool nextElement() { return nextItem(']'); }
+    [[nodiscard]] bool nextElement() { return nextItem(']'); }
 
     /// The form for who knows the name: when there is another member, its name has to be passed or read next. Passing
     /// works for the name `expected` in its plain spelling, without escapes and blanks.
-    bool nextMember() { return nextItem('}'); }
-    bool passName(std::string_view expected);
-    std::string_view readName();
+    [[nodiscard]] bool nextMember() { return nextItem('}'); }
+    [[nodiscard]] bool passName(std::string_view expected);
+    [[nodiscard]] std::string_view readName();
 
     /// Reads the string or number that stands next. readText() gives the string up to its first NUL, as the library's
     /// plain accessor does.
-    std::string_view readString();
-    std::string_view readText();
-    JsonNumber readNumber();
+    [[nodiscard]] std::string_view readString();
+    [[nodiscard]] std::string_view readText();
+    [[nodiscard]] JsonNumber readNumber();
 
     /// Reads past `word`, which is "true", "false" or "null", if it stands next. False when something else does.
-    bool readWord(std::string_view word);
+    [[nodiscard]] bool readWord(std::string_view word);
 
     /// Reads past the value that stands next, whatever it is, checking it on the way.
     void skip();

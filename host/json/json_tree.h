@@ -12,6 +12,6 @@
 namespace tools {
 
 /// The tree of `text`, which is changed by it; null when it is no valid JSON. std::bad_alloc when memory runs out.
-JsonDocument readJsonTree(std::string& text);
+[[nodiscard]] JsonDocument readJsonTree(std::string& text);
 
 }  // namespace tools
