@@ -13,26 +13,19 @@
 #include <csignal>
 #include <cstdio>
 
-namespace {
-
-double seconds(const timeval& time) {
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
-}
-
-[[noreturn]] void become(char** command) {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);  // whoever stops the comparison stops what it measures
-    execvp(command[0], command);
-    std::perror(command[0]);
-    _exit(127);
-}
-
-}  // namespace
-
 int main(int argc, char** argv) {
     if (argc < 3) return 2;
+    const auto seconds = [](const timeval& time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+    };
     const auto begin = std::chrono::steady_clock::now();
     const pid_t child = fork();
-    if (child == 0) become(argv + 2);
+    if (child == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);  // whoever stops the comparison stops what it measures
+        execvp(argv[2], argv + 2);
+        std::perror(argv[2]);
+        _exit(127);
+    }
     int status = 0;
     rusage usage{};
     if (wait4(child, &status, 0, &usage) != child || !WIFEXITED(status)) return 1;

@@ -46,102 +46,51 @@ std::string_view writeFile(chattransfer::MessageFileText& file) {
     return file.finish();
 }
 
+// A file with the messages.
 std::string fileText() {
     chattransfer::MessageFileText file(bench::kVersion);
     return std::string(writeFile(file));
 }
 
-// Measures `work`, which handles all messages each time.
-template <class Work>
-void repeat(benchmark::State& state, Work work) {
-    for (auto _ : state)
-        work();
-    state.SetItemsProcessed(state.iterations() * static_cast<long long>(messages().size()));
+void serialiseTree(dbTrans& transfer, std::vector<st_dbMessageBean>& sample) {
+    const JsonDocument list(json_value_init_array());
+    for (st_dbMessageBean& message : sample)
+        json_array_append_value(json_value_get_array(list.get()), transfer.makeJson(2, &message));
+    char* const text = json_serialize_to_string(list.get());
+    benchmark::DoNotOptimize(text);
+    json_free_serialized_string(text);
 }
 
-// --- Parse: a message file of a thousand messages ---
+// An account with the messages, and the statement that reads or removes them.
+class SampleAccount {
+public:
+    SampleAccount() {
+        fs::create_directory(folder_.path() + "/db");
+        std::ofstream(folder_.path() + "/db/imsg.db").flush();
+        transfer_.rootPath = folder_.path();
+        transfer_.msgMap[messages().front().targetID] = messages();
+        insert();
+    }
 
-void parseMessageFile(benchmark::State& state) {
-    const std::string text = fileText();
-    repeat(state, [&text] {
-        std::string copy = text;  // reading uses the text up
-        benchmark::DoNotOptimize(chattransfer::readMessageFileText(copy));
-    });
-}
-BENCHMARK(parseMessageFile);
+    void insert() {
+        if (transfer_.wtMsgToDB() != chattransfer::kSuccess) throw std::runtime_error("nothing was inserted");
+    }
+    void remove() { transfer_.mainDb.excuteNonQuery(("delete" + fromTable()).c_str()); }
 
-void parseMessageFileIntoTree(benchmark::State& state) {
-    const std::string text = fileText();
-    repeat(state, [&text] { benchmark::DoNotOptimize(JsonDocument(json_parse_string(text.c_str())).get()); });
-}
-BENCHMARK(parseMessageFileIntoTree);
-
-// --- Serialise: the same file ---
-
-void serialiseMessageFile(benchmark::State& state) {
-    chattransfer::MessageFileText file(bench::kVersion);
-    repeat(state, [&file] { benchmark::DoNotOptimize(writeFile(file).data()); });
-}
-BENCHMARK(serialiseMessageFile);
-
-void buildAndSerialiseTree(benchmark::State& state) {
-    std::vector<st_dbMessageBean> sample = messages();
-    dbTrans transfer;
-    repeat(state, [&] {
-        const JsonDocument list(json_value_init_array());
-        for (st_dbMessageBean& message : sample)
-            json_array_append_value(json_value_get_array(list.get()), transfer.makeJson(2, &message));
-        char* const text = json_serialize_to_string(list.get());
-        benchmark::DoNotOptimize(text);
-        json_free_serialized_string(text);
-    });
-}
-BENCHMARK(buildAndSerialiseTree);
-
-// --- Databases: the same messages ---
-
-const std::string& messageTable() {
-    static const std::string name = "im_msg_" + std::to_string(messages().front().targetID);
-    return name;
-}
-
-// Writes into the database of `account`, an empty one when there is none.
-void insertInto(dbTrans& transfer, const app::PrivateFolder& account) {
-    fs::create_directory(account.path() + "/db");
-    std::ofstream(account.path() + "/db/imsg.db", std::ios::app).flush();
-    transfer.rootPath = account.path();
-    transfer.msgMap[messages().front().targetID] = messages();
-    if (transfer.wtMsgToDB() != chattransfer::kSuccess) throw std::runtime_error("nothing was inserted");
-}
-
-void selectMessages(benchmark::State& state) {
-    const app::PrivateFolder folder;
-    dbTrans transfer;
-    insertInto(transfer, folder);
-    repeat(state, [&transfer] {
-        imsdk::dbDataReader reader = transfer.mainDb.excuteQuery(("select * from " + messageTable()).c_str());
+    void select() {
+        imsdk::dbDataReader reader = transfer_.mainDb.excuteQuery(("select *" + fromTable()).c_str());
         st_dbMessageBean message;
         while (reader.read() != 0)
             chattransfer::readMessageRow(reader, message);
         benchmark::DoNotOptimize(message.msgID);
-    });
-}
-BENCHMARK(selectMessages);
+    }
 
-// One transaction per thousand messages; the rows are removed outside the measured time.
-void insertMessages(benchmark::State& state) {
-    const app::PrivateFolder folder;
-    dbTrans transfer;
-    repeat(state, [&] {
-        insertInto(transfer, folder);
-        state.PauseTiming();
-        transfer.mainDb.excuteNonQuery(("delete from " + messageTable()).c_str());
-        state.ResumeTiming();
-    });
-}
-BENCHMARK(insertMessages);
+private:
+    static std::string fromTable() { return " from im_msg_" + std::to_string(messages().front().targetID); }
 
-// --- Cipher: the key is derived once, before the measured time ---
+    app::PrivateFolder folder_;
+    dbTrans transfer_;
+};
 
 void runCipher(bool encrypt, const std::string& from, const std::string& to) {
     std::array<char, 256> error{};
@@ -150,6 +99,7 @@ void runCipher(bool encrypt, const std::string& from, const std::string& to) {
         throw std::runtime_error(error.data());
 }
 
+// The key is derived once, before the measured time.
 void decryptFile(benchmark::State& state) {
     const app::PrivateFolder folder;
     const std::string plain = folder.path() + "/plain";
@@ -161,15 +111,36 @@ void decryptFile(benchmark::State& state) {
         runCipher(false, encrypted, plain);
     state.SetBytesProcessed(state.iterations() * state.range(0));
 }
-BENCHMARK(decryptFile)->Arg(20 << 10)->Arg(4 << 20);
 
-// --- Paths ---
-
+// `items`: how many `work` handles each time.
 template <class Work>
-void addPiece(const char* name, Work work) {
-    benchmark::RegisterBenchmark(name, [work](benchmark::State& state) {
+void add(const char* name, std::size_t items, Work work) {
+    benchmark::RegisterBenchmark(name, [items, work](benchmark::State& state) {
         for (auto _ : state)
-            benchmark::DoNotOptimize(work());
+            work(state);
+        state.SetItemsProcessed(state.iterations() * static_cast<long long>(items));
+    });
+}
+
+void addMessages(dbTrans& transfer, SampleAccount& account) {
+    static const std::string text = fileText();
+    static chattransfer::MessageFileText file(bench::kVersion);
+    static std::vector<st_dbMessageBean> sample = messages();
+    const std::size_t items = sample.size();
+    add("parseMessageFile", items, [](auto& /*state*/) {
+        std::string copy = text;  // reading uses the text up
+        benchmark::DoNotOptimize(chattransfer::readMessageFileText(copy));
+    });
+    add("parseMessageFileIntoTree", items,
+        [](auto& /*state*/) { benchmark::DoNotOptimize(JsonDocument(json_parse_string(text.c_str())).get()); });
+    add("serialiseMessageFile", items, [](auto& /*state*/) { benchmark::DoNotOptimize(writeFile(file).data()); });
+    add("buildAndSerialiseTree", items, [&transfer](auto& /*state*/) { serialiseTree(transfer, sample); });
+    add("selectMessages", items, [&account](auto& /*state*/) { account.select(); });
+    add("insertMessages", items, [&account](auto& state) {
+        state.PauseTiming();
+        account.remove();
+        state.ResumeTiming();
+        account.insert();
     });
 }
 
@@ -177,14 +148,17 @@ void addPaths(dbTrans& transfer) {
     static const std::string name = "2019/03/media/f4000000000000042.pdf";
     static std::string path = "/data/account/qelbackup/2000000000000001/1000000000000042/history.mg.decrypt";
     static std::string folder;
-    addPiece("makeUniqueName", [] {
+    const auto addPath = [](const char* title, auto work) {
+        add(title, 1, [work](auto& /*state*/) { benchmark::DoNotOptimize(work()); });
+    };
+    addPath("makeUniqueName", [] {
         return tools::getUniqueNameByUrl("https://media.example.org/a/picture%20of%20the%20garden.jpeg?size=large",
                                          true);
     });
-    addPiece("checkConfinedName", [] { return tools::isConfinedName(name); });
-    addPiece("takeConversationOfPath", [&transfer] { return transfer.getTargetIDFromePath(path); });
-    addPiece("convertSavePath", [&transfer] { return transfer.getSavePath("/a/bb/cccc/dd/picture.jpg", folder); });
-    addPiece("splitPath", [&transfer] {
+    addPath("checkConfinedName", [] { return tools::isConfinedName(name); });
+    addPath("takeConversationOfPath", [&transfer] { return transfer.getTargetIDFromePath(path); });
+    addPath("convertSavePath", [&transfer] { return transfer.getSavePath("/a/bb/cccc/dd/picture.jpg", folder); });
+    addPath("splitPath", [&transfer] {
         return transfer.baseName(name) + transfer.filName(name) + transfer.validatePath(name.c_str());
     });
 }
@@ -194,6 +168,9 @@ void addPaths(dbTrans& transfer) {
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     dbTrans transfer;
+    SampleAccount account;
+    addMessages(transfer, account);
+    benchmark::RegisterBenchmark("decryptFile", decryptFile)->Arg(20 << 10)->Arg(4 << 20);
     addPaths(transfer);
     benchmark::RunSpecifiedBenchmarks();
 }

@@ -167,17 +167,17 @@ class Tables:
         return text
 
     def plot(self, member: str, unit: int, title: str, label: str, target: Path) -> None:
-        import matplotlib  # here, so that the tables need nothing but Python
+        import matplotlib.figure  # here, so that the tables need nothing but Python
 
-        matplotlib.use("svg")
-        matplotlib.rcParams["svg.hashsalt"] = "the same figures give the same file"
+        # Texts stay texts, and the same figures give the same file.
+        matplotlib.rcParams.update({"svg.fonttype": "none", "svg.hashsalt": "chat-transfer"})
         figure = matplotlib.figure.Figure(figsize=(7.2, 4.4), layout="constrained")
         axes = figure.subplots()
         for operation, colour in (("export", "#1b6ca8"), ("import", "#b8352c")):
             for contender, line, name in (("project", "o-", operation), ("floor", "o--", f"{operation}, floor")):
                 points = [(size, self.cost(run, member) / unit) for size in self.settings["sizes"]
                           if self.has(run := f"{operation} {size} {contender}")]
-                axes.plot(*zip(*points), line, color=colour, markersize=4, label=name)
+                axes.plot(*(zip(*points) if points else ([], [])), line, color=colour, markersize=4, label=name)
         axes.set(title=title, xlabel="messages", ylabel=label, xscale="log", yscale="log")
         axes.grid(color="#cccccc")
         axes.legend()

@@ -11,6 +11,10 @@ def require(same: bool, what: str) -> None:
         raise AssertionError(f"not the same work: {what}")
 
 
+def require_same_count(expected: int, actual: int, of: str) -> None:
+    require(expected == actual > 0, f"{actual} {of} instead of {expected}")
+
+
 def files_in(folder: Path, ending: str = "") -> set[Path]:
     return {path.relative_to(folder) for path in folder.rglob("*" + ending) if path.is_file()}
 
@@ -26,31 +30,25 @@ def database_of(account: Path) -> Path:
     return account / "db" / "imsg.db"
 
 
-def tables(db: sqlite3.Connection, pattern: str = "im_msg_*") -> list[str]:
-    query = "select name from sqlite_master where type='table' and name glob ?"
-    return [name for (name,) in db.execute(query, [pattern])]
+def opened(account: Path):
+    return closing(sqlite3.connect(database_of(account)))
 
 
-def message_tables(account: Path) -> list[str]:
-    with closing(sqlite3.connect(database_of(account))) as db:
-        return tables(db)
+def tables_in(db: sqlite3.Connection, pattern: str = "im_msg_*") -> list[str]:
+    query = f"select name from sqlite_master where type='table' and name glob '{pattern}'"
+    return [name for (name,) in db.execute(query)]
+
+
+def count_messages(account: Path) -> int:
+    with opened(account) as db:
+        return sum(db.execute(f"select count(*) from {table}").fetchone()[0] for table in tables_in(db))
 
 
 def require_same_rows(expected: Path, actual: Path, *, schema: bool = True) -> None:
     """The same rows in the same order in every table and, unless told otherwise, the same text of the schema."""
-    left, right = (sqlite3.connect(database_of(account)) for account in (expected, actual))
-    with closing(left), closing(right):
+    with opened(expected) as left, opened(actual) as right:
         queries = [f"select type, name{', sql' if schema else ''} from sqlite_master"]
-        for query in queries + [f"select rowid, * from {table}" for table in tables(left, "*")]:
+        for query in queries + [f"select rowid, * from {table}" for table in tables_in(left, "*")]:
             for one, other in zip_longest(left.execute(query), right.execute(query)):
                 # Types count as well: to Python, 1 is 1.0.
                 require(one == other and [*map(type, one)] == [*map(type, other)], f"{query} in {actual}")
-
-
-def count_messages(account: Path) -> int:
-    with closing(sqlite3.connect(database_of(account))) as db:
-        return sum(db.execute(f"select count(*) from {table}").fetchone()[0] for table in tables(db))
-
-
-def require_same_count(expected: int, actual: int, of: str) -> None:
-    require(expected == actual > 0, f"{actual} {of} instead of {expected}")

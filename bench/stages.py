@@ -6,8 +6,8 @@ from pathlib import Path
 from typing import Callable
 
 import peer
-from same import (count_messages, database_of, files_in, message_tables, require_same_count, require_same_files,
-                  require_same_rows)
+from same import (count_messages, database_of, files_in, opened, require_same_count, require_same_files,
+                  require_same_rows, tables_in)
 from workshop import Command, Workshop, remove
 
 Prepare = Callable[[], Command]
@@ -38,6 +38,11 @@ def run_shell(shop: Workshop, account: Path, script: str, *options: str) -> Comm
     return Command([shop.shell, *options, database_of(account)], shop.at("script.sql"), shop.at("printed"))
 
 
+def conversations(account: Path) -> list[str]:
+    with opened(account) as db:
+        return tables_in(db)
+
+
 def vacuum(shop: Workshop, account: Path) -> Command:
     remove(shop.at("vacuumed.db"))
     return run_shell(shop, account, f"vacuum into '{shop.at('vacuumed.db')}'")
@@ -64,7 +69,7 @@ def shell_import(package: Path, account: Path) -> str:
     for number in range(len(files_in(folder, ".mg")) - 1):
         script += STAGE_FILE.format(path=folder / f"msg_{number}.mg", columns=columns, values=values)
     script += "create index staged_target on staged(targetID);\n"
-    for table in message_tables(account):
+    for table in conversations(account):
         script += INSERT_STAGED.format(create=peer.CREATE_MESSAGES.format(table), table=table, columns=columns,
                                        target=table.removeprefix("im_msg_"))
     values = ", ".join(f"value->>'{key}'" for key in peer.CONTACT_KEYS)
@@ -78,7 +83,7 @@ def race_exports(shop: Workshop, messages: int, account: Path, peers: bool) -> N
                   "floor2": export_by(shop, "floor2", account, by="floor-export packed"),
                   "project2": export_by(shop, "project2", account, by="transfer-bench export2")}
     if peers and shop.shell:
-        dump = "".join(f"select * from {table};\n" for table in ["im_reContact", *message_tables(account)])
+        dump = "".join(f"select * from {table};\n" for table in ["im_reContact", *conversations(account)])
         contenders["shell"] = lambda: run_shell(shop, account, dump, "-json")
         contenders["vacuum"] = lambda: vacuum(shop, account)
     if peers:

@@ -37,9 +37,7 @@ constexpr std::string_view kFileEnd = "]}";
 constexpr std::string_view kDayBegin = R"({"msgs":[)";
 
 struct Date {
-    int year;
-    int month;
-    int day;
+    int year, month, day;
 
     int number() const { return (year * 16 + month) * 32 + day; }
     std::string key(char separator) const {

@@ -38,29 +38,23 @@
 namespace bench {
 namespace {
 
-// One buffer for all files.
-class FileReader {
-public:
-    /// False when there is no such file. Sixteen quotes follow the text.
-    bool read(const std::string& path, std::string_view& text) {
-        constexpr std::size_t kBehind = 16;
-        const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-        if (file < 0) return false;
-        struct stat status {};
-        fstat(file, &status);
-        const auto size = static_cast<std::size_t>(status.st_size);
-        if (bytes_.size() < size + kBehind) bytes_.resize(2 * size + kBehind);
-        const bool whole = ::read(file, bytes_.data(), size) == status.st_size;
-        close(file);
-        if (!whole) throw std::runtime_error("cannot read " + path);
-        std::fill_n(bytes_.begin() + status.st_size, kBehind, '"');
-        text = {bytes_.data(), size};
-        return true;
-    }
-
-private:
-    std::vector<char> bytes_;
-};
+// Reads a file into the buffer, which serves all files; sixteen quotes follow its text. False when there is no such
+// file.
+bool readFile(const std::string& path, std::vector<char>& buffer, std::string_view& text) {
+    constexpr std::size_t kBehind = 16;
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) return false;
+    struct stat status {};
+    fstat(file, &status);
+    const auto size = static_cast<std::size_t>(status.st_size);
+    if (buffer.size() < size + kBehind) buffer.resize(2 * size + kBehind);
+    const bool whole = read(file, buffer.data(), size) == status.st_size;
+    close(file);
+    if (!whole) throw std::runtime_error("cannot read " + path);
+    std::fill_n(buffer.begin() + status.st_size, kBehind, '"');
+    text = {buffer.data(), size};
+    return true;
+}
 
 class Conversations {
 public:
@@ -171,10 +165,10 @@ void scanDay(Scanner& scan, std::vector<Message>& day) {
 }
 
 void readMessages(const std::string& folder, TextStore& texts, Attachments& attachments, Conversations& conversations) {
-    FileReader files;
+    std::vector<char> buffer;
     std::string_view text;
     std::vector<Message> day;
-    for (int number = 0; files.read(folder + "msg_" + std::to_string(number) + ".mg", text); ++number) {
+    for (int number = 0; readFile(folder + "msg_" + std::to_string(number) + ".mg", buffer, text); ++number) {
         Scanner scan(text, texts);
         scan.expect(R"({"version":)");
         if (scan.text() != kVersion) throw std::runtime_error("another version");
@@ -227,9 +221,9 @@ void writeConversation(sqlite3* db, long long conversation, const std::vector<Me
 }
 
 void importContacts(sqlite3* db, const std::string& folder) {
-    FileReader files;
+    std::vector<char> buffer;
     std::string_view text;
-    if (!files.read(folder + "recontact.mg", text)) throw std::runtime_error("no recontact.mg");
+    if (!readFile(folder + "recontact.mg", buffer, text)) throw std::runtime_error("no recontact.mg");
     run(db, chattransfer::kCreateRecentContactTable);
     run(db, "begin immediate");
     const Statement insert = prepare(db, kInsertContacts);

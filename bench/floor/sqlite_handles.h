@@ -53,8 +53,8 @@ inline Statement prepare(sqlite3* db, const std::string& sql) {
 /// True while there is a row.
 inline bool step(sqlite3_stmt* statement) {
     const int code = sqlite3_step(statement);
-    if (code != SQLITE_ROW && code != SQLITE_DONE) require(false, sqlite3_db_handle(statement), sqlite3_sql(statement));
-    return code == SQLITE_ROW;
+    if (code == SQLITE_ROW || code == SQLITE_DONE) return code == SQLITE_ROW;
+    throw std::runtime_error(sqlite3_errmsg(sqlite3_db_handle(statement)));
 }
 
 /// The column as the database holds it, valid until the next step.
