@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "app/account/key_source.h"
+#include "app/account/key_options.h"
 #include "host/files/file_handle.h"
 #include "host/tools.h"
 #include "transfer/error_codes.h"

@@ -9,7 +9,6 @@
 #include <cstring>
 
 #include "app/account/closed_database.h"
-#include "app/account/key_prompt.h"
 #include "app/base/failure.h"
 #include "host/files/file_handle.h"
 
@@ -96,6 +95,20 @@ SecretText findKey(const KeyOptions& options, const Account& account) {
     SecretText key = keyOfEnvironment();
     if (!key.empty() || look != FileLook::encrypted || !canAskForKey()) return key;
     return askForKey(KeyPurpose::unlock);
+}
+
+SecretText findTreeKey(const KeyOptions& options, const std::string& folder, KeyPurpose purpose) {
+    // A folder of trees is no account: whether a key is chosen or one that exists is asked for, the command knows.
+    if (options.keyFile.empty() && options.askKey) return askForKey(purpose);
+    return findKey(options, Account(folder));
+}
+
+SecretText requireTreeKey(const KeyOptions& options, const std::string& folder, KeyPurpose purpose) {
+    SecretText key = findTreeKey(options, folder, purpose);
+    if (!key.empty()) return key;
+    if (canAskForKey()) return askForKey(purpose);
+    throw Failure({0, "A key is needed: the files of a tree are always encrypted", "", "no key was given",
+                   std::string("give it with ") + kWaysToGiveAKey});
 }
 
 }  // namespace app

@@ -4,22 +4,22 @@
 
 #include <string>
 
-#include "app/account/account.h"
+#include "app/account/key_options.h"
+#include "app/account/key_prompt.h"
 #include "app/account/secret_text.h"
+#include "app/places/account_place.h"
 
 namespace app {
-
-/// The ways to give a key, as messages name them behind "give it with".
-inline constexpr const char* kWaysToGiveAKey = "--key-file FILE, in CHAT_TRANSFER_KEY or with --ask-key";
-
-struct KeyOptions {
-    std::string keyFile;
-    bool askKey = false;
-};
 
 /// The key from the key file, the prompt that --ask-key asks for, or CHAT_TRANSFER_KEY (which is erased from the
 /// environment); where there is none of these and the account's main database is encrypted, from a prompt if there is a
 /// terminal. Empty when there is no key. Throws Failure for a key file that cannot be used and for a cancelled prompt.
 SecretText findKey(const KeyOptions& options, const Account& account);
+
+/// The key of tree files: from where findKey() takes it. Empty when there is none.
+SecretText findTreeKey(const KeyOptions& options, const std::string& folder, KeyPurpose purpose);
+
+/// The key of tree files: from where findKey() takes it, or asked for. Throws Failure when there is none.
+SecretText requireTreeKey(const KeyOptions& options, const std::string& folder, KeyPurpose purpose);
 
 }  // namespace app

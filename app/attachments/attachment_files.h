@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "app/verify/verify_report.h"
+#include "app/attachments/compare_bytes.h"
 
 namespace app {
 
@@ -56,6 +56,11 @@ public:
 
     void add(AttachmentFile file);
 
+    /// A function that adds what it is called with.
+    auto adder() {
+        return [this](AttachmentFile file) { add(std::move(file)); };
+    }
+
     /// Calls visit(file, place) for each attachment.
     template <class Visit>
     AttachmentCounts forEach(Visit visit) const {
@@ -67,9 +72,8 @@ public:
 
     AttachmentCounts count() const;
 
-    /// Holds the two copies of a file that is on both sides against each other. Copies that differ are a finding,
-    /// unless `excused`: then the rule of shared names explains them. So is a copy that cannot be read.
-    void compareBytes(const AttachmentFile& file, bool excused, VerifyReport& report) const;
+    /// Holds the two copies of a file that is on both sides against each other.
+    Bytes compareCopies(const AttachmentFile& file) const;
 
     /// True when another attachment has the same path in the source, or the same name in the account.
     bool sharesSource(const AttachmentFile& file) const { return usesOfSource_.at(file.source) > 1; }

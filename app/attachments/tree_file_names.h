@@ -5,12 +5,14 @@
 #include <string>
 
 #include "app/attachments/attachment_files.h"
-#include "transfer/format/tree_body.h"
+#include "transfer/records.h"
 
 namespace app {
 
-/// Calls visit(file) for each file that a body of the type names.
-void forEachTreeFile(const std::string& body, int type, const chattransfer::TreeFileKeys& keys,
-                     const std::function<void(AttachmentFile)>& visit);
+/// Calls visit(file) for each file that the body of a message of this type names.
+void forEachTreeFile(const std::string& body, int type, const std::function<void(AttachmentFile)>& visit);
+
+/// The same for a note.
+void forEachTreeFile(const st_noteTrans& note, const std::function<void(AttachmentFile)>& visit);
 
 }  // namespace app

@@ -40,8 +40,8 @@ CivilDay civilDay(long long days) {
     return result;
 }
 
-std::string dayText(int year, int month, int day) {
-    return tools::FixedText<40>("%04d-%02d-%02d", year, month, day).text();
+std::string dayText(const CivilDay& day) {
+    return tools::FixedText<40>("%04d-%02d-%02d", day.year, day.month, day.day).text();
 }
 
 }  // namespace app

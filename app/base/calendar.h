@@ -19,7 +19,7 @@ bool operator==(const CivilDay& a, const CivilDay& b);
 CivilDay civilDay(long long days);
 
 /// The day as "2024-06-30".
-std::string dayText(int year, int month, int day);
+std::string dayText(const CivilDay& day);
 
 /// 28 to 31.
 int daysOfMonth(int year, int month);

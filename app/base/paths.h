@@ -13,6 +13,12 @@ inline std::filesystem::path resolvedPath(const std::string& given) {
     return path.has_filename() || !path.has_relative_path() ? path : path.parent_path();
 }
 
+/// True for a folder, also behind a link.
+bool isFolder(const std::filesystem::path& path);
+
+/// The folders directly in `folder`, by name, as "a, b, ..."; empty when there is none.
+std::string foldersIn(const std::filesystem::path& folder);
+
 /// What stands behind the last "/" of the path: all of it when there is none, nothing when it ends in one.
 std::string lastComponent(const std::string& path);
 

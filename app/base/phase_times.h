@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/base/units.h"
+#include "app/base/stopwatch.h"
 
 namespace app {
 

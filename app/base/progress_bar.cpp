@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "app/base/interruption.h"
+#include "app/base/units.h"
 
 namespace app {
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "app/base/phase_times.h"
-#include "app/base/units.h"
+#include "app/base/stopwatch.h"
 #include "transfer/progress_listener.h"
 
 namespace app {

@@ -44,8 +44,4 @@ std::string counted(long long number, const std::string& singular, const std::st
     return grouped(number) + " " + (number == 1 ? singular : plural);
 }
 
-double Stopwatch::seconds() const {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
-}
-
 }  // namespace app

@@ -1,7 +1,6 @@
 // Numbers as people read them.
 #pragma once
 
-#include <chrono>
 #include <string>
 
 namespace app {
@@ -17,14 +16,5 @@ std::string humanDuration(double seconds);
 
 /// "1 file", "2,000 files".
 std::string counted(long long number, const std::string& singular, const std::string& plural);
-
-/// Measures from its construction.
-class Stopwatch {
-public:
-    double seconds() const;
-
-private:
-    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-};
 
 }  // namespace app

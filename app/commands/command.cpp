@@ -43,6 +43,10 @@ void addPackageOption(CLI::App& command, std::string& from) {
     addFolderOption(command, "--from", from, "Folder that holds the package qelmsg_0, or qelmsg_0 itself");
 }
 
+void addTreeOption(CLI::App& command, std::string& from) {
+    addFolderOption(command, "--from", from, "Folder that holds the tree as qelbackup/<ID>, or qelbackup itself");
+}
+
 void addUserOption(CLI::App& command, std::string& user) {
     command.add_option("--user", user, "The user's id: the name of the user's folder inside a package or in qelbackup")
         ->type_name("ID")

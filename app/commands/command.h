@@ -6,17 +6,12 @@
 #include <memory>
 #include <string>
 
-#include "app/account/key_source.h"
-#include "app/base/since_day.h"
+#include "app/account/key_options.h"
+#include "app/base/exit_codes.h"
+#include "app/commands/since_day.h"
 #include "app/report/run_report.h"
 
 namespace app {
-
-// Exit codes of the program.
-inline constexpr int kDone = 0;
-inline constexpr int kFailed = 1;
-inline constexpr int kWrongUsage = 2;
-inline constexpr int kInterrupted = 130;  // as shells count a program that SIGINT ended
 
 /// What the chosen subcommand does; set while the command line is parsed, run afterwards.
 struct Job {
@@ -44,6 +39,8 @@ void addFolderOption(CLI::App& command, const std::string& name, std::string& fo
 
 void addAccountOption(CLI::App& command, std::string& account);
 void addPackageOption(CLI::App& command, std::string& from);
+/// --from for a folder that holds a tree.
+void addTreeOption(CLI::App& command, std::string& from);
 void addUserOption(CLI::App& command, std::string& user);
 void addPackageVersionOption(CLI::App& command, std::string& version);
 

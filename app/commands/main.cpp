@@ -5,6 +5,7 @@
 
 #include "app/account/private_process.h"
 #include "app/base/printable.h"
+#include "app/base/program_name.h"
 #include "app/commands/program.h"
 #include "app/commands/run_job.h"
 

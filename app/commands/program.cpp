@@ -3,16 +3,8 @@
 #include <memory>
 #include <utility>
 
-#include "app/commands/command_decrypt_tree.h"
-#include "app/commands/command_encrypt_tree.h"
-#include "app/commands/command_export.h"
-#include "app/commands/command_import.h"
-#include "app/commands/command_import_tree.h"
-#include "app/commands/command_inspect.h"
-#include "app/commands/command_sample.h"
-#include "app/commands/command_sample_tree.h"
-#include "app/commands/command_verify.h"
-#include "app/commands/command_view.h"
+#include "app/base/program_name.h"
+#include "app/commands/commands.h"
 
 namespace app {
 namespace {
@@ -50,10 +42,6 @@ private:
 };
 
 }  // namespace
-
-const char* programVersion() {
-    return CHAT_TRANSFER_VERSION;
-}
 
 void addCommands(CLI::App& program, Job& job) {
     program.require_subcommand(0, 1);

@@ -6,14 +6,9 @@
 
 namespace app {
 
-inline constexpr const char* kProgramName = "chat-transfer";
-
 inline constexpr const char* kProgramDescription =
     "chat-transfer moves a chat account's history between its databases and backup packages, and out of the encrypted "
     "trees of other clients.";
-
-/// The version of this build, such as "1.2.3".
-const char* programVersion();
 
 /// Gives `program` its help texts and all subcommands. While a command line is parsed, the chosen one sets `job`.
 void addCommands(CLI::App& program, Job& job);

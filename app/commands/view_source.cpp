@@ -4,7 +4,7 @@
 #include <string_view>
 #include <utility>
 
-#include "app/account/key_source.h"
+#include "app/account/key_options.h"
 #include "app/attachments/package_file_names.h"
 #include "app/attachments/tree_file_names.h"
 #include "app/base/failure.h"
@@ -39,8 +39,7 @@ std::vector<view::NamedFile> filesOfPackageMessage(const std::string& body, int 
 
 std::vector<view::NamedFile> filesOfTreeMessage(const std::string& body, int type) {
     std::vector<view::NamedFile> files;
-    forEachTreeFile(body, type, chattransfer::kMessageFileKeys,
-                    [&files](AttachmentFile file) { files.push_back(namedFile(std::move(file))); });
+    forEachTreeFile(body, type, [&files](AttachmentFile file) { files.push_back(namedFile(std::move(file))); });
     return files;
 }
 
@@ -95,17 +94,9 @@ void noteDamage(const PackageFacts& facts, TransferReport& leftOut) {
 
 }  // namespace
 
-std::string packageRootOf(const PackagePlace& place) {
-    const std::string root = chattransfer::packageRoot(place.parent);
-    return root.substr(0, root.size() - 1);
-}
-
 ViewSource readPackageForView(const PackagePlace& place, const std::string& user) {
-    ViewSource source{packageRootOf(place),
-                      {},
-                      tools::ConfinedFolder(place.parent, place.attachments.substr(place.parent.size())),
-                      {},
-                      0};
+    ViewSource source{
+        place.root(), {}, tools::ConfinedFolder(place.parent, place.attachments.substr(place.parent.size())), {}, 0};
     source.history.user = user;
     source.history.filesOf = filesOfPackageMessage;
     HistoryMaker maker(source.history);

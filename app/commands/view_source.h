@@ -19,9 +19,6 @@ struct ViewSource {
     long long notShown = 0;  ///< notes and rooms, which have no page
 };
 
-/// The package itself, without a "/" at its end.
-std::string packageRootOf(const PackagePlace& place);
-
 /// Reads a package. Throws Failure when there is something, and nothing of it can be read.
 ViewSource readPackageForView(const PackagePlace& place, const std::string& user);
 

@@ -2,6 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "app/base/program_name.h"
 #include "app/commands/program.h"
 #include "app/manual/completions.h"
 #include "app/manual/manual_page.h"

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "app/account/account.h"
+#include "app/places/account_place.h"
 #include "transfer/dbTrans.h"
 
 namespace app {

@@ -1,17 +1,26 @@
 #include "app/places/folder_staging.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <utility>
 
-#include "app/base/failure.h"
 #include "host/files/flush.h"
+#include "host/tools.h"
 
 namespace app {
 namespace {
 
 namespace fs = std::filesystem;
+
+[[noreturn]] void failAt(FailureWords words, const std::string& path) {
+    words.path = path;
+    throw Failure(std::move(words));
+}
 
 bool isEmptyFolder(const std::string& path) {
     std::error_code error;
@@ -19,38 +28,85 @@ bool isEmptyFolder(const std::string& path) {
 }
 
 // Throws Failure when something stands at the target that may not.
-std::string requireFree(std::string target, TargetBefore before) {
+void requireFree(const std::string& target, const StagedThing& thing) {
     struct stat status {};
-    if (lstat(target.c_str(), &status) != 0) return target;
-    const bool mayBeEmpty = before == TargetBefore::emptyFolder;
-    if (mayBeEmpty && isEmptyFolder(target)) return target;
-    const std::string what = mayBeEmpty ? "The target is not an empty folder, and what is there is never overwritten"
-                                        : "There is something at the target already, and it is never overwritten";
-    throw Failure({0, what, target, "", "move it away or remove it, or choose another --to"});
+    if (lstat(target.c_str(), &status) != 0) return;
+    if (thing.before == TargetBefore::nothing || !isEmptyFolder(target)) failAt(thing.whenTaken, target);
 }
 
-std::string placeOf(const std::string& target) {
-    return fs::path(target).parent_path().string();
+bool flushFolder(const std::string& folder) {
+    const tools::detail::FileHandle handle(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return handle.valid() && fsync(handle.get()) == 0;
 }
 
-FailureWords busyWords(const StagedThing& thing, const std::string& place) {
-    return {0, std::string("Another ") + thing.name + " is being written into this folder", place, "",
-            "wait until that is done, or choose another --to"};
+void flushFolders(const std::string& root, const std::string& whatFailed) {
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root)) {
+        if (entry.is_directory() && !entry.is_symlink() && !flushFolder(entry.path().string()))
+            failToWrite(entry.path().string(), whatFailed);
+    }
+    if (!flushFolder(root)) failToWrite(root, whatFailed);
 }
 
 }  // namespace
 
-FolderStaging::FolderStaging(std::string target, const StagedThing& thing)
-    : thing_(thing),
-      target_(requireFree(std::move(target), thing.before)),
-      hidden_(placeOf(target_), thing.hiddenName, thing.name, busyWords(thing, placeOf(target_))),
-      folder_(hidden_.path() + "/") {}
+StagedThing stagedTree() {
+    return {"tree",
+            ".chat-transfer-tree.part",
+            "",
+            TargetBefore::nothing,
+            FilesFlushed::byStaging,
+            {0, "There is something at the target already, and it is never overwritten", "", "",
+             "move it away or remove it, or choose another --to"},
+            {0, "Another tree is being written into this folder", "", "",
+             "wait until that is done, or choose another --to"}};
+}
+
+FolderStaging::FolderStaging(std::string target, StagedThing thing)
+    : thing_(std::move(thing)),
+      target_(std::move(target)),
+      place_(fs::path(target_).parent_path().string()),
+      hidden_((fs::path(place_) / thing_.hiddenName).string()) {
+    requireFree(target_, thing_);
+    lockPlace();
+    tools::del_dir(hidden_.c_str());
+    makeFolder();
+}
+
+FolderStaging::~FolderStaging() {
+    tools::del_dir(hidden_.c_str());
+}
+
+// The lock ends with the process, however that ends: what is found under the hidden name then is a leftover.
+void FolderStaging::lockPlace() {
+    const std::string folder = "The folder for the " + thing_.name;
+    if (tools::createDir(place_.c_str()) != 0) failToWrite(place_, folder + " cannot be made");
+    lock_ = tools::detail::FileHandle(open(place_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!lock_.valid()) failToWrite(place_, folder + " cannot be opened");
+    if (flock(lock_.get(), LOCK_EX | LOCK_NB) != 0) failAt(thing_.whenBusy, place_);
+}
+
+void FolderStaging::makeFolder() const {
+    constexpr mode_t kOwnerOnly = 0700;
+    if (mkdir(hidden_.c_str(), kOwnerOnly) != 0)
+        failToWrite(place_, "The folder for the " + thing_.name + " cannot be written to");
+}
+
+void FolderStaging::enter() const {
+    if (chdir(hidden_.c_str()) != 0) failToWrite(hidden_, "The folder for the " + thing_.name + " cannot be entered");
+}
 
 void FolderStaging::publish() {
-    if (!tools::flushFileSystem(hidden_.place()))
-        failToWrite(hidden_.place(), std::string("The ") + thing_.name + " could not be flushed to the disk");
-    requireFree(target_, thing_.before);
-    hidden_.publish(hidden_.path(), target_);
+    const std::string thing = "The " + thing_.name;
+    const std::string notFlushed = thing + " could not be flushed to the disk";
+    const std::string built = hidden_ + thing_.built;
+    if (thing_.files == FilesFlushed::byWriter) {
+        flushFolders(built, notFlushed);
+    } else if (!tools::flushFileSystem(place_)) {
+        failToWrite(place_, notFlushed);
+    }
+    requireFree(target_, thing_);
+    if (std::rename(built.c_str(), target_.c_str()) != 0) failToWrite(target_, thing + " could not get its name");
+    if (fsync(lock_.get()) != 0) failToWrite(place_, notFlushed);
 }
 
 void refuseTargetInside(const std::string& from, const std::string& target) {

@@ -1,9 +1,10 @@
-// Where a folder of files is built before it gets its name.
+// Where a folder is built before it gets its name.
 #pragma once
 
 #include <string>
 
-#include "app/places/hidden_folder.h"
+#include "app/base/failure.h"
+#include "host/files/file_handle.h"
 
 namespace app {
 
@@ -13,34 +14,60 @@ enum class TargetBefore {
     emptyFolder,  ///< or nothing
 };
 
-/// What is being built.
-struct StagedThing {
-    const char* name;        ///< in messages: "tree"
-    const char* hiddenName;  ///< of the folder that it is built in; no two things share one
-    TargetBefore before;
+/// Who brings the files that are built to the disk.
+enum class FilesFlushed {
+    byStaging,
+    byWriter,  ///< one by one: only their folders are left to do
 };
 
-inline constexpr StagedThing kStagedTree{"tree", ".chat-transfer-tree.part", TargetBefore::nothing};
+/// What is being built.
+struct StagedThing {
+    std::string name;        ///< in messages: "tree"
+    std::string hiddenName;  ///< of the folder that it is built in; no two things share one
+    std::string built;       ///< what gets the final name: that folder itself when empty, else a path in it, with "/"
+    TargetBefore before;
+    FilesFlushed files;
+    FailureWords whenTaken;  ///< said where there is something at the final name; the path is filled in
+    FailureWords whenBusy;   ///< said while another command is building in the same place; likewise
+};
 
-/// A hidden folder beside the final one. It is renamed only when everything is whole and on the disk.
+/// The tree that encrypt-tree and decrypt-tree make.
+StagedThing stagedTree();
+
+/// A hidden folder beside the final one, which gets its name only when everything is whole and on the disk. It goes
+/// when this object does; a crash leaves it at most, and the next one of its name in the same place removes it.
 class FolderStaging {
 public:
     /// `target` is absolute. Makes the folder that is to hold it where that is missing. Throws Failure when there is
     /// something at the target already, when it cannot be made, or when another command is building in the same place.
-    FolderStaging(std::string target, const StagedThing& thing);
+    FolderStaging(std::string target, StagedThing thing);
+    ~FolderStaging();
+    FolderStaging(const FolderStaging&) = delete;
+    FolderStaging& operator=(const FolderStaging&) = delete;
+    FolderStaging(FolderStaging&&) = delete;
+    FolderStaging& operator=(FolderStaging&&) = delete;
 
     /// The hidden folder, ending in "/".
-    const std::string& folder() const { return folder_; }
+    std::string folder() const { return hidden_ + "/"; }
+    /// The folder that is to hold the target.
+    const std::string& place() const { return place_; }
     const std::string& target() const { return target_; }
+
+    /// Makes the hidden folder the working directory: paths below it stay short, however long the target's path is.
+    void enter() const;
 
     /// Brings everything to the disk and gives the folder its final name. Throws Failure.
     void publish();
 
 private:
+    void lockPlace();
+    void makeFolder() const;
+
     StagedThing thing_;
     std::string target_;
-    HiddenFolder hidden_;
-    std::string folder_;
+    std::string place_;
+    std::string hidden_;
+    tools::detail::FileHandle lock_;
 };
 
 /// Throws Failure when `target` lies in `from`: the source must stay as it is.

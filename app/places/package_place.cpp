@@ -1,6 +1,5 @@
 #include "app/places/package_place.h"
 
-#include <algorithm>
 #include <filesystem>
 
 #include "app/base/failure.h"
@@ -13,29 +12,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool isFolder(const fs::path& path) {
-    std::error_code ignored;
-    return fs::is_directory(path, ignored);
-}
-
-std::vector<std::string> foldersIn(const fs::path& path) {
-    std::vector<std::string> names;
-    std::error_code error;
-    for (fs::directory_iterator entry(path, error), end; !error && entry != end; entry.increment(error)) {
-        if (isFolder(entry->path())) names.push_back(entry->path().filename().string());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::string listed(const std::vector<std::string>& names) {
-    constexpr std::size_t kMost = 10;
-    std::string text;
-    for (std::size_t i = 0; i < std::min(names.size(), kMost); ++i)
-        text += (i > 0 ? ", " : "") + names[i];
-    return names.size() > kMost ? text + ", ..." : text;
-}
-
 // The folder that holds qelmsg_0: `folder`, or its parent where `folder` is qelmsg_0 itself.
 fs::path parentOfPackage(const std::string& folder) {
     const fs::path path = resolvedPath(folder);
@@ -45,6 +21,10 @@ fs::path parentOfPackage(const std::string& folder) {
 }
 
 }  // namespace
+
+std::string PackagePlace::root() const {
+    return parent + "/" + chattransfer::kPackageName;
+}
 
 PackagePlace findPackage(const std::string& folder, const std::string& user) {
     const fs::path parent = parentOfPackage(folder);
@@ -59,10 +39,9 @@ PackagePlace findPackage(const std::string& folder, const std::string& user) {
                        (root / chattransfer::kAttachmentsFolder / user / "").string()};
     for (const std::string& part : {place.messages, place.attachments}) {
         if (isFolder(part)) continue;
-        const std::vector<std::string> users = foldersIn(root / chattransfer::kMessagesFolder);
+        const std::string users = foldersIn(root / chattransfer::kMessagesFolder);
         throw Failure({chattransfer::kMissing, "The package holds nothing of user " + user, part,
-                       "the folder is missing",
-                       users.empty() ? "" : "check --user; this package holds: " + listed(users)});
+                       "the folder is missing", users.empty() ? "" : "check --user; this package holds: " + users});
     }
     return place;
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 namespace app {
 
@@ -11,6 +10,8 @@ struct PackagePlace {
     std::string parent;       ///< absolute; the folder that holds qelmsg_0
     std::string messages;     ///< the user's message folder, ending in "/"
     std::string attachments;  ///< the user's attachment folder, ending in "/"
+
+    std::string root() const;  ///< qelmsg_0 itself, without a "/" at its end
 };
 
 /// `folder` is the folder that holds qelmsg_0, or qelmsg_0 itself. Throws a Failure that lists the users of the package

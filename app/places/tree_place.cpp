@@ -1,8 +1,6 @@
 #include "app/places/tree_place.h"
 
-#include <algorithm>
 #include <filesystem>
-#include <vector>
 
 #include "app/base/failure.h"
 #include "app/base/paths.h"
@@ -13,25 +11,6 @@ namespace app {
 namespace {
 
 namespace fs = std::filesystem;
-
-bool isFolder(const fs::path& path) {
-    std::error_code ignored;
-    return fs::is_directory(path, ignored);
-}
-
-std::string usersIn(const fs::path& folder) {
-    constexpr std::size_t kMost = 10;
-    std::vector<std::string> names;
-    std::error_code error;
-    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-        if (isFolder(entry->path())) names.push_back(entry->path().filename().string());
-    }
-    std::sort(names.begin(), names.end());
-    std::string text;
-    for (std::size_t i = 0; i < std::min(names.size(), kMost); ++i)
-        text += (i > 0 ? ", " : "") + names[i];
-    return names.size() > kMost ? text + ", ..." : text;
-}
 
 // The folder that holds qelbackup: `folder`, or its parent where `folder` is qelbackup itself.
 fs::path parentOfTrees(const fs::path& folder) {
@@ -54,13 +33,9 @@ TreePlace findTree(const std::string& folder, const std::string& user) {
         throw Failure({chattransfer::kMissing, "There is no tree", trees, "the folder is missing",
                        "give the folder that holds qelbackup; encrypt-tree makes one out of a plain tree"});
     }
-    const std::string users = usersIn(trees);
+    const std::string users = foldersIn(trees);
     throw Failure({chattransfer::kMissing, "There is no tree of user " + user, place.root, "the folder is missing",
                    users.empty() ? "" : "check --user; there are trees of: " + users});
-}
-
-void addTreeOption(CLI::App& command, std::string& from) {
-    addFolderOption(command, "--from", from, "Folder that holds the tree as qelbackup/<ID>, or qelbackup itself");
 }
 
 }  // namespace app

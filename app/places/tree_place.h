@@ -3,8 +3,6 @@
 
 #include <string>
 
-#include "app/commands/command.h"
-
 namespace app {
 
 /// Where one user's tree lies.
@@ -19,8 +17,5 @@ std::string treeFolderIn(const std::string& folder, const std::string& user);
 /// `folder` is the folder that holds qelbackup, or qelbackup itself. Throws a Failure that says what was looked for and
 /// lists the users whose trees are there instead.
 TreePlace findTree(const std::string& folder, const std::string& user);
-
-/// --from for a folder that holds a tree.
-void addTreeOption(CLI::App& command, std::string& from);
 
 }  // namespace app

@@ -6,9 +6,10 @@
 #include <string_view>
 #include <utility>
 
+#include "app/base/exit_codes.h"
 #include "app/base/json_texts.h"
-#include "app/commands/command.h"
-#include "app/commands/program.h"
+#include "app/base/program_name.h"
+#include "app/base/units.h"
 #include "app/report/left_out.h"
 
 namespace app {

@@ -9,6 +9,7 @@
 
 #include "app/base/failure.h"
 #include "app/base/phase_times.h"
+#include "app/base/stopwatch.h"
 #include "app/report/summary.h"
 #include "transfer/transfer_report.h"
 

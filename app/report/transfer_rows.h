@@ -1,17 +1,15 @@
 // What export and the two imports say alike about what they moved.
 #pragma once
 
+#include <string>
+
 #include "app/report/summary.h"
 #include "transfer/dbTrans.h"
 
 namespace app {
 
-// What the databases refused of what was read.
-long long refusedContacts(const dbTrans& transfer);
-long long refusedNotes(const dbTrans& transfer);
-long long refusedRooms(const dbTrans& transfer);
-
 void addMessageRows(Summary& summary, const TransferReport& report);
+
 void addContactRows(Summary& summary, const dbTrans& transfer);
 
 /// The rows of attachments; an export has them too. `done` is what became of those that were copied or moved.

@@ -105,7 +105,7 @@ void SampleWriter::fill(imsdk::st_dbMessageBean& message, const SampleConversati
 
 void SampleWriter::attach(imsdk::st_dbMessageBean& message, int msgType, Random& random) {
     message.msgType = msgType;
-    message.body = makeAttachment_(msgType, message.msgID, dayText(message.year_, message.mon, message.day_), random);
+    message.body = makeAttachment_(msgType, message.msgID, dayText({message.year_, message.mon, message.day_}), random);
 }
 
 imsdk::st_dbReContactBean SampleWriter::contact(const SampleConversation& conversation,

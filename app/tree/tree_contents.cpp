@@ -6,7 +6,6 @@
 #include <set>
 #include <utility>
 
-#include "app/base/failure.h"
 #include "app/base/file_version.h"
 #include "app/base/interruption.h"
 #include "app/base/paths.h"
@@ -31,11 +30,6 @@ namespace {
 namespace fs = std::filesystem;
 using tools::JsonDocument;
 
-bool isFolder(const fs::path& path) {
-    std::error_code ignored;
-    return fs::is_directory(path, ignored);
-}
-
 std::string endingOf(const std::string& name) {
     return name.substr(name.rfind('.'));
 }
@@ -56,9 +50,9 @@ const char* listKeyOf(const std::string& ending) {
     return ending == chattransfer::kNoteExtension ? chattransfer::kNotesKey : chattransfer::kRoomsKey;
 }
 
-class TreeReader {
+class TreeContentsReader {
 public:
-    TreeReader(const TreeSource& source, const std::string& key, const std::function<void(TreeMessage)>& take)
+    TreeContentsReader(const TreeSource& source, const std::string& key, const std::function<void(TreeMessage)>& take)
         : source_(source), key_(key), take_(take), ownId_(tools::atoint64(source.user.c_str())) {}
 
     TreeFacts run() {
@@ -213,7 +207,7 @@ TreeFacts readTree(const TreeSource& source, const std::string& key, const std::
     // Decrypted texts must not stay in the private folder.
     const InterruptsMark interrupts;
     TreeFacts facts;
-    interruptible([&] { facts = TreeReader(source, key, take).run(); }, wordsForNothingDone);
+    interruptible([&] { facts = TreeContentsReader(source, key, take).run(); }, wordsForNothingDone);
     return facts;
 }
 

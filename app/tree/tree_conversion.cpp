@@ -5,7 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "app/account/account.h"
 #include "app/base/failure.h"
 #include "app/base/interruption.h"
 #include "app/base/paths.h"
@@ -147,20 +146,6 @@ ConversionCounts convertTree(CipherDirection direction, const std::string& from,
     ConversionCounts counts;
     interruptible([&] { counts = Conversion(direction, from, to, key, progress).run(); }, wordsForNothingDone);
     return counts;
-}
-
-SecretText findTreeKey(const KeyOptions& options, const std::string& folder, KeyPurpose purpose) {
-    // A folder of trees is no account: whether a key is chosen or one that exists is asked for, the command knows.
-    if (options.keyFile.empty() && options.askKey) return askForKey(purpose);
-    return findKey(options, Account(folder));
-}
-
-SecretText requireKey(const KeyOptions& options, const std::string& folder, KeyPurpose purpose) {
-    SecretText key = findTreeKey(options, folder, purpose);
-    if (!key.empty()) return key;
-    if (canAskForKey()) return askForKey(purpose);
-    throw Failure({0, "A key is needed: the files of a tree are always encrypted", "", "no key was given",
-                   std::string("give it with ") + kWaysToGiveAKey});
 }
 
 }  // namespace app

@@ -3,9 +3,6 @@
 
 #include <string>
 
-#include "app/account/key_prompt.h"
-#include "app/account/key_source.h"
-#include "app/account/secret_text.h"
 #include "app/base/progress_bar.h"
 #include "transfer/transfer_report.h"
 
@@ -28,11 +25,5 @@ struct ConversionCounts {
 /// ends it between two files: throws Interrupted.
 ConversionCounts convertTree(CipherDirection direction, const std::string& from, const std::string& to,
                              const std::string& key, ProgressBar& progress);
-
-/// The key of tree files: from where findKey() takes it. Empty when there is none.
-SecretText findTreeKey(const KeyOptions& options, const std::string& folder, KeyPurpose purpose);
-
-/// The key of tree files: from where findKey() takes it, or asked for. Throws Failure when there is none.
-SecretText requireKey(const KeyOptions& options, const std::string& folder, KeyPurpose purpose);
 
 }  // namespace app

@@ -4,12 +4,12 @@
 #include <iostream>
 #include <set>
 
-#include "app/account/key_source.h"
+#include "app/account/key_options.h"
 #include "app/base/failure.h"
 #include "app/base/paths.h"
 #include "app/base/units.h"
 #include "app/report/left_out.h"
-#include "app/report/transfer_rows.h"
+#include "app/report/refused_records.h"
 #include "app/tree/tree_files.h"
 #include "host/files/file_status.h"
 #include "host/files/temporary_name.h"

@@ -1,8 +1,5 @@
-// The attachments that messages name, in a package and in an account.
+// Holds the attachments that records name against each other, on the two sides that have them.
 #pragma once
-
-#include <string>
-#include <utility>
 
 #include "app/attachments/attachment_files.h"
 #include "app/verify/compare_records.h"
@@ -10,25 +7,11 @@
 
 namespace app {
 
-/// Collects the attachments of messages, each once, and looks for them on both sides.
-class AttachmentCheck {
-public:
-    /// `packageFolder` ends in "/". An empty `accountRoot` stands for no account.
-    AttachmentCheck(std::string packageFolder, std::string accountRoot)
-        : files_(std::move(packageFolder), std::move(accountRoot)) {}
+/// The attachments of a package and of an account.
+AttachmentCounts checkPackageAttachments(const AttachmentFiles& files, Direction direction, VerifyReport& report);
 
-    void collect(const std::string& body, int msgType);
-
-    /// What is where; of use without an account too.
-    AttachmentCounts count() const { return files_.count(); }
-
-    /// Holds the files of both sides against each other.
-    AttachmentCounts compare(Direction direction, VerifyReport& report) const;
-
-private:
-    void compareOne(const AttachmentFile& file, AttachmentPlace place, Direction direction, VerifyReport& report) const;
-
-    AttachmentFiles files_;
-};
+/// Those of a tree. An import moves attachments: the account must have them. Where the tree has a copy too (it is not
+/// the one that was imported, or the account had a file of that name before), both must have the same bytes.
+AttachmentCounts checkTreeAttachments(const AttachmentFiles& files, VerifyReport& report);
 
 }  // namespace app

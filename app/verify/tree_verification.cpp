@@ -4,8 +4,11 @@
 #include <limits>
 #include <utility>
 
+#include "app/account/open_database.h"
+#include "app/attachments/tree_file_names.h"
 #include "app/base/units.h"
 #include "app/tree/tree_contact_files.h"
+#include "app/verify/attachment_check.h"
 #include "transfer/tables/message_table.h"
 #include "transfer/tables/plugin_tables.h"
 #include "transfer/tables/recent_contact_table.h"
@@ -87,7 +90,10 @@ std::set<std::pair<std::string, std::string>> readRooms(imsdk::dbUtils& db) {
 }  // namespace
 
 TreeVerification::TreeVerification(TreeSource source, Database database, dbTrans& transfer)
-    : source_(std::move(source)), database_(database), transfer_(transfer), attachments_(source_, transfer.rootPath) {}
+    : source_(std::move(source)),
+      database_(database),
+      transfer_(transfer),
+      attachments_(source_.attachments(), transfer.rootPath) {}
 
 imsdk::dbUtils& TreeVerification::db() {
     return connection(transfer_, database_);
@@ -102,17 +108,18 @@ void TreeVerification::run() {
     compareContacts();
     compareNotes();
     compareRooms();
-    counts_.attachments = attachments_.compare(report_);
+    counts_.attachments = checkTreeAttachments(attachments_, report_);
 }
 
 void TreeVerification::readTreeFiles() {
     facts_ = readTree(source_, transfer_.dbKey, [&](TreeMessage message) {
         ++counts_.messages;
-        attachments_.collect(message.record);
+        forEachTreeFile(message.record.body, message.record.msgType, attachments_.adder());
         const long long id = message.record.msgID;
         conversations_[message.conversation][id].push_back({std::move(message.record), nullptr});
     });
-    attachments_.collect(facts_.notes);
+    for (const st_noteTrans& note : facts_.notes)
+        forEachTreeFile(note, attachments_.adder());
     for (const TransferReport::Skipped& file : facts_.unreadable)
         report_.add(Finding::fileUnreadable, file.what + ": " + file.reason);
     if (facts_.locked > 0) {

@@ -8,11 +8,12 @@
 #include <unordered_map>
 #include <vector>
 
-#include "app/account/account.h"
+#include "app/attachments/attachment_files.h"
+#include "app/places/account_place.h"
 #include "app/tree/tree_contents.h"
 #include "app/verify/compare_records.h"
-#include "app/verify/tree_attachment_check.h"
 #include "app/verify/verify_report.h"
+#include "transfer/dbTrans.h"
 
 namespace app {
 
@@ -70,7 +71,7 @@ private:
     dbTrans& transfer_;
     TreeFacts facts_;
     std::map<long long, Messages> conversations_;
-    TreeAttachmentCheck attachments_;
+    AttachmentFiles attachments_;
     const TreeContactFile* contactFile_ = nullptr;
     VerifyReport report_;
     TreeVerifyCounts counts_;

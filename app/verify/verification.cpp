@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/account/open_database.h"
+#include "app/attachments/package_file_names.h"
 #include "app/base/units.h"
+#include "app/verify/attachment_check.h"
 #include "host/base/numeric.h"
 #include "transfer/base/progress.h"
 #include "transfer/format/attachment_body.h"
@@ -51,7 +54,6 @@ Verification::Verification(VerifySettings settings, PackagePlace place, dbTrans&
     : settings_(std::move(settings)),
       place_(std::move(place)),
       transfer_(transfer),
-      since_(settings_.since.year(), settings_.since.month(), settings_.since.day()),
       attachments_(place_.attachments, transfer.rootPath) {}
 
 imsdk::dbUtils& Verification::db() {
@@ -59,7 +61,7 @@ imsdk::dbUtils& Verification::db() {
 }
 
 bool Verification::isSelected(const st_dbMessageBean& message) const {
-    return std::tuple(message.year_, message.mon, message.day_) >= since_;
+    return !(CivilDay{message.year_, message.mon, message.day_} < settings_.since);
 }
 
 void Verification::run(ProgressBar& progress) {
@@ -78,7 +80,7 @@ void Verification::run(ProgressBar& progress) {
     // The back database has no recent contacts.
     if (settings_.database == Database::main) compareContactTable();
     progress.begin("Comparing attachments", {});
-    counts_.attachments = attachments_.compare(settings_.direction, report_);
+    counts_.attachments = checkPackageAttachments(attachments_, settings_.direction, report_);
     progress.complete();
 }
 
@@ -86,7 +88,7 @@ void Verification::readPackageFiles() {
     facts_ = readPackage(place_, [this](PackageMessage message) {
         if (!isSelected(message.record)) return;
         ++counts_.packageMessages;
-        attachments_.collect(message.record.body, message.record.msgType);
+        forEachPackageFile(message.record.body, message.record.msgType, attachments_.adder());
         index_.add(std::move(message));
     });
     index_.sort();
@@ -111,7 +113,7 @@ void Verification::compareTable(const std::string& table) {
 
 void Verification::compareRow(const st_dbMessageBean& row) {
     ++counts_.accountMessages;
-    if (settings_.direction != Direction::imported) attachments_.collect(row.body, row.msgType);
+    if (settings_.direction != Direction::imported) forEachPackageFile(row.body, row.msgType, attachments_.adder());
     const std::vector<PackageIndex::Entry*> candidates = index_.candidates(row);
     Comparison best;
     PackageIndex::Entry* match = nullptr;

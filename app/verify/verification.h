@@ -3,21 +3,21 @@
 
 #include <map>
 #include <set>
-#include <tuple>
 
-#include "app/account/account.h"
+#include "app/attachments/attachment_files.h"
+#include "app/base/calendar.h"
 #include "app/base/progress_bar.h"
-#include "app/base/since_day.h"
+#include "app/places/account_place.h"
 #include "app/places/package_place.h"
-#include "app/verify/attachment_check.h"
 #include "app/verify/compare_records.h"
 #include "app/verify/package_index.h"
 #include "app/verify/verify_report.h"
+#include "transfer/dbTrans.h"
 
 namespace app {
 
 struct VerifySettings {
-    SinceDay since;
+    CivilDay since;  ///< messages of earlier days are passed over
     Direction direction = Direction::both;
     Database database = Database::main;
 };
@@ -55,10 +55,9 @@ private:
     VerifySettings settings_;
     PackagePlace place_;
     dbTrans& transfer_;
-    std::tuple<int, int, int> since_;
     PackageIndex index_;
     PackageFacts facts_;
-    AttachmentCheck attachments_;
+    AttachmentFiles attachments_;
     std::map<long long, const imsdk::st_dbReContactBean*> contacts_;  // of the package, by id as it holds them
     std::set<long long> matchedContacts_;
     VerifyReport report_;

@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "app/base/failure.h"
+#include "app/account/open_database.h"
 #include "app/base/printable.h"
 #include "app/base/progress_bar.h"
 #include "app/tree/tree_contact_files.h"

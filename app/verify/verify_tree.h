@@ -1,9 +1,10 @@
 // `chat-transfer verify` for a tree.
 #pragma once
 
-#include "app/account/account.h"
+#include "app/places/account_place.h"
 #include "app/tree/tree_contents.h"
 #include "app/verify/verify_report.h"
+#include "transfer/dbTrans.h"
 
 namespace app {
 

@@ -59,7 +59,7 @@ std::string monthText(const CivilDay& day) {
 }
 
 std::string shortDayText(const CivilDay& day) {
-    return dayText(day.year, day.month, day.day);
+    return dayText(day);
 }
 
 }  // namespace app::view

@@ -345,9 +345,9 @@ TEST_F(RealReports, OfTheCommandsForTreesObeyTheSchema) {
     reportOf(with("encrypt-tree", {"--from", "plain", "--to", "backup", "--key-file", "key"}), 0);
     reportOf(with("inspect", {"", "backup", "--key-file", "key"}), 0);
     reportOf(with("decrypt-tree", {"--from", "backup", "--to", "plain2", "--key-file", "key"}), 0);
-    test::Arguments trial = with("import-tree", {"--from", "backup", "--account", "new", "--key-file", "key"});
-    trial.emplace_back("--dry-run");
-    EXPECT_EQ(true, reportOf(trial, 0).at("dryRun"));
+    test::Arguments dryRun = with("import-tree", {"--from", "backup", "--account", "new", "--key-file", "key"});
+    dryRun.emplace_back("--dry-run");
+    EXPECT_EQ(true, reportOf(dryRun, 0).at("dryRun"));
     const json imported =
         reportOf(with("import-tree", {"--from", "backup", "--account", "new", "--key-file", "key"}), 0);
     EXPECT_FALSE(imported.at("phases").empty());

@@ -53,7 +53,7 @@ TEST_F(Interrupted, ImportSaysWhatIsDoneAndRunAgainCompletesIt) {
     EXPECT_EXIT_CODE(0, verify("package", "copy"));
 }
 
-TEST_F(Interrupted, TrialOfAnImportSaysThatNothingWasWritten) {
+TEST_F(Interrupted, DryRunOfAnImportSaysThatNothingWasWritten) {
     makeLargeSample();
     ASSERT_EXIT_CODE(0, exportFrom("account", "package"));
     const std::string before = listing(dir_.path());
@@ -95,7 +95,7 @@ TEST_F(Interrupted, ConversionOfATreeLeavesNothing) {
     EXPECT_EQ("qelbackup", listing(at("interrupted")));
 }
 
-// A trial and a look into an encrypted tree keep private texts in a folder of their own for a while.
+// A dry run and a look into an encrypted tree keep private texts in a folder of their own for a while.
 class InterruptedInPrivate : public Interrupted {
 protected:
     void SetUp() override {
@@ -121,7 +121,7 @@ TEST_F(InterruptedInPrivate, ViewOfATreeLeavesNoDecryptedText) {
     }
 }
 
-TEST_F(InterruptedInPrivate, TrialOfATreeLeavesNoDecryptedText) {
+TEST_F(InterruptedInPrivate, DryRunOfATreeLeavesNoDecryptedText) {
     const Arguments arguments = joined(importArguments("account", "backup"), {"--dry-run"});
     expectNothingLeft(chatTransferOnTerminal(arguments, {{"Decrypting the tree ...", kCtrlC, 0}}));
     EXPECT_FALSE(exists(at("account")));

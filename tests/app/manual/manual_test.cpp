@@ -3,6 +3,7 @@
 #include <set>
 #include <sstream>
 
+#include "app/base/program_name.h"
 #include "app/commands/program.h"
 #include "app/manual/completions.h"
 #include "app/manual/manual_page.h"
