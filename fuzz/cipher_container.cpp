@@ -19,11 +19,13 @@ using fuzz::require;
 // Encrypts or decrypts texts by way of files.
 class Cipher {
 public:
-    std::optional<std::string> encrypt(const std::string& plain) const { return run(true, plain); }
-    std::optional<std::string> decrypt(const std::string& container) const { return run(false, container); }
+    [[nodiscard]] std::optional<std::string> encrypt(const std::string& plain) const { return run(true, plain); }
+    [[nodiscard]] std::optional<std::string> decrypt(const std::string& container) const {
+        return run(false, container);
+    }
 
 private:
-    std::optional<std::string> run(bool encrypts, const std::string& bytes) const {
+    [[nodiscard]] std::optional<std::string> run(bool encrypts, const std::string& bytes) const {
         const std::string in = sandbox_.backup() + "/in";
         const std::string out = sandbox_.backup() + "/out";
         fs::remove(out);

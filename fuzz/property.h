@@ -16,10 +16,10 @@ public:
     Input(const std::uint8_t* data, std::size_t size) : bytes_(reinterpret_cast<const char*>(data), size) {}
 
     /// Takes the first byte; 0 when there is none.
-    unsigned takeByte();
+    [[nodiscard]] unsigned takeByte();
 
     /// All that has not been taken.
-    const std::string& rest() const { return bytes_; }
+    [[nodiscard]] const std::string& rest() const { return bytes_; }
 
 private:
     std::string bytes_;

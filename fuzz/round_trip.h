@@ -9,11 +9,11 @@ namespace fuzz {
 
 /// Numbers are written as doubles and ill-formed texts are repaired: that much, and nothing else, may differ after the
 /// first trip.
-inline bool survives(const std::string& before, const std::string& after) {
+[[nodiscard]] inline bool survives(const std::string& before, const std::string& after) {
     return tools::toWellFormedUtf8(before) == after;
 }
 template <class Number>
-bool survives(Number before, Number after) {
+[[nodiscard]] bool survives(Number before, Number after) {
     return static_cast<double>(before) == static_cast<double>(after);
 }
 

@@ -21,11 +21,11 @@ public:
     Sandbox(Sandbox&&) = delete;
     Sandbox& operator=(Sandbox&&) = delete;
 
-    std::string account() const { return root_ + "/user/account"; }
-    std::string backup() const { return root_ + "/user/backup"; }
-    std::string packageMessages() const { return backup() + "/qelmsg_0/messages_0/" + kUser + "/"; }
-    std::string packageFiles() const { return backup() + "/qelmsg_0/qelimfiles_0/" + kUser + "/"; }
-    std::string tree() const { return backup() + "/qelbackup/" + kUser + "/"; }
+    [[nodiscard]] std::string account() const { return root_ + "/user/account"; }
+    [[nodiscard]] std::string backup() const { return root_ + "/user/backup"; }
+    [[nodiscard]] std::string packageMessages() const { return backup() + "/qelmsg_0/messages_0/" + kUser + "/"; }
+    [[nodiscard]] std::string packageFiles() const { return backup() + "/qelmsg_0/qelimfiles_0/" + kUser + "/"; }
+    [[nodiscard]] std::string tree() const { return backup() + "/qelbackup/" + kUser + "/"; }
 
     /// Gives the transfer object its folders, user and version.
     void enter(dbTrans& transfer) const;

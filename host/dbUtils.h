@@ -38,7 +38,7 @@ public:
     int read();
 
     /// True when the query did not run or a read failed, false at the ordinary end of the rows.
-    bool failed() const;
+    [[nodiscard]] bool failed() const;
 
     /// The value of column `column` (counted from 0) of the current row as text, all its bytes, NULs included. NULL, a
     /// column that does not exist and a cursor without a current row give an empty text.
@@ -130,7 +130,7 @@ public:
     void abandonTransaction();
 
     /// True from the moment at which the current batch is lost until the next beginTransaction().
-    bool transactionFailed() const;
+    [[nodiscard]] bool transactionFailed() const;
 
     /// Tells that tables are being created and how many there are. SQLite reads its whole schema again after each, and
     /// with the schema of 20,000 tables that costs half as much when it stays in the page cache. The cache grows to 64
@@ -144,23 +144,23 @@ public:
     int copyTo(dbUtils& target) const;
 
     /// True between a successful open() and the destruction or a failed open().
-    bool isOpen() const;
+    [[nodiscard]] bool isOpen() const;
 
     /// Why the last open() failed; none when it did not.
-    OpenFailure openFailure() const { return openFailure_; }
+    [[nodiscard]] OpenFailure openFailure() const { return openFailure_; }
 
     /// Number of rows that the last successful insert, update or delete changed.
-    int changedRows() const;
+    [[nodiscard]] int changedRows() const;
 
     /// What the last failed call of this object said, in English words; empty when none has failed since open().
-    std::string lastError() const;
+    [[nodiscard]] std::string lastError() const;
 
     /// True when the last failure was that the row's key is in the table already. Other refusals, by a trigger or a
     /// check for example, are none: their row is nowhere.
-    bool lastFailureWasDuplicate() const;
+    [[nodiscard]] bool lastFailureWasDuplicate() const;
 
     /// True when the last failure was that another connection held the database for longer than the busy wait.
-    bool lastFailureWasLock() const;
+    [[nodiscard]] bool lastFailureWasLock() const;
 
 private:
     friend class dbCommand;
@@ -209,7 +209,7 @@ private:
     friend class dbUtils;
     bool prepare();
     bool prepareAnew();
-    bool isBound() const;
+    [[nodiscard]] bool isBound() const;
     template <class Bind>
     void bindWith(int index, Bind bind);
     void bindNumber(int index, long long value);

@@ -13,11 +13,11 @@ class Rehearsal {
 public:
     void appear(const std::string& path) { changed_[path] = true; }
     void vanish(const std::string& path) { changed_[path] = false; }
-    bool hasAppeared(const std::string& path) const { return isChanged(path, true); }
-    bool hasVanished(const std::string& path) const { return isChanged(path, false); }
+    [[nodiscard]] bool hasAppeared(const std::string& path) const { return isChanged(path, true); }
+    [[nodiscard]] bool hasVanished(const std::string& path) const { return isChanged(path, false); }
 
 private:
-    bool isChanged(const std::string& path, bool there) const {
+    [[nodiscard]] bool isChanged(const std::string& path, bool there) const {
         const auto found = changed_.find(path);
         return found != changed_.end() && found->second == there;
     }
