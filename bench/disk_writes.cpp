@@ -16,7 +16,8 @@ __attribute__((destructor)) void print() {
 
 }  // namespace
 
-// Whoever is linked into this program calls these instead of the C library's.
+// Whoever is linked into this program calls these instead of the C library's, whose parameters have reserved names.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 extern "C" {
 
 int fsync(int file) {
@@ -39,3 +40,4 @@ ssize_t pwrite64(int file, const void* bytes, size_t size, off64_t offset) {
     return syscall(SYS_pwrite64, file, bytes, size, offset);
 }
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
