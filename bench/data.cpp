@@ -19,6 +19,7 @@
 #include "bench/names.h"
 #include "host/CAES.h"
 #include "transfer/dbTrans.h"
+#include "transfer/format/account_folders.h"
 #include "transfer/format/attachment_body.h"
 #include "transfer/format/tree_format.h"
 

@@ -8,7 +8,7 @@
 
 #include "host/base/wipe.h"
 #include "transfer/dbTrans.h"
-#include "transfer/format/attachment_body.h"
+#include "transfer/format/account_folders.h"
 
 namespace {
 

@@ -110,12 +110,12 @@ public:
     std::string userVideoDir;
     /// What the operations did and left out. Only the host empties it.
     TransferReport report;
-    /// For a trial: while it is set, imports copy and move no attachments, but note here what they would have done, and
-    /// count as if they had. Not owned; null for a real import. The databases are written all the same: a trial gives
-    /// `rootPath` a copy of them. Set by the host.
+    /// For a dry run: while it is set, imports copy and move no attachments, but note here what they would have done,
+    /// and count as if they had. Not owned; null for a real import. The databases are written all the same: a dry run
+    /// gives `rootPath` a copy of them. Set by the host.
     tools::Rehearsal* rehearsal = nullptr;
-    /// Where the attachments of a tree at trial are, when its records have been copied to `backupPath` without them:
-    /// what backupPath would be for a real import. Empty: in backupPath. Set by the host.
+    /// Where the attachments of a tree in a dry run are, when its records have been copied to `backupPath` without
+    /// them: what backupPath would be for a real import. Empty: in backupPath. Set by the host.
     std::string rehearsalSource;
 
     // --- Opening, reset, progress ---

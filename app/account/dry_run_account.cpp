@@ -9,7 +9,7 @@
 #include "app/account/missing_parts.h"
 #include "app/base/failure.h"
 #include "host/dbUtils.h"
-#include "transfer/format/attachment_body.h"
+#include "transfer/format/account_folders.h"
 
 namespace app {
 namespace {

@@ -14,7 +14,7 @@
 #include "host/files/file_handle.h"
 #include "host/tools.h"
 #include "transfer/error_codes.h"
-#include "transfer/format/attachment_body.h"
+#include "transfer/format/account_folders.h"
 
 namespace app {
 namespace {

@@ -1,6 +1,7 @@
 #include "app/attachments/package_file_names.h"
 
 #include "app/base/paths.h"
+#include "transfer/format/account_folders.h"
 #include "transfer/format/attachment_body.h"
 
 namespace app {

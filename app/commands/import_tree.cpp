@@ -23,7 +23,7 @@
 #include "host/files/file_handle.h"
 #include "host/tools.h"
 #include "transfer/dbTrans.h"
-#include "transfer/format/attachment_body.h"
+#include "transfer/format/account_folders.h"
 #include "transfer/format/tree_format.h"
 #include "transfer/tree/tree_document.h"
 

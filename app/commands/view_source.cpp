@@ -12,7 +12,7 @@
 #include "app/base/units.h"
 #include "app/package/package_files.h"
 #include "app/tree/tree_contact_files.h"
-#include "transfer/format/attachment_body.h"
+#include "transfer/format/account_folders.h"
 #include "transfer/format/package_format.h"
 #include "transfer/format/tree_format.h"
 #include "transfer/tables/recent_contact_table.h"

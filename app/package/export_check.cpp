@@ -11,8 +11,6 @@
 namespace app {
 namespace {
 
-constexpr long long kMessagesPerPackedFile = 1000;
-
 bool isConversation(const std::string& table) {
     const std::size_t prefix = std::strlen(chattransfer::kMessageTablePrefix);
     return table.size() > prefix && table.compare(0, prefix, chattransfer::kMessageTablePrefix) == 0 &&
@@ -55,7 +53,8 @@ long long expectedMessages(const dbTrans& transfer, Layout layout) {
     if (layout == Layout::days || transfer.dayMsgMap.empty()) return selected;
     const auto lastDay = static_cast<long long>(transfer.dayMsgMap.rbegin()->second.size());
     const long long before = selected - lastDay;
-    return before + std::min(lastDay, kMessagesPerPackedFile - before % kMessagesPerPackedFile);
+    constexpr auto kFile = static_cast<long long>(chattransfer::kMessagesPerFile);
+    return before + std::min(lastDay, kFile - before % kFile);
 }
 
 bool holdsAll(const dbTrans& transfer, Layout layout) {

@@ -8,7 +8,7 @@
 #include "app/base/failure.h"
 #include "app/base/paths.h"
 #include "app/base/units.h"
-#include "transfer/format/attachment_body.h"
+#include "transfer/format/account_folders.h"
 
 namespace app {
 namespace {

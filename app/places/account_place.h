@@ -16,7 +16,7 @@ public:
 
     const std::string& root() const { return root_; }
     std::string database(Database which) const;
-    std::string pluginDatabase() const { return root_ + "/db/plugin/kab.db"; }
+    std::string pluginDatabase() const;
     std::vector<std::string> databases() const;
 
 private:

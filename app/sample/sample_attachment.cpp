@@ -4,6 +4,7 @@
 #include "app/places/new_file.h"
 #include "app/sample/sample_media.h"
 #include "app/sample/sample_texts.h"
+#include "transfer/format/account_folders.h"
 #include "transfer/format/attachment_body.h"
 
 namespace app {

@@ -109,8 +109,7 @@ void compareDay(Comparison& result, const st_dbMessageBean& row, const st_dbMess
 
 // What an import sets for every message.
 bool hasValuesThatNoPackageCarries(const st_dbMessageBean& row) {
-    constexpr int kImportedStatus = 4;
-    return row.status != kImportedStatus || row.burnAfterReading != 0 || row.localID != 0;
+    return row.status != chattransfer::kImportedStatus || row.burnAfterReading != 0 || row.localID != 0;
 }
 
 bool isConvertedPin(signed char row, signed char packaged) {

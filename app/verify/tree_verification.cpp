@@ -10,6 +10,7 @@
 #include "app/tree/tree_contact_files.h"
 #include "app/verify/attachment_check.h"
 #include "transfer/tables/message_table.h"
+#include "transfer/tables/message_trimming.h"
 #include "transfer/tables/plugin_tables.h"
 #include "transfer/tables/recent_contact_table.h"
 
@@ -168,9 +169,8 @@ void TreeVerification::compareRow(const Table& table, const st_dbMessageBean& ro
 }
 
 void TreeVerification::noteMissing(const Table& table, const st_dbMessageBean& message) {
-    constexpr long long kRowsAfterTrimming = 3000;
     const bool trimmed =
-        database_ == Database::main && table.rows >= kRowsAfterTrimming && message.time_ < table.oldest;
+        database_ == Database::main && table.rows >= chattransfer::kKeptRows && message.time_ < table.oldest;
     if (trimmed) {
         report_.add(Rule::tableTrimmed);
     } else {

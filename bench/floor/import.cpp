@@ -31,6 +31,7 @@
 #include "bench/floor/sqlite_handles.h"
 #include "bench/names.h"
 #include "host/base/fixed_text.h"
+#include "transfer/format/account_folders.h"
 #include "transfer/format/attachment_body.h"
 #include "transfer/tables/message_table.h"
 #include "transfer/tables/recent_contact_table.h"

@@ -2,10 +2,14 @@
 #include <cstdio>
 #include <fstream>
 
+#include "c/chat_transfer.h"
 #include "host/CAES.h"
 #include "host/json.h"
 #include "host/tools.h"
 #include "transfer/dbTrans.h"
+
+// The usual name for it must not meet a name of ours, the C surface included.
+static dbTrans transfer;
 
 int main() {
     const std::string account = "consumer-account";
@@ -13,7 +17,6 @@ int main() {
     tools::createDir((account + "/db").c_str());
     std::ofstream(account + "/db/imsg.db").flush();
 
-    dbTrans transfer;
     transfer.rootPath = account;
     transfer.dbKey = "a key";
     if (transfer.dbOpen() == 0) return 1;

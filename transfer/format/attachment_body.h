@@ -3,8 +3,6 @@
 
 #include <string>
 
-#include "transfer/format/account_folders.h"
-
 namespace chattransfer {
 
 // Message types that carry attachments in a package.

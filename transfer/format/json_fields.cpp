@@ -64,8 +64,9 @@ void setList(JSON_Object* object, const char* key, const std::string& joined) {
 }
 
 bool hasVersion(const JSON_Object* object, const std::string& version) {
-    const char* found = json_object_get_string(object, kVersionKey);
-    return found != nullptr && version == std::string(found, json_object_get_string_len(object, kVersionKey));
+    const char* stated = json_object_get_string(object, kVersionKey);
+    if (stated == nullptr) return false;
+    return isVersion(std::string(stated, json_object_get_string_len(object, kVersionKey)), version);
 }
 
 }  // namespace chattransfer

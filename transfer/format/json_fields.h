@@ -31,7 +31,7 @@ void getField(const JSON_Object* object, const char* key, signed char& number);
 /// Writes the numbers of a text joined by ";" as an array.
 void setList(JSON_Object* object, const char* key, const std::string& joined);
 
-/// True when the object's "version" is there and equals `version` byte for byte.
+/// The version check for an object.
 [[nodiscard]] bool hasVersion(const JSON_Object* object, const std::string& version);
 
 /// Calls visit(object) for each object in the array; elements of other types are no records and are passed over.

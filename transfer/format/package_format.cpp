@@ -7,6 +7,10 @@
 
 namespace chattransfer {
 
+bool isVersion(const std::optional<std::string>& stated, const std::string& expected) {
+    return stated == expected;
+}
+
 CalendarDay dayOfKey(const std::string& dayKey, const char* separator) {
     std::vector<long long> numbers = tools::string_To_Vec_Int64(dayKey, separator);
     numbers.resize(3);

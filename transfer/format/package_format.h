@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 #include "host/json.h"
@@ -73,6 +74,9 @@ void forEachMessageList(Record& record, Visit&& visit) {
 [[nodiscard]] inline std::string packageRoot(const std::string& backup) {
     return backup + "/" + kPackageName + "/";
 }
+
+/// The version check of every file: the file states a version, and it is the expected one, byte for byte.
+[[nodiscard]] bool isVersion(const std::optional<std::string>& stated, const std::string& expected);
 
 /// A calendar day as the "date" object has it.
 struct CalendarDay {

@@ -9,6 +9,7 @@
 std::string dbTrans::getSavePath(const char* path, std::string& dirPart) {
     dirPart.clear();
     if (path == nullptr) return {};
+    // Hosts know the limits of these functions: what passes them gives empty texts.
     const tools::FixedText<256> buffer("%s", path);
     std::string converted = buffer.text();
     std::size_t segment = 0;

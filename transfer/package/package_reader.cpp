@@ -42,7 +42,7 @@ PackageReader::FileResult PackageReader::readFile(const std::string& path) {
         return leaveOut(path, "the message file cannot be read");
     MessageFileContent file = readMessageFileText(text_);
     if (!file.isObject) return leaveOut(path, "the message file is not a JSON object");
-    if (file.version != source_.version) {
+    if (!isVersion(file.version, source_.version)) {
         report_.skip(path, "the message file has another version than " + source_.version);
         return FileResult::wrongVersion;
     }

@@ -10,7 +10,8 @@ std::string openMessageTable(TransferReport& report, imsdk::dbUtils& db, TableIn
     if (!name.empty()) return name;
     name = messageTableName(targetID).text();
     db.cacheSchemaOf(tables.size());
-    const tools::FixedText<1024> create(kCreateMessageTable, name.c_str());
+    const tools::FixedText<1024> create(  // room for the schema and any such name
+        kCreateMessageTable, name.c_str());
     if (db.excuteNonQuery(create.text()) == 0) {
         report.skip(name, "the conversation's table could not be created: " + db.lastError());
         return {};
@@ -21,6 +22,7 @@ std::string openMessageTable(TransferReport& report, imsdk::dbUtils& db, TableIn
 }
 
 std::string insertMessageStatement(const std::string& table) {
+    // Hosts know this limit: a table whose name passes it takes no messages.
     return tools::FixedText<512>(insertMessageFormat().c_str(), table.c_str()).text();
 }
 

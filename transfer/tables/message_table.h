@@ -13,11 +13,12 @@ namespace chattransfer {
 /// How the name of every message table begins; the conversation's id in decimal follows.
 inline constexpr const char* kMessageTablePrefix = "im_msg_";
 
+/// Room for the prefix and any id.
 using MessageTableName = tools::FixedText<60>;
 
 /// "im_msg_<targetID>".
 [[nodiscard]] inline MessageTableName messageTableName(long long targetID) {
-    return MessageTableName("im_msg_%lld", targetID);
+    return MessageTableName("%s%lld", kMessageTablePrefix, targetID);
 }
 
 /// The blanks inside are part of the schema text that clients compare.
@@ -28,8 +29,7 @@ inline constexpr const char* kCreateMessageTable =
     "msgProperties VARCHAR(1024), year_ INTEGER, mon INTEGER, day_ INTEGER,                     limitRange "
     "VARCHAR(256), "
     "formate VARCHAR(256), activeType INTEGER, relatedMsgID BIGINT, localID BIGINT, relatedUsers VARCHAR(4096), "
-    "sourceID "
-    "VARCHAR(32), unReadState VARCHAR(128),securityLevel INTEGER);";
+    "sourceID VARCHAR(32), unReadState VARCHAR(128),securityLevel INTEGER);";
 
 /// What a column of the message table takes part in.
 enum class ColumnUse {

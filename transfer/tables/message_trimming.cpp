@@ -4,12 +4,6 @@
 #include "transfer/tables/message_table.h"
 
 namespace chattransfer {
-namespace {
-
-constexpr int kTrimAbove = 5000;
-constexpr int kKeptRows = 3000;
-
-}  // namespace
 
 bool isOverfull(int messageCount) {
     return messageCount > kTrimAbove;
@@ -17,6 +11,7 @@ bool isOverfull(int messageCount) {
 
 int trimMessages(imsdk::dbUtils& db, const std::string& table, int messageCount, TransferReport& report) {
     if (!isPlainTableName(table)) return 0;
+    // Hosts know this limit: a table whose name passes it is not trimmed.
     const tools::FixedText<256> trim(
         "delete from %s where time_ in(select time_ from %s order by time_ ASC limit 0,%d)", table.c_str(),
         table.c_str(), messageCount - kKeptRows);

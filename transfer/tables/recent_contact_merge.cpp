@@ -12,7 +12,7 @@ namespace {
 
 using imsdk::st_dbReContactBean;
 
-// Room for each of the statements with the table's name.
+// Room for each of the statements with the table's name and an id.
 using ContactStatement = tools::FixedText<512>;
 
 int insertContact(imsdk::dbUtils& db, const st_dbReContactBean& contact, TransferReport& report) {

@@ -13,10 +13,9 @@ inline constexpr const char* kRecentContactTable = "im_reContact";
 
 /// The blanks inside are part of the schema text that clients compare.
 inline constexpr const char* kCreateRecentContactTable =
-    "create table im_reContact(targetID BIGINT PRIMARY KEY,lastMsgid BIGINT,time BIGINT,type TINYINT,                  "
-    "  "
-    "top TINYINT,wherefrom VARCHAR(256),msgType TINYINT,activeType INTEGER,lastMsg VARCHAR(8000),msgProp "
-    "VARCHAR(1024),name VARCHAR(128),sendUserID BIGINT,securityLevel INTEGER);";
+    "create table im_reContact(targetID BIGINT PRIMARY KEY,lastMsgid BIGINT,time BIGINT,type TINYINT,"
+    "                    top TINYINT,wherefrom VARCHAR(256),msgType TINYINT,activeType INTEGER,lastMsg VARCHAR(8000),"
+    "msgProp VARCHAR(1024),name VARCHAR(128),sendUserID BIGINT,securityLevel INTEGER);";
 
 inline constexpr const char* kFindRecentContact = "select * from  %s  where targetID = %lld";
 
@@ -28,9 +27,8 @@ inline constexpr const char* kInsertRecentContact =
 /// The database rejects this text, and that is relied on: a stored contact is never overwritten, whatever a package
 /// says.
 inline constexpr const char* kUpdateRecentContact =
-    "update %s set lastMsgid = ?,time = ?,type = ?,top = ?,whereFrom = ?,msgType = ?,activeType = ?,lastMsg = "
-    "?,msgProp = "
-    "?,name = ? securityLevel =?,where targetID = ? ";
+    "update %s set lastMsgid = ?,time = ?,type = ?,top = ?,whereFrom = ?,msgType = ?,activeType = ?,lastMsg = ?,"
+    "msgProp = ?,name = ? securityLevel =?,where targetID = ? ";
 
 inline constexpr const char* kPinRecentContact = "update %s set top = ? where targetID = ? ";
 

@@ -35,7 +35,7 @@ ErrorCode TreeMessageImport::takeFile(const std::string& path) {
         report_.skip(path, kNotJsonReason);
         return kSuccess;
     }
-    if (file.version != owner_.version) {
+    if (!isVersion(file.version, owner_.version)) {
         skipOtherVersion(path, owner_.version, report_);
         return kWrongVersion;
     }
