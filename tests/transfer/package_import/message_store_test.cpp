@@ -316,10 +316,10 @@ TEST_F(MessageStore, PassesOverATableOfAnotherShape) {
 TEST_F(MessageStore, GoesOnAfterAMessageThatCannotBeBound) {
     giveTable(5);
     ASSERT_NE(0, transfer_.dbOpen());
-    imsdk::dbCommand insert(&transfer_.mainDb, chattransfer::insertMessageStatement("im_msg_5").c_str());
     // A text beyond a gigabyte fails when it is bound. A placeholder that does not exist fails like it, in less memory.
-    insert.bindParam(22, "no such placeholder");
+    imsdk::dbCommand insert(&transfer_.mainDb, "insert into im_msg_5(toUserID) values(?)");
     EXPECT_EQ(0, chattransfer::insertMessage(transfer_.report, transfer_.mainDb, insert, messageOf(5, 1)));
+    insert.setCommandText(chattransfer::insertMessageStatement("im_msg_5").c_str());
     EXPECT_NE(0, chattransfer::insertMessage(transfer_.report, transfer_.mainDb, insert, messageOf(5, 2)));
     EXPECT_EQ("2", idsIn("im_msg_5"));
     EXPECT_EQ(1, transfer_.report.messagesRefused);
