@@ -37,18 +37,13 @@ FileHandle openKeyFile(const std::string& path) {
 // Reads into one buffer that never moves, so that no copy is left behind.
 std::string readKeyText(int descriptor, const std::string& path) {
     std::string text(kLongestKey + 3, '\0');
-    std::size_t filled = 0;
-    ssize_t count = 1;
-    while (count > 0 && filled < text.size()) {
-        count = read(descriptor, text.data() + filled, text.size() - filled);
-        if (count > 0) filled += static_cast<std::size_t>(count);
-    }
-    const int error = errno;
-    text.resize(filled);
-    if (count < 0) {
+    const ssize_t size = tools::detail::readBlock(descriptor, text.data(), text.size());
+    if (size < 0) {
+        const int error = errno;
         wipe(text);
         throw Failure({0, "The key file cannot be read", path, systemWords(error), "check --key-file"});
     }
+    text.resize(static_cast<std::size_t>(size));
     return text;
 }
 

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -12,6 +11,8 @@
 #include "app/base/printable.h"
 #include "host/dbUtils.h"
 #include "host/files/file_handle.h"
+#include "host/files/file_status.h"
+#include "host/files/temporary_name.h"
 #include "host/tools.h"
 #include "transfer/error_codes.h"
 #include "transfer/format/account_folders.h"
@@ -31,15 +32,19 @@ void makeFolder(const std::string& path) {
 // from then on a wrong key is noticed.
 constexpr const char* kFirstWrite = "PRAGMA user_version = 0";
 
+// Where the database `path` is made: no two of an account are in one folder under one name.
 std::string unfinishedName(const std::string& path) {
-    return path + ".part";
+    const std::size_t name = path.rfind('/') + 1;
+    return path.substr(0, name) + tools::temporaryName(path.substr(name));
 }
 
-// What an interrupted run left; nobody else has a database of this name.
+// What an interrupted run left, in this version or an earlier one. What cannot be removed is in the way of a new
+// database, and said there.
 void removeUnfinished(const std::string& path) {
-    const std::string unfinished = unfinishedName(path);
-    static_cast<void>(std::remove((unfinished + "-journal").c_str()));
-    static_cast<void>(std::remove(unfinished.c_str()));
+    for (const std::string& unfinished : {unfinishedName(path), path + ".part"}) {
+        static_cast<void>(tools::removeFile(unfinished + "-journal"));
+        static_cast<void>(tools::removeFile(unfinished));
+    }
 }
 
 [[noreturn]] void failToMake(const std::string& path, const std::string& reason) {
@@ -64,7 +69,7 @@ void makeDatabase(const std::string& path, const std::string& key) {
 
 // Keeps two commands from making the databases of one account at a time. Ends with the handle.
 tools::detail::FileHandle lockDatabases(const Account& account) {
-    tools::detail::FileHandle folder(open((account.root() + "/db").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    tools::detail::FileHandle folder = tools::detail::openFolder(AT_FDCWD, (account.root() + "/db").c_str());
     if (folder.valid()) static_cast<void>(flock(folder.get(), LOCK_EX));
     return folder;
 }

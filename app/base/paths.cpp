@@ -4,6 +4,7 @@
 #include <system_error>
 #include <vector>
 
+#include "host/files/folder_walk.h"
 #include "host/tools.h"
 
 namespace app {
@@ -15,13 +16,9 @@ bool isFolder(const std::filesystem::path& path) {
 
 std::string foldersIn(const std::filesystem::path& folder) {
     constexpr std::size_t kMost = 10;
-    std::vector<std::string> names;
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-        if (isFolder(entry->path())) names.push_back(entry->path().filename().string());
-    }
-    std::sort(names.begin(), names.end());
+    std::vector<std::string> names = tools::namesIn(folder.string(), tools::NameOrder::byBytes).names;
+    const auto isNoFolder = [&](const std::string& name) { return !isFolder(folder / name); };
+    names.erase(std::remove_if(names.begin(), names.end(), isNoFolder), names.end());
     std::string text;
     for (std::size_t i = 0; i < std::min(names.size(), kMost); ++i)
         text += (i > 0 ? ", " : "") + names[i];
@@ -36,13 +33,11 @@ std::string lastComponent(const std::string& path) {
 
 unsigned long long sizeOfFolder(const std::string& folder) {
     unsigned long long bytes = 0;
-    std::error_code error;
-    for (std::filesystem::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-        std::error_code unknown;
-        const bool regular = entry->is_regular_file(unknown) && !entry->is_symlink(unknown);
-        const auto size = regular ? entry->file_size(unknown) : 0;
-        if (!unknown) bytes += size;
+    tools::FolderWalk walk(folder);
+    static_cast<void>(walk.enter());
+    while (walk.next()) {
+        bytes += walk.status().size;
+        if (walk.status().kind == tools::FileKind::folder) static_cast<void>(walk.enter());
     }
     return bytes;
 }

@@ -17,6 +17,7 @@
 #include "app/places/folder_staging.h"
 #include "app/report/left_out.h"
 #include "app/report/transfer_rows.h"
+#include "host/files/temporary_name.h"
 #include "transfer/dbTrans.h"
 #include "transfer/format/package_format.h"
 
@@ -63,7 +64,7 @@ void write(dbTrans& transfer, Layout layout, const std::string& package) {
 // The transfer flushes each file as it writes it.
 StagedThing stagedPackage() {
     return {"package",
-            ".chat-transfer.part",
+            tools::temporaryName(""),
             std::string("/") + chattransfer::kPackageName,
             TargetBefore::nothing,
             FilesFlushed::byWriter,

@@ -51,7 +51,7 @@ bool intoMain(const ImportTreeOptions& options) {
 
 // Two imports of one tree would take the files out of each other's hands. The lock ends with the process.
 tools::detail::FileHandle lockTree(const std::string& root) {
-    tools::detail::FileHandle folder(open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    tools::detail::FileHandle folder = tools::detail::openFolder(AT_FDCWD, root.c_str());
     if (!folder.valid()) {
         throw Failure({0, "The tree cannot be read", root, systemWords(errno), "check its permissions"});
     }

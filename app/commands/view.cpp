@@ -14,6 +14,7 @@
 #include "app/commands/view_source.h"
 #include "app/places/folder_staging.h"
 #include "app/view/viewer.h"
+#include "host/files/temporary_name.h"
 
 namespace app {
 namespace {
@@ -28,7 +29,7 @@ struct ViewOptions {
 
 StagedThing stagedPages() {
     return {"set of pages",
-            ".chat-transfer-view.part",
+            tools::temporaryName("view"),
             "",
             TargetBefore::emptyFolder,
             FilesFlushed::byStaging,

@@ -1,12 +1,12 @@
 #include "app/package/package_files.h"
 
 #include <algorithm>
-#include <filesystem>
 
 #include "app/base/failure.h"
 #include "app/base/file_version.h"
 #include "app/report/left_out.h"
 #include "host/base/fixed_text.h"
+#include "host/files/folder_walk.h"
 #include "host/files/whole_file.h"
 #include "host/json/json_owner.h"
 #include "host/tools.h"
@@ -107,12 +107,8 @@ void requireVersion(const PackagePlace& place, const std::string& version) {
 }
 
 long long countFilesBehindGap(const PackagePlace& place) {
-    long long files = 0;
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(place.messages, error), end; !error && entry != end;
-         entry.increment(error)) {
-        if (isMessageFileName(entry->path().filename().string())) ++files;
-    }
+    const std::vector<std::string> names = tools::namesIn(place.messages).names;
+    const long long files = std::count_if(names.begin(), names.end(), isMessageFileName);
     return std::max(0LL, files - countConsecutive(place));
 }
 

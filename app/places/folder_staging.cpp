@@ -10,6 +10,8 @@
 #include <utility>
 
 #include "host/files/flush.h"
+#include "host/files/folder_walk.h"
+#include "host/files/temporary_name.h"
 #include "host/tools.h"
 
 namespace app {
@@ -29,29 +31,28 @@ bool isEmptyFolder(const std::string& path) {
 
 // Throws Failure when something stands at the target that may not.
 void requireFree(const std::string& target, const StagedThing& thing) {
-    struct stat status {};
-    if (lstat(target.c_str(), &status) != 0) return;
+    if (tools::statusOf(target).error != 0) return;
     if (thing.before == TargetBefore::nothing || !isEmptyFolder(target)) failAt(thing.whenTaken, target);
 }
 
-bool flushFolder(const std::string& folder) {
-    const tools::detail::FileHandle handle(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    return handle.valid() && fsync(handle.get()) == 0;
+void flushFolder(tools::FolderWalk& walk, const std::string& whatFailed) {
+    const bool flushed = tools::flushFolder(walk.path());
+    if (!flushed || walk.enter() != 0) failToWrite(walk.path(), whatFailed);
 }
 
 void flushFolders(const std::string& root, const std::string& whatFailed) {
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root)) {
-        if (entry.is_directory() && !entry.is_symlink() && !flushFolder(entry.path().string()))
-            failToWrite(entry.path().string(), whatFailed);
+    tools::FolderWalk walk(root);
+    flushFolder(walk, whatFailed);
+    while (walk.next()) {
+        if (walk.status().kind == tools::FileKind::folder) flushFolder(walk, whatFailed);
     }
-    if (!flushFolder(root)) failToWrite(root, whatFailed);
 }
 
 }  // namespace
 
 StagedThing stagedTree() {
     return {"tree",
-            ".chat-transfer-tree.part",
+            tools::temporaryName("tree"),
             "",
             TargetBefore::nothing,
             FilesFlushed::byStaging,
@@ -80,7 +81,7 @@ FolderStaging::~FolderStaging() {
 void FolderStaging::lockPlace() {
     const std::string folder = "The folder for the " + thing_.name;
     if (tools::createDir(place_.c_str()) != 0) failToWrite(place_, folder + " cannot be made");
-    lock_ = tools::detail::FileHandle(open(place_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    lock_ = tools::detail::openFolder(AT_FDCWD, place_.c_str());
     if (!lock_.valid()) failToWrite(place_, folder + " cannot be opened");
     if (flock(lock_.get(), LOCK_EX | LOCK_NB) != 0) failAt(thing_.whenBusy, place_);
 }

@@ -39,7 +39,7 @@ ReportFile::ReportFile(const std::string& given) {
     const std::filesystem::path path = resolvedPath(given);
     path_ = path.string();
     const std::string name = path.filename().string();
-    folder_ = tools::detail::FileHandle(open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    folder_ = tools::detail::openFolder(AT_FDCWD, path.parent_path().c_str());
     if (!folder_.valid()) refuse(path_, systemWords(errno), "give a file in a folder that exists");
     if (isTaken(folder_.get(), name) && !isReplaceable(folder_.get(), name))
         refuse(path_, "there is something that is no earlier report", "choose another name");

@@ -1,6 +1,5 @@
 #include "app/tree/tree_contact_files.h"
 
-#include <filesystem>
 #include <map>
 #include <ostream>
 
@@ -8,11 +7,10 @@
 #include "app/base/text_table.h"
 #include "app/base/units.h"
 #include "app/tree/tree_files.h"
+#include "host/files/folder_walk.h"
 
 namespace app {
 namespace {
-
-namespace fs = std::filesystem;
 
 using FilesByName = std::map<std::string, const TreeContactFile*>;
 
@@ -32,11 +30,13 @@ const TreeContactFile* lastListedFile(const TreeSource& source, const std::vecto
     FilesByName named;
     for (const TreeContactFile& file : files)
         named.emplace(file.name, &file);
-    std::error_code error;
-    for (fs::recursive_directory_iterator entry(source.root, fs::directory_options::skip_permission_denied, error), end;
-         !error && entry != end; entry.increment(error)) {
-        if (entry.depth() >= kDeepestFolder) entry.disable_recursion_pending();
-        const TreeContactFile* file = fileOf(entry->path().lexically_relative(source.root).string(), named);
+    // The walk of an import, in its order: a folder that cannot be read has no contacts for either.
+    tools::FolderWalk walk(source.root);
+    static_cast<void>(walk.enter());
+    while (walk.next()) {
+        const bool isFolder = walk.status().kind == tools::FileKind::folder;
+        if (isFolder && walk.depth() <= kDeepestFolder) static_cast<void>(walk.enter());
+        const TreeContactFile* file = fileOf(walk.name(), named);
         if (file != nullptr) last = file;
     }
     return last;

@@ -1,5 +1,6 @@
 #include "app/tree/tree_contents.h"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <optional>
@@ -13,6 +14,7 @@
 #include "app/places/tree_place.h"
 #include "app/tree/tree_files.h"
 #include "host/CAES.h"
+#include "host/files/folder_walk.h"
 #include "host/files/whole_file.h"
 #include "host/json/json_owner.h"
 #include "host/tools.h"
@@ -37,12 +39,9 @@ std::string endingOf(const std::string& name) {
 // True for a folder that holds a tree directly: attachments, or a record file.
 bool looksLikeTree(const fs::path& folder) {
     if (isFolder(folder / chattransfer::kTreeAttachmentsFolder)) return true;
-    std::error_code error;
-    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-        const std::string name = entry->path().filename().string();
-        if (isRecordFile(name) || isDecryptedCopy(name)) return true;
-    }
-    return false;
+    const std::vector<std::string> names = tools::namesIn(folder.string()).names;
+    return std::any_of(names.begin(), names.end(),
+                       [](const std::string& name) { return isRecordFile(name) || isDecryptedCopy(name); });
 }
 
 const char* listKeyOf(const std::string& ending) {

@@ -1,7 +1,6 @@
 #include "app/tree/tree_files.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <string_view>
@@ -81,7 +80,7 @@ std::string nameWithoutDecrypted(const std::string& name) {
 bool isEncrypted(const std::string& path) {
     const tools::detail::FileHandle file = tools::detail::openRegularFile(AT_FDCWD, path.c_str(), false);
     cipher::HeaderBytes header{};
-    const ssize_t size = file.valid() ? read(file.get(), header.data(), header.size()) : -1;
+    const ssize_t size = file.valid() ? tools::detail::readBlock(file.get(), header.data(), header.size()) : -1;
     if (size < 0) return false;
     try {
         static_cast<void>(cipher::decodeHeader(header, static_cast<std::size_t>(size)));  // throws for other files

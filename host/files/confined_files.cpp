@@ -6,9 +6,9 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <new>
 
 #include "host/files/new_file.h"
+#include "host/files/whole_file.h"
 #include "host/tools.h"
 
 namespace tools {
@@ -174,13 +174,9 @@ bool ConfinedFolder::isTaken(const std::string& name) {
     return place.valid() ? kindAt(place) != FileKind::none : !place.missing();
 }
 
-bool ConfinedFolder::read(const std::string& name, std::string& bytes) try {
+bool ConfinedFolder::read(const std::string& name, std::string& bytes) {
     const Place place = find(name);
-    if (!place.valid()) return false;
-    const FileHandle file = detail::openRegularFile(place.folder, place.name.c_str(), false);
-    return file.valid() && detail::readAll(file.get(), bytes);
-} catch (const std::bad_alloc&) {
-    return false;  // larger than the memory
+    return place.valid() && detail::readWholeFile(place.folder, place.name.c_str(), bytes);
 }
 
 int ConfinedFolder::createFolder(const std::string& name) {

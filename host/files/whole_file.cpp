@@ -14,11 +14,15 @@ bool writeWholeFile(const std::string& path, std::string_view bytes, Flush flush
     return file.valid() && detail::writeAll(file.get(), bytes.data(), bytes.size()) && file.commit(flush);
 }
 
-bool readWholeFile(const std::string& path, std::string& bytes) try {
-    const detail::FileHandle file = detail::openRegularFile(AT_FDCWD, path.c_str(), false);
-    return file.valid() && detail::readAll(file.get(), bytes);
+bool readWholeFile(const std::string& path, std::string& bytes) {
+    return detail::readWholeFile(AT_FDCWD, path.c_str(), bytes);
+}
+
+bool detail::readWholeFile(int folder, const char* name, std::string& bytes) try {
+    const FileHandle file = openRegularFile(folder, name, false);
+    return file.valid() && readAll(file.get(), bytes);
 } catch (const std::bad_alloc&) {
-    return false;
+    return false;  // larger than the memory
 }
 
 }  // namespace tools

@@ -17,4 +17,11 @@ namespace tools {
 /// is larger than the memory; it never blocks on a FIFO.
 [[nodiscard]] bool readWholeFile(const std::string& path, std::string& bytes);
 
+namespace detail {
+
+/// The same for `name` beneath the open directory `folder`.
+[[nodiscard]] bool readWholeFile(int folder, const char* name, std::string& bytes);
+
+}  // namespace detail
+
 }  // namespace tools

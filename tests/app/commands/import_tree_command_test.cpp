@@ -273,6 +273,11 @@ TEST_F(ImportTreeCommand, RemovesWhatAnInterruptedDecryptionLeft) {
 
 TEST_F(ImportTreeCommand, RemovesTheDatabasesThatAnInterruptedRunDidNotFinish) {
     makeTree("backup");
+    for (const char* name :
+         {"account/db/.chat-transfer-imsg.db.part", "account/db/.chat-transfer-imsg.db.part-journal",
+          "account/db/.chat-transfer-backimsg.db.part-journal", "account/db/plugin/.chat-transfer-kab.db.part"})
+        dir_.write(name, "unfinished");
+    // As they were called before.
     for (const char* name : {"account/db/imsg.db.part", "account/db/imsg.db.part-journal",
                              "account/db/backimsg.db.part-journal", "account/db/plugin/kab.db.part"})
         dir_.write(name, "unfinished");
