@@ -18,8 +18,6 @@ public:
     ~Sandbox();
     Sandbox(const Sandbox&) = delete;
     Sandbox& operator=(const Sandbox&) = delete;
-    Sandbox(Sandbox&&) = delete;
-    Sandbox& operator=(Sandbox&&) = delete;
 
     [[nodiscard]] std::string account() const { return root_ + "/user/account"; }
     [[nodiscard]] std::string backup() const { return root_ + "/user/backup"; }

@@ -8,6 +8,7 @@
 
 #include "tests/docs/markdown.h"
 #include "tests/support/database.h"
+#include "tests/support/listed.h"
 #include "tests/support/temp_dir.h"
 #include "transfer/dbTrans.h"
 #include "transfer/tables/message_table.h"
@@ -29,11 +30,8 @@ std::string filled(std::string statement, const std::string& table, const std::s
 
 // "<position>|<column>|<type>" per line, as the page has it.
 std::string documentedColumns(const std::string& heading) {
-    std::string text;
-    for (const docs::Row& row : docs::tableUnder(docs::readSource("docs/databases.md"), heading)) {
-        text += (text.empty() ? "" : "\n") + row.at(0) + "|" + docs::plain(row.at(1)) + "|" + row.at(2);
-    }
-    return text;
+    return test::listed(docs::tableUnder(docs::readSource("docs/databases.md"), heading), "\n",
+                        [](const auto& row) { return row.at(0) + "|" + docs::plain(row.at(1)) + "|" + row.at(2); });
 }
 
 std::string realColumns(const std::string& database, const std::string& table) {

@@ -9,6 +9,7 @@
 
 #include "tests/docs/markdown.h"
 #include "tests/support/database.h"
+#include "tests/support/listed.h"
 #include "tests/support/temp_dir.h"
 #include "transfer/dbTrans.h"
 #include "transfer/tables/message_table.h"
@@ -74,12 +75,8 @@ struct SampleRow {
     }
 
     std::string insertInto(const std::string& table) const {
-        std::string names;
-        std::string values;
-        for (const auto& [name, literal] : literals) {
-            names += (names.empty() ? "" : ",") + name;
-            values += (values.empty() ? "" : ",") + literal;
-        }
+        const std::string names = test::listed(literals, ",", [](const auto& one) { return one.first; });
+        const std::string values = test::listed(literals, ",", [](const auto& one) { return one.second; });
         return "insert into " + table + "(" + names + ") values(" + values + ")";
     }
 };

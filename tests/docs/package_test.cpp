@@ -10,6 +10,7 @@
 #include "host/json/json_owner.h"
 #include "tests/docs/markdown.h"
 #include "tests/support/database.h"
+#include "tests/support/listed.h"
 #include "tests/support/temp_dir.h"
 #include "transfer/dbTrans.h"
 #include "transfer/format/package_format.h"
@@ -91,10 +92,7 @@ std::string filesBelow(const std::string& folder) {
         if (entry.is_regular_file()) files.push_back(fs::relative(entry.path(), folder).string());
     }
     std::sort(files.begin(), files.end());
-    std::string text;
-    for (const std::string& file : files)
-        text += (text.empty() ? "" : "\n") + file;
-    return text;
+    return test::listed(files, "\n");
 }
 
 // "2500, 5" as numbers.

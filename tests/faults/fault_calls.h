@@ -51,8 +51,6 @@ public:
     ~InjectedFault();
     InjectedFault(const InjectedFault&) = delete;
     InjectedFault& operator=(const InjectedFault&) = delete;
-    InjectedFault(InjectedFault&&) = delete;
-    InjectedFault& operator=(InjectedFault&&) = delete;
 
     /// Whether the call happened.
     bool struck() const;

@@ -17,8 +17,6 @@ public:
     ~RefusedMemory();
     RefusedMemory(const RefusedMemory&) = delete;
     RefusedMemory& operator=(const RefusedMemory&) = delete;
-    RefusedMemory(RefusedMemory&&) = delete;
-    RefusedMemory& operator=(RefusedMemory&&) = delete;
 
     /// Whether the request came.
     bool struck() const;

@@ -10,12 +10,10 @@
 #include <utility>
 
 #include "host/CAES.h"
-#include "host/base/fixed_text.h"
 #include "host/files/temporary_name.h"
 #include "host/json/json_owner.h"
 #include "tests/support/database.h"
 #include "tests/support/temp_dir.h"
-#include "transfer/tables/message_table.h"
 #include "transfer/tables/recent_contact_table.h"
 
 namespace fs = std::filesystem;
@@ -40,16 +38,12 @@ std::string insertMessages(const std::string& table, int count, int day, int typ
            table.substr(7) + ", 2024, 3, " + std::to_string(day) + " from n";
 }
 
-std::string createTable(const std::string& name) {
-    return tools::FixedText<1024>(chattransfer::kCreateMessageTable, name.c_str()).text();
-}
-
 // Three conversations of one day each, so that a message file holds the whole batch of one.
 void makeAccount(const std::string& path, const char* key) {
     const std::string body = R"({"mediaUrl":"2002/x","fileName":"note.txt"})";
     const std::string image = R"({"mediaUrl":"2002/a.jpg","thumbUrl":"2002/b.jpg"})";
     runSql(path + "/db/imsg.db",
-           {createTable("im_msg_11"), createTable("im_msg_12"), createTable("im_msg_13"),
+           {createMessageTable("im_msg_11"), createMessageTable("im_msg_12"), createMessageTable("im_msg_13"),
             insertMessages("im_msg_11", 20, 1, 0, std::string(300, 'm')), insertMessages("im_msg_12", 3, 2, 6, body),
             insertMessages("im_msg_13", 1, 3, 5, image), chattransfer::kCreateRecentContactTable,
             "insert into im_reContact(targetID, name, time, top) values(11, 'one', 5, 0), (12, 'two', 6, 4)"},
@@ -70,11 +64,12 @@ void makeEmptyAccount(const std::string& path, const char* key) {
 
 // An account that has one of the package's conversations in part, and one of its own.
 void fillAccount(const std::string& path, const char* key) {
-    runSql(path + "/db/imsg.db",
-           {createTable("im_msg_11"), createTable("im_msg_99"), insertMessages("im_msg_11", 5, 1, 0, "mine"),
-            insertMessages("im_msg_99", 2, 1, 0, "mine"), chattransfer::kCreateRecentContactTable,
-            "insert into im_reContact(targetID, name, time, top) values(12, 'mine', 9, 0)"},
-           key);
+    runSql(
+        path + "/db/imsg.db",
+        {createMessageTable("im_msg_11"), createMessageTable("im_msg_99"), insertMessages("im_msg_11", 5, 1, 0, "mine"),
+         insertMessages("im_msg_99", 2, 1, 0, "mine"), chattransfer::kCreateRecentContactTable,
+         "insert into im_reContact(targetID, name, time, top) values(12, 'mine', 9, 0)"},
+        key);
 }
 
 void encrypt(const std::string& path, const std::string& text) {

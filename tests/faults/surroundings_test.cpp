@@ -1,11 +1,9 @@
 // The same operations where the machine is poor: each completes, or says that it did not, and completes once it can.
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
-#include <csignal>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
@@ -13,6 +11,7 @@
 #include "tests/faults/fault_world.h"
 #include "tests/support/comma_locale.h"
 #include "tests/support/database.h"
+#include "tests/support/posix_helpers.h"
 #include "tests/support/small_stack.h"
 #include "tests/support/temp_dir.h"
 
@@ -32,6 +31,12 @@ protected:
     }
 
     std::string world() const { return home_.at("world"); }
+
+    template <class Limit>
+    Ending runUnder(rlim_t most) const {
+        const Limit limit(most);
+        return run(GetParam(), world());
+    }
 
     void expectComplete(const Ending& ending) const {
         EXPECT_TRUE(ending.complete) << ending.words;
@@ -59,35 +64,18 @@ TEST_P(PoorMachine, WithAStackOf256KiBSuffices) {
 }
 
 TEST_P(PoorMachine, WithTwentyOpenFilesSuffices) {
-    rlimit before{};
-    getrlimit(RLIMIT_NOFILE, &before);
-    const rlimit few{20, before.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &few);
-    const Ending ending = run(GetParam(), world());
-    setrlimit(RLIMIT_NOFILE, &before);
+    const Ending ending = runUnder<OpenFileLimit>(20);
     expectComplete(ending);
 }
 
 TEST_P(PoorMachine, WithoutAnyFileToOpenFailsInWords) {
-    rlimit before{};
-    getrlimit(RLIMIT_NOFILE, &before);
-    const rlimit none{3, before.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &none);
-    const Ending ending = run(GetParam(), world());
-    setrlimit(RLIMIT_NOFILE, &before);
+    const Ending ending = runUnder<OpenFileLimit>(3);
     expectFailureAndRepair(ending);
 }
 
 TEST_P(PoorMachine, WithAFullDiskFailsInWords) {
-    const auto signalBefore = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
     // The files of a tree are smaller than a page of a database, those of a package are not.
-    const rlimit small{2000, before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &small);
-    const Ending ending = run(GetParam(), world());
-    setrlimit(RLIMIT_FSIZE, &before);
-    static_cast<void>(std::signal(SIGXFSZ, signalBefore));
+    const Ending ending = runUnder<FileSizeLimit>(2000);
     expectFailureAndRepair(ending);
 }
 
@@ -135,8 +123,6 @@ public:
     ~Holder() { waitpid(child_, nullptr, 0); }
     Holder(const Holder&) = delete;
     Holder& operator=(const Holder&) = delete;
-    Holder(Holder&&) = delete;
-    Holder& operator=(Holder&&) = delete;
 
 private:
     pid_t child_ = 0;

@@ -20,8 +20,6 @@ public:
     }
     CommaLocale(const CommaLocale&) = delete;
     CommaLocale& operator=(const CommaLocale&) = delete;
-    CommaLocale(CommaLocale&&) = delete;
-    CommaLocale& operator=(CommaLocale&&) = delete;
 
     /// False where the machine has neither the locale nor its definition.
     static bool isSet() { return std::localeconv()->decimal_point == std::string(","); }

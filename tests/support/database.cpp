@@ -6,6 +6,9 @@
 #include <fstream>
 #include <sstream>
 
+#include "host/base/fixed_text.h"
+#include "transfer/tables/message_table.h"
+
 namespace test {
 namespace {
 
@@ -14,9 +17,8 @@ std::string rowsOf(imsdk::dbUtils& db, const std::string& sql, int columns) {
     std::string text;
     while (reader.read() != 0) {
         if (!text.empty()) text += '\n';
-        for (int column = 0; column < columns; ++column) {
+        for (int column = 0; column < columns; ++column)
             text += (column == 0 ? "" : "|") + reader.getColumnValue(column);
-        }
     }
     EXPECT_FALSE(reader.failed()) << sql << ": " << db.lastError();
     return text;
@@ -46,11 +48,14 @@ void runSql(const std::string& path, const std::vector<std::string>& statements,
     const bool opened = db.isOpen();
     ASSERT_TRUE(opened) << path;
     db.beginTransaction();
-    for (const std::string& statement : statements) {
+    for (const std::string& statement : statements)
         ASSERT_NE(0, db.excuteNonQuery(statement.c_str())) << statement << ": " << db.lastError();
-    }
     db.endTransaction();
     ASSERT_FALSE(db.transactionFailed()) << db.lastError();
+}
+
+std::string createMessageTable(const std::string& name) {
+    return tools::FixedText<1024>(chattransfer::kCreateMessageTable, name.c_str()).text();
 }
 
 std::string queryText(const std::string& path, const std::string& sql, int columns, const char* key) {
@@ -64,9 +69,8 @@ std::string wholeText(const std::string& path, const char* key) {
     EXPECT_NE(0, db.open(path.c_str(), key)) << path << ": " << db.lastError();
     std::string text = rowsOf(db, "select sql from sqlite_master order by name", 1) + "\n";
     std::istringstream tables(rowsOf(db, "select name from sqlite_master where type = 'table' order by name", 1));
-    for (std::string table; std::getline(tables, table);) {
+    for (std::string table; std::getline(tables, table);)
         text.append(table).append(":\n").append(literalsOf(db, table)).append("\n");
-    }
     return text;
 }
 

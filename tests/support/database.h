@@ -14,6 +14,9 @@ void makeDatabase(imsdk::dbUtils& db, const std::string& path, const char* key =
 /// Runs statements on a database file that makeDatabase() made or opens; fails the test when one fails.
 void runSql(const std::string& path, const std::vector<std::string>& statements, const char* key = nullptr);
 
+/// The statement that makes a conversation's table, or one of any name.
+std::string createMessageTable(const std::string& name);
+
 /// All rows of a query, columns joined by "|", rows by "\n"; NULL shows as an empty text.
 std::string queryText(const std::string& path, const std::string& sql, int columns, const char* key = nullptr);
 

@@ -10,6 +10,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "tests/support/listed.h"
+
 namespace fs = std::filesystem;
 
 namespace test {
@@ -39,6 +41,13 @@ std::string TempDir::makeDir(const std::string& name) const {
     return at(name);
 }
 
+std::string patterned(std::size_t size) {
+    std::string text(size, '\0');
+    for (std::size_t i = 0; i < size; ++i)
+        text[i] = static_cast<char>(i % 251);
+    return text;
+}
+
 std::string readFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     EXPECT_TRUE(file.is_open()) << path;
@@ -55,10 +64,7 @@ std::string listing(const std::string& path) {
     std::set<std::string> names;
     for (const fs::directory_entry& entry : fs::directory_iterator(path))
         names.insert(entry.path().filename().string());
-    std::string text;
-    for (const std::string& name : names)
-        text += (text.empty() ? "" : " ") + name;
-    return text;
+    return listed(names);
 }
 
 unsigned permissionsOf(const std::string& path) {

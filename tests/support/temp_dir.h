@@ -1,6 +1,7 @@
 // A folder of one test, removed with the scope.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace test {
@@ -11,8 +12,6 @@ public:
     ~TempDir();
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
-    TempDir(TempDir&&) = delete;
-    TempDir& operator=(TempDir&&) = delete;
 
     /// The absolute path, without a "/" at its end, well below 60 bytes.
     const std::string& path() const { return path_; }
@@ -29,6 +28,9 @@ public:
 private:
     std::string path_;
 };
+
+/// A text of `size` bytes, most of them different from their neighbours.
+std::string patterned(std::size_t size);
 
 /// All bytes of a file; fails the test when it cannot be read.
 std::string readFile(const std::string& path);

@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "tests/app/fixture.h"
-#include "tests/host/files/posix_helpers.h"
+#include "tests/support/posix_helpers.h"
 #include "tests/support/snapshot.h"
 
 namespace test {

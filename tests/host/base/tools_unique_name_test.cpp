@@ -70,9 +70,8 @@ TEST(UniqueNameTest, UrlsThatDifferAfterANulGiveDifferentNames) {
 
 TEST(UniqueNameTest, ManyUrlsGiveAsManyNames) {
     std::set<std::string> names;
-    for (int i = 0; i < 10000; ++i) {
+    for (int i = 0; i < 10000; ++i)
         names.insert(lowered(getUniqueNameByUrl("https://a.example/photo.jpg?id=" + std::to_string(i), true)));
-    }
     EXPECT_EQ(names.size(), 10000U);
 }
 
@@ -111,9 +110,8 @@ TEST(UniqueNameTest, DotsInTheStemBecomeDashes) {
 }
 
 TEST(UniqueNameTest, EndingsOfTheTransfersOwnFilesAreDropped) {
-    for (const char* ending : {"mg", "ct", "nt", "rm", "decrypt", "CT"}) {
+    for (const char* ending : {"mg", "ct", "nt", "rm", "decrypt", "CT"})
         EXPECT_EQ(readable(std::string("https://a.example/x.") + ending), "x");
-    }
 }
 
 TEST(UniqueNameTest, CharactersForbiddenInNamesBecomeDashes) {

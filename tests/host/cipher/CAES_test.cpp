@@ -11,14 +11,11 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <map>
 #include <new>
-#include <set>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -32,6 +29,8 @@
 #include "host/cipher/cipher_secret.h"
 #include "host/cipher/cipher_stream.h"
 #include "host/files/file_handle.h"
+#include "tests/support/posix_helpers.h"
+#include "tests/support/temp_dir.h"
 
 namespace {
 
@@ -46,121 +45,63 @@ struct Outcome {
     std::string reason;
 };
 
-// A folder that exists as long as the object.
-class TemporaryFolder {
-public:
-    TemporaryFolder() : path_((fs::temp_directory_path() / "CAES_test_XXXXXX").string()) {
-        if (::mkdtemp(path_.data()) == nullptr) {
-            std::abort();
-        }
-    }
-    ~TemporaryFolder() { fs::remove_all(path_); }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder(TemporaryFolder&&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(TemporaryFolder&&) = delete;
-
-    [[nodiscard]] std::string operator/(const std::string& name) const { return path_ + "/" + name; }
-
-    [[nodiscard]] std::set<std::string> names() const {
-        std::set<std::string> result;
-        for (const fs::directory_entry& entry : fs::directory_iterator(path_)) {
-            result.insert(entry.path().filename().string());
-        }
-        return result;
-    }
-
-private:
-    std::string path_;
-};
-
-// No file of this process grows beyond the limit while the object exists: writing more fails.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) {
-        ::getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit limit{bytes, before_.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() { ::setrlimit(RLIMIT_FSIZE, &before_); }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit(FileSizeLimit&&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(FileSizeLimit&&) = delete;
-
-private:
-    rlimit before_{};
-};
-
-void writeFile(const std::string& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary) << bytes;
-}
-
-std::string readFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-std::string patterned(std::size_t size) {
-    std::string text(size, '\0');
-    for (std::size_t i = 0; i < size; ++i) {
-        text[i] = static_cast<char>(i % 251);
-    }
-    return text;
-}
-
 Outcome convert(bool encrypt, const char* key, const std::string& input, const std::string& output) {
     std::array<char, 256> error{};
     const int code = CAES().File_Aes_Go_Block(encrypt, key, input.c_str(), output.c_str(), error.data());
     return {code, error.data()};
 }
 
+void expectFailure(const Outcome& outcome, const std::string& reason) {
+    EXPECT_NE(outcome.code, 0);
+    EXPECT_EQ(outcome.reason, reason);
+}
+
 // The container of the text with these parameters; leaves no file behind.
 std::string sealWith(const cipher::Header& header, const cipher::TreeKey& treeKey, const std::string& text,
-                     const TemporaryFolder& folder) {
-    writeFile(folder / "text", text);
-    cipher::InputFile input((folder / "text").c_str());
-    cipher::OutputFile output(folder / "sealed");
+                     const test::TempDir& folder) {
+    folder.write("text", text);
+    cipher::InputFile input(folder.at("text").c_str());
+    cipher::OutputFile output(folder.at("sealed"));
     cipher::ChunkPair chunks;
     cipher::sealFile(input, output, header, treeKey, chunks);
     output.commit();
-    std::string container = readFile(folder / "sealed");
-    fs::remove(folder / "text");
-    fs::remove(folder / "sealed");
+    std::string container = test::readFile(folder.at("sealed"));
+    fs::remove(folder.at("text"));
+    fs::remove(folder.at("sealed"));
     return container;
 }
 
 class CAESTest : public testing::Test {
 protected:
     Outcome encrypt(const std::string& from, const std::string& to, const char* key = kGoodKey) {
-        return convert(true, key, folder_ / from, folder_ / to);
+        return convert(true, key, folder_.at(from), folder_.at(to));
     }
 
     Outcome decrypt(const std::string& from, const std::string& to, const char* key = kGoodKey) {
-        return convert(false, key, folder_ / from, folder_ / to);
+        return convert(false, key, folder_.at(from), folder_.at(to));
     }
 
     // The encrypted form of a text; leaves no file behind.
     std::string containerOf(const std::string& text, const char* key = kGoodKey) {
-        writeFile(folder_ / "text", text);
+        folder_.write("text", text);
         EXPECT_EQ(encrypt("text", "sealed", key).code, 0);
-        std::string container = readFile(folder_ / "sealed");
-        fs::remove(folder_ / "text");
-        fs::remove(folder_ / "sealed");
+        std::string container = test::readFile(folder_.at("sealed"));
+        fs::remove(folder_.at("text"));
+        fs::remove(folder_.at("sealed"));
         return container;
     }
 
     // Decryption fails for a reason that begins so, leaves the input as it is and nothing beside it.
     void expectRefused(const std::string& container, const std::string& reason, const char* key = kGoodKey) {
-        writeFile(folder_ / "bad", container);
+        folder_.write("bad", container);
         const Outcome outcome = decrypt("bad", "opened", key);
         EXPECT_NE(outcome.code, 0);
         EXPECT_EQ(outcome.reason.compare(0, reason.size(), reason), 0) << outcome.reason;
-        EXPECT_EQ(readFile(folder_ / "bad"), container);
-        EXPECT_EQ(folder_.names(), std::set<std::string>{"bad"});
+        EXPECT_EQ(test::readFile(folder_.at("bad")), container);
+        EXPECT_EQ(test::listing(folder_.path()), "bad");
     }
 
-    TemporaryFolder folder_;
+    test::TempDir folder_;
 };
 
 std::string chunkOf(const std::string& container, std::size_t number) {
@@ -172,9 +113,8 @@ std::string headerOf(const std::string& container) {
 }
 
 void putNumber(std::string& bytes, std::size_t offset, std::uint32_t value) {
-    for (std::size_t i = 0; i < 4; ++i) {
+    for (std::size_t i = 0; i < 4; ++i)
         bytes[offset + i] = static_cast<char>(value >> (24 - 8 * i));
-    }
 }
 
 std::uint64_t derivations() {
@@ -188,25 +128,25 @@ constexpr const char* kFirstChunkBad = "wrong key, or the file is damaged, cut o
 class CAESRoundTrip : public CAESTest, public testing::WithParamInterface<std::size_t> {};
 
 TEST_P(CAESRoundTrip, GivesTheTextBack) {
-    const std::string text = patterned(GetParam());
-    writeFile(folder_ / "text", text);
+    const std::string text = test::patterned(GetParam());
+    folder_.write("text", text);
     EXPECT_EQ(encrypt("text", "sealed").code, 0);
     EXPECT_EQ(decrypt("sealed", "opened").code, 0);
-    EXPECT_TRUE(readFile(folder_ / "opened") == text);
+    EXPECT_TRUE(test::readFile(folder_.at("opened")) == text);
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, CAESRoundTrip, testing::Values(0, 1, 15, 16, 17, 65535, 65536, 65537, 131072, 5000000));
 
 TEST_F(CAESTest, LeavesTheInputAsItIs) {
-    writeFile(folder_ / "text", "hello");
+    folder_.write("text", "hello");
     EXPECT_EQ(encrypt("text", "sealed").code, 0);
-    EXPECT_EQ(readFile(folder_ / "text"), "hello");
+    EXPECT_EQ(test::readFile(folder_.at("text")), "hello");
 }
 
 TEST_F(CAESTest, AddsAHeaderAndOneTagForEachChunk) {
     EXPECT_EQ(containerOf("").size(), 68U + 16U);
-    EXPECT_EQ(containerOf(patterned(65536)).size(), 68U + 65536U + 16U);
-    EXPECT_EQ(containerOf(patterned(65537)).size(), 68U + 65537U + 2 * 16U);
+    EXPECT_EQ(containerOf(test::patterned(65536)).size(), 68U + 65536U + 16U);
+    EXPECT_EQ(containerOf(test::patterned(65537)).size(), 68U + 65537U + 2 * 16U);
 }
 
 TEST_F(CAESTest, TheContainerDoesNotShowTheText) {
@@ -221,21 +161,21 @@ TEST_F(CAESTest, EncryptingATextTwiceGivesDifferentBytes) {
 
 TEST_F(CAESTest, KeysOfAnyBytesWork) {
     const char* key = "\xD0\xBA\xD0\xBB\xFF\x01 \n";
-    writeFile(folder_ / "sealed", containerOf("hello", key));
+    folder_.write("sealed", containerOf("hello", key));
     EXPECT_EQ(decrypt("sealed", "opened", key).code, 0);
-    EXPECT_EQ(readFile(folder_ / "opened"), "hello");
+    EXPECT_EQ(test::readFile(folder_.at("opened")), "hello");
 }
 
 TEST_F(CAESTest, OneObjectServesSeveralFilesAfterAFailureToo) {
     CAES object;
-    writeFile(folder_ / "text", patterned(70000));
+    folder_.write("text", test::patterned(70000));
     const auto run = [&](bool encrypt, const char* from, const char* to) {
-        return object.File_Aes_Go_Block(encrypt, kGoodKey, (folder_ / from).c_str(), (folder_ / to).c_str(), nullptr);
+        return object.File_Aes_Go_Block(encrypt, kGoodKey, folder_.at(from).c_str(), folder_.at(to).c_str(), nullptr);
     };
     EXPECT_EQ(run(true, "text", "sealed"), 0);
     EXPECT_NE(run(false, "text", "opened"), 0);
     EXPECT_EQ(run(false, "sealed", "opened"), 0);
-    EXPECT_TRUE(readFile(folder_ / "opened") == patterned(70000));
+    EXPECT_TRUE(test::readFile(folder_.at("opened")) == test::patterned(70000));
 }
 
 // What is refused
@@ -276,44 +216,44 @@ TEST_F(CAESTest, AppendedBytesAreNoticed) {
 }
 
 TEST_F(CAESTest, BytesAppendedToAFullLastChunkAreNoticed) {
-    expectRefused(containerOf(patterned(65536)) + "x", kFirstChunkBad);
+    expectRefused(containerOf(test::patterned(65536)) + "x", kFirstChunkBad);
 }
 
 TEST_F(CAESTest, SwappedChunksAreNoticed) {
-    const std::string c = containerOf(patterned(3 * kPlainChunk));
+    const std::string c = containerOf(test::patterned(3 * kPlainChunk));
     expectRefused(headerOf(c) + chunkOf(c, 0) + chunkOf(c, 2) + chunkOf(c, 1),
                   "damaged, cut or extended data at chunk 1");
 }
 
 TEST_F(CAESTest, ADroppedFirstChunkIsNoticed) {
-    const std::string c = containerOf(patterned(3 * kPlainChunk));
+    const std::string c = containerOf(test::patterned(3 * kPlainChunk));
     expectRefused(headerOf(c) + chunkOf(c, 1) + chunkOf(c, 2), kFirstChunkBad);
 }
 
 TEST_F(CAESTest, ADroppedMiddleChunkIsNoticed) {
-    const std::string c = containerOf(patterned(3 * kPlainChunk));
+    const std::string c = containerOf(test::patterned(3 * kPlainChunk));
     expectRefused(headerOf(c) + chunkOf(c, 0) + chunkOf(c, 2), "damaged, cut or extended data at chunk 1");
 }
 
 TEST_F(CAESTest, ADroppedLastChunkIsNoticed) {
-    const std::string c = containerOf(patterned(3 * kPlainChunk));
+    const std::string c = containerOf(test::patterned(3 * kPlainChunk));
     expectRefused(headerOf(c) + chunkOf(c, 0) + chunkOf(c, 1), "damaged, cut or extended data at chunk 1");
 }
 
 TEST_F(CAESTest, ADuplicatedChunkIsNoticed) {
-    const std::string c = containerOf(patterned(2 * kPlainChunk));
+    const std::string c = containerOf(test::patterned(2 * kPlainChunk));
     expectRefused(headerOf(c) + chunkOf(c, 0) + chunkOf(c, 0) + chunkOf(c, 1),
                   "damaged, cut or extended data at chunk 1");
 }
 
 TEST_F(CAESTest, ADuplicatedLastChunkIsNoticed) {
-    const std::string c = containerOf(patterned(2 * kPlainChunk));
+    const std::string c = containerOf(test::patterned(2 * kPlainChunk));
     expectRefused(c + chunkOf(c, 1), "damaged, cut or extended data at chunk 1");
 }
 
 TEST_F(CAESTest, AChunkOfAnotherFileUnderTheSameKeyIsNoticed) {
-    const std::string one = containerOf(patterned(65537));
-    const std::string other = containerOf(patterned(65537));
+    const std::string one = containerOf(test::patterned(65537));
+    const std::string other = containerOf(test::patterned(65537));
     expectRefused(headerOf(one) + chunkOf(one, 0) + chunkOf(other, 1), "damaged, cut or extended data at chunk 1");
 }
 
@@ -322,7 +262,7 @@ TEST_F(CAESTest, TheHeaderOfAnotherFileUnderTheSameKeyIsNoticed) {
 }
 
 TEST_F(CAESTest, AStubOfATagAfterAFullChunkIsNoticed) {
-    expectRefused(containerOf(patterned(65537)).substr(0, cipher::kHeaderSize + kSealedChunk + 15),
+    expectRefused(containerOf(test::patterned(65537)).substr(0, cipher::kHeaderSize + kSealedChunk + 15),
                   "damaged, cut or extended data at chunk 1");
 }
 
@@ -394,179 +334,154 @@ TEST_F(CAESTest, AnotherChunkSizeIsRefusedBeforeAnyDerivation) {
 // The output
 
 TEST_F(CAESTest, AFailureKeepsAnExistingOutput) {
-    writeFile(folder_ / "bad", containerOf("hello"));
-    writeFile(folder_ / "opened", "earlier");
+    folder_.write("bad", containerOf("hello"));
+    folder_.write("opened", "earlier");
     EXPECT_NE(decrypt("bad", "opened", "another key").code, 0);
-    EXPECT_EQ(readFile(folder_ / "opened"), "earlier");
+    EXPECT_EQ(test::readFile(folder_.at("opened")), "earlier");
 }
 
 TEST_F(CAESTest, ASuccessReplacesAnExistingOutput) {
-    writeFile(folder_ / "sealed", containerOf("hello"));
-    writeFile(folder_ / "opened", "an earlier, longer text");
+    folder_.write("sealed", containerOf("hello"));
+    folder_.write("opened", "an earlier, longer text");
     EXPECT_EQ(decrypt("sealed", "opened").code, 0);
-    EXPECT_EQ(readFile(folder_ / "opened"), "hello");
+    EXPECT_EQ(test::readFile(folder_.at("opened")), "hello");
 }
 
 TEST_F(CAESTest, ALinkUnderTheOutputsNameIsReplacedAndItsTargetKept) {
-    writeFile(folder_ / "sealed", containerOf("hello"));
-    writeFile(folder_ / "target", "earlier");
-    fs::create_symlink("target", folder_ / "opened");
+    folder_.write("sealed", containerOf("hello"));
+    folder_.write("target", "earlier");
+    fs::create_symlink("target", folder_.at("opened"));
     EXPECT_EQ(decrypt("sealed", "opened").code, 0);
-    EXPECT_EQ(readFile(folder_ / "target"), "earlier");
-    EXPECT_TRUE(fs::symlink_status(folder_ / "opened").type() == fs::file_type::regular);
+    EXPECT_EQ(test::readFile(folder_.at("target")), "earlier");
+    EXPECT_TRUE(fs::symlink_status(folder_.at("opened")).type() == fs::file_type::regular);
 }
 
 TEST_F(CAESTest, AFileCanBeConvertedInPlace) {
-    writeFile(folder_ / "file", "hello");
+    folder_.write("file", "hello");
     EXPECT_EQ(encrypt("file", "file").code, 0);
-    EXPECT_EQ(readFile(folder_ / "file").size(), 68U + 5U + 16U);
+    EXPECT_EQ(test::readFile(folder_.at("file")).size(), 68U + 5U + 16U);
     EXPECT_EQ(decrypt("file", "file").code, 0);
-    EXPECT_EQ(readFile(folder_ / "file"), "hello");
+    EXPECT_EQ(test::readFile(folder_.at("file")), "hello");
 }
 
 TEST_F(CAESTest, AFailureInPlaceKeepsTheFile) {
-    writeFile(folder_ / "file", "hello");
+    folder_.write("file", "hello");
     EXPECT_NE(decrypt("file", "file").code, 0);
-    EXPECT_EQ(readFile(folder_ / "file"), "hello");
+    EXPECT_EQ(test::readFile(folder_.at("file")), "hello");
 }
 
 TEST_F(CAESTest, TheOutputIsForItsOwnerAlone) {
     const mode_t mask = ::umask(0);
-    writeFile(folder_ / "text", "hello");
+    folder_.write("text", "hello");
     const int code = encrypt("text", "sealed").code;
     ::umask(mask);
     EXPECT_EQ(code, 0);
-    EXPECT_EQ(fs::status(folder_ / "sealed").permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(fs::status(folder_.at("sealed")).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
 TEST_F(CAESTest, ASuccessLeavesNothingBesideTheOutput) {
-    writeFile(folder_ / "text", "hello");
+    folder_.write("text", "hello");
     EXPECT_EQ(encrypt("text", "sealed").code, 0);
-    EXPECT_EQ(folder_.names(), (std::set<std::string>{"sealed", "text"}));
+    EXPECT_EQ(test::listing(folder_.path()), "sealed text");
 }
 
 TEST_F(CAESTest, TheOutputsNameMayBeAsLongAsTheFileSystemAllows) {
-    writeFile(folder_ / "text", "hello");
+    folder_.write("text", "hello");
     EXPECT_EQ(encrypt("text", std::string(255, 'n')).code, 0);
 }
 
 TEST_F(CAESTest, APathWithoutAFolderMeansTheCurrentOne) {
-    writeFile(folder_ / "text", "hello");
+    folder_.write("text", "hello");
     const fs::path before = fs::current_path();
-    fs::current_path(folder_ / "");
+    fs::current_path(folder_.path());
     const Outcome outcome = convert(true, kGoodKey, "text", "sealed");
     fs::current_path(before);
     EXPECT_EQ(outcome.code, 0);
-    EXPECT_TRUE(fs::exists(folder_ / "sealed"));
+    EXPECT_TRUE(fs::exists(folder_.at("sealed")));
 }
 
 TEST_F(CAESTest, AMissingOutputFolderIsAFailure) {
-    writeFile(folder_ / "text", "hello");
-    const Outcome outcome = encrypt("text", "missing/sealed");
-    EXPECT_NE(outcome.code, 0);
-    EXPECT_EQ(outcome.reason, "cannot write output: No such file or directory");
+    folder_.write("text", "hello");
+    expectFailure(encrypt("text", "missing/sealed"), "cannot write output: No such file or directory");
 }
 
 TEST_F(CAESTest, AFolderUnderTheOutputsNameIsAFailureAndStays) {
-    writeFile(folder_ / "text", "hello");
-    fs::create_directory(folder_ / "sealed");
-    const Outcome outcome = encrypt("text", "sealed");
-    EXPECT_NE(outcome.code, 0);
-    EXPECT_EQ(outcome.reason, "cannot write output: Is a directory");
-    EXPECT_EQ(folder_.names(), (std::set<std::string>{"sealed", "text"}));
+    folder_.write("text", "hello");
+    fs::create_directory(folder_.at("sealed"));
+    expectFailure(encrypt("text", "sealed"), "cannot write output: Is a directory");
+    EXPECT_EQ(test::listing(folder_.path()), "sealed text");
 }
 
 TEST_F(CAESTest, AnOutputThatCannotBeWrittenWholeLeavesNothing) {
-    writeFile(folder_ / "text", patterned(300000));
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    Outcome outcome{};
-    {
-        const FileSizeLimit limit(100000);
-        outcome = encrypt("text", "sealed");
-    }
-    EXPECT_NE(std::signal(SIGXFSZ, handler), SIG_ERR);
-    EXPECT_NE(outcome.code, 0);
-    EXPECT_EQ(outcome.reason, "cannot write output: File too large");
-    EXPECT_EQ(folder_.names(), std::set<std::string>{"text"});
+    folder_.write("text", test::patterned(300000));
+    const test::FileSizeLimit limit(100000);
+    expectFailure(encrypt("text", "sealed"), "cannot write output: File too large");
+    EXPECT_EQ(test::listing(folder_.path()), "text");
 }
 
 TEST_F(CAESTest, AProcessKilledWhileWritingLeavesNoOutput) {
-    writeFile(folder_ / "text", patterned(300000));
+    folder_.write("text", test::patterned(300000));
     const pid_t child = ::fork();
     if (child == 0) {
         const rlimit noCore{0, 0};
         ::setrlimit(RLIMIT_CORE, &noCore);
+        const test::FileSizeLimit limit(100000);
         (void)std::signal(SIGXFSZ, SIG_DFL);
-        const FileSizeLimit limit(100000);
         ::_exit(encrypt("text", "sealed").code);
     }
     int status = 0;
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     EXPECT_TRUE(WIFSIGNALED(status));
-    EXPECT_FALSE(fs::exists(folder_ / "sealed"));
+    EXPECT_FALSE(fs::exists(folder_.at("sealed")));
 }
 
 // The input
 
 TEST_F(CAESTest, AMissingInputIsAFailure) {
-    const Outcome outcome = encrypt("missing", "sealed");
-    EXPECT_NE(outcome.code, 0);
-    EXPECT_EQ(outcome.reason, "cannot open input: No such file or directory");
-    EXPECT_TRUE(folder_.names().empty());
+    expectFailure(encrypt("missing", "sealed"), "cannot open input: No such file or directory");
+    EXPECT_EQ(test::listing(folder_.path()), "");
 }
 
 TEST_F(CAESTest, AFifoIsRefusedWithoutWaiting) {
-    ASSERT_EQ(::mkfifo((folder_ / "fifo").c_str(), 0600), 0);
-    const Outcome outcome = encrypt("fifo", "sealed");
-    EXPECT_NE(outcome.code, 0);
-    EXPECT_EQ(outcome.reason, "input is not a regular file");
+    ASSERT_EQ(::mkfifo(folder_.at("fifo").c_str(), 0600), 0);
+    expectFailure(encrypt("fifo", "sealed"), "input is not a regular file");
 }
 
 TEST_F(CAESTest, ASocketIsRefused) {
     const tools::detail::FileHandle listener(::socket(AF_UNIX, SOCK_STREAM, 0));
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    (folder_ / "socket").copy(std::begin(address.sun_path), sizeof(address.sun_path) - 1);
+    folder_.at("socket").copy(std::begin(address.sun_path), sizeof(address.sun_path) - 1);
     ASSERT_EQ(::bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
-    const Outcome outcome = encrypt("socket", "sealed");
-    EXPECT_NE(outcome.code, 0);
-    EXPECT_EQ(outcome.reason, "input is not a regular file");
+    expectFailure(encrypt("socket", "sealed"), "input is not a regular file");
 }
 
 TEST_F(CAESTest, AFolderAsInputIsRefused) {
-    fs::create_directory(folder_ / "folder");
-    const Outcome outcome = encrypt("folder", "sealed");
-    EXPECT_NE(outcome.code, 0);
-    EXPECT_EQ(outcome.reason, "input is not a regular file");
+    fs::create_directory(folder_.at("folder"));
+    expectFailure(encrypt("folder", "sealed"), "input is not a regular file");
 }
 
 TEST_F(CAESTest, ALinkAsInputIsRefused) {
-    writeFile(folder_ / "text", "hello");
-    fs::create_symlink("text", folder_ / "link");
-    const Outcome outcome = encrypt("link", "sealed");
-    EXPECT_NE(outcome.code, 0);
-    EXPECT_EQ(outcome.reason, "input is not a regular file");
-    EXPECT_EQ(folder_.names(), (std::set<std::string>{"link", "text"}));
+    folder_.write("text", "hello");
+    fs::create_symlink("text", folder_.at("link"));
+    expectFailure(encrypt("link", "sealed"), "input is not a regular file");
+    EXPECT_EQ(test::listing(folder_.path()), "link text");
 }
 
 // The arguments
 
 TEST_F(CAESTest, AMissingOrEmptyKeyIsRefused) {
-    writeFile(folder_ / "text", "hello");
+    folder_.write("text", "hello");
     for (const char* key : {static_cast<const char*>(nullptr), ""}) {
-        const Outcome outcome = encrypt("text", "sealed", key);
-        EXPECT_NE(outcome.code, 0);
-        EXPECT_EQ(outcome.reason, "no key");
-        EXPECT_EQ(folder_.names(), std::set<std::string>{"text"});
+        expectFailure(encrypt("text", "sealed", key), "no key");
+        EXPECT_EQ(test::listing(folder_.path()), "text");
     }
 }
 
 TEST_F(CAESTest, AKeyTextBeyondTheLimitIsRefused) {
-    writeFile(folder_ / "text", "hello");
+    folder_.write("text", "hello");
     EXPECT_EQ(encrypt("text", "sealed", std::string(65536, 'k').c_str()).code, 0);
-    const Outcome outcome = encrypt("text", "sealed", std::string(65537, 'k').c_str());
-    EXPECT_NE(outcome.code, 0);
-    EXPECT_EQ(outcome.reason, "key text too long");
+    expectFailure(encrypt("text", "sealed", std::string(65537, 'k').c_str()), "key text too long");
 }
 
 TEST_F(CAESTest, MissingPathsAreRefused) {
@@ -580,11 +495,11 @@ TEST_F(CAESTest, MissingPathsAreRefused) {
 }
 
 TEST_F(CAESTest, AFailureWithoutAnErrorBufferIsJustAFailure) {
-    EXPECT_NE(CAES().File_Aes_Go_Block(true, kGoodKey, (folder_ / "missing").c_str(), "out", nullptr), 0);
+    EXPECT_NE(CAES().File_Aes_Go_Block(true, kGoodKey, folder_.at("missing").c_str(), "out", nullptr), 0);
 }
 
 TEST_F(CAESTest, ASuccessLeavesTheErrorBufferAlone) {
-    writeFile(folder_ / "text", "hello");
+    folder_.write("text", "hello");
     EXPECT_EQ(encrypt("text", "sealed").reason, "");
 }
 
@@ -601,28 +516,25 @@ TEST_F(CAESTest, ALongPathGivesATerminatedReasonWithin256Bytes) {
 TEST_F(CAESTest, AThousandFilesUnderOneKeyCostOneDerivation) {
     const std::uint64_t before = derivations();
     for (int i = 0; i < 1000; ++i) {
-        writeFile(folder_ / "text", std::to_string(i));
+        folder_.write("text", std::to_string(i));
         ASSERT_EQ(encrypt("text", "sealed", "the key of the thousand").code, 0);
         ASSERT_EQ(decrypt("sealed", "opened", "the key of the thousand").code, 0);
-        ASSERT_EQ(readFile(folder_ / "opened"), std::to_string(i));
+        ASSERT_EQ(test::readFile(folder_.at("opened")), std::to_string(i));
     }
     EXPECT_EQ(derivations(), before + 1);
 }
 
 TEST_F(CAESTest, ThreadsShareOneDerivation) {
-    writeFile(folder_ / "text", "hello");
+    folder_.write("text", "hello");
     const std::uint64_t before = derivations();
     std::array<Outcome, 4> outcomes{};
     std::vector<std::thread> threads;
-    for (std::size_t i = 0; i < outcomes.size(); ++i) {
+    for (std::size_t i = 0; i < outcomes.size(); ++i)
         threads.emplace_back([&, i] { outcomes[i] = encrypt("text", std::to_string(i), "the key of the threads"); });
-    }
-    for (std::thread& thread : threads) {
+    for (std::thread& thread : threads)
         thread.join();
-    }
-    for (const Outcome& outcome : outcomes) {
+    for (const Outcome& outcome : outcomes)
         EXPECT_EQ(outcome.code, 0) << outcome.reason;
-    }
     EXPECT_EQ(derivations(), before + 1);
 }
 
@@ -662,9 +574,8 @@ TEST(KeyCacheTest, ForgetsTheLeastRecentlyUsedKeyFirst) {
         (void)cache.forReading("a", {static_cast<unsigned char>(salt)}, cipher::kMinIterations);
         return cache.derivations();
     };
-    for (std::size_t salt = 0; salt < cipher::KeyCache::kCapacity; ++salt) {
+    for (std::size_t salt = 0; salt < cipher::KeyCache::kCapacity; ++salt)
         (void)read(salt);
-    }
     EXPECT_EQ(read(0), 8U) << "all eight are still known";
     EXPECT_EQ(read(8), 9U) << "a ninth drops the oldest, which is now 1";
     EXPECT_EQ(read(0), 9U);
@@ -695,7 +606,7 @@ TEST(ChunkNonceTest, EndsBeforeTheCounterWouldRepeat) {
 using Vector = std::map<std::string, std::string>;
 
 std::vector<Vector> documentedVectors() {
-    std::istringstream page(readFile(CHAT_TRANSFER_SOURCE_DIR "/docs/formats/cipher-container.md"));
+    std::istringstream page(test::readFile(CHAT_TRANSFER_SOURCE_DIR "/docs/formats/cipher-container.md"));
     std::vector<Vector> vectors(1);
     std::string line;
     while (std::getline(page, line) && line != "```vectors") {
@@ -713,9 +624,8 @@ std::vector<Vector> documentedVectors() {
 
 std::string fromHex(const std::string& hex) {
     std::string bytes;
-    for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
+    for (std::size_t i = 0; i + 1 < hex.size(); i += 2)
         bytes += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
-    }
     return bytes;
 }
 
@@ -750,11 +660,11 @@ cipher::TreeKey treeKeyOf(const Vector& vector) {
 }
 
 std::string textOf(const Vector& vector) {
-    return vector.count("text") > 0 ? fromHex(vector.at("text")) : patterned(std::stoul(vector.at("text-size")));
+    return vector.count("text") > 0 ? fromHex(vector.at("text")) : test::patterned(std::stoul(vector.at("text-size")));
 }
 
 // The container that the header, key and text of the vector give.
-std::string sealed(const Vector& vector, const TemporaryFolder& folder) {
+std::string sealed(const Vector& vector, const test::TempDir& folder) {
     return sealWith(headerOf(vector), treeKeyOf(vector), textOf(vector), folder);
 }
 
@@ -772,7 +682,7 @@ TEST(DocumentedVectorsTest, ShowTheDerivedKeys) {
 }
 
 TEST(DocumentedVectorsTest, AreWhatEncryptionWithTheirSaltsGives) {
-    const TemporaryFolder folder;
+    const test::TempDir folder;
     for (const Vector& vector : documentedVectors()) {
         SCOPED_TRACE(vector.at("name"));
         const std::string container = sealed(vector, folder);
@@ -785,14 +695,14 @@ TEST(DocumentedVectorsTest, AreWhatEncryptionWithTheirSaltsGives) {
 }
 
 TEST(DocumentedVectorsTest, AreDecrypted) {
-    const TemporaryFolder folder;
+    const test::TempDir folder;
     for (const Vector& vector : documentedVectors()) {
         SCOPED_TRACE(vector.at("name"));
         const bool given = vector.count("container") > 0;
-        writeFile(folder / "sealed", given ? fromHex(vector.at("container")) : sealed(vector, folder));
-        const Outcome outcome = convert(false, vector.at("key-text").c_str(), folder / "sealed", folder / "opened");
+        folder.write("sealed", given ? fromHex(vector.at("container")) : sealed(vector, folder));
+        const Outcome outcome = convert(false, vector.at("key-text").c_str(), folder.at("sealed"), folder.at("opened"));
         EXPECT_EQ(outcome.code, 0) << outcome.reason;
-        EXPECT_TRUE(readFile(folder / "opened") == textOf(vector));
+        EXPECT_TRUE(test::readFile(folder.at("opened")) == textOf(vector));
     }
 }
 

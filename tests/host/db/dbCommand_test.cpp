@@ -14,6 +14,10 @@ protected:
     }
     bool execute(dbCommand& command) { return db.excuteNonQuery(&command) != 0; }
     std::string rows() { return value("select group_concat(quote(a) || quote(b) || quote(c), ' ') from t"); }
+    std::string rowsAfter(dbCommand& command) {
+        EXPECT_TRUE(execute(command));
+        return rows();
+    }
 };
 
 TEST_F(CommandTest, PlaceholdersAreCountedFromOne) {
@@ -21,31 +25,27 @@ TEST_F(CommandTest, PlaceholdersAreCountedFromOne) {
     command.bindParam(1, "text");
     command.bindParam(2, -2147483647);
     command.bindParam(3, -9223372036854775807LL);
-    EXPECT_TRUE(execute(command));
-    EXPECT_EQ("'text'-2147483647-9223372036854775807", rows());
+    EXPECT_EQ("'text'-2147483647-9223372036854775807", rowsAfter(command));
 }
 
 TEST_F(CommandTest, TheTextMayBeSetLater) {
     dbCommand command(&db);
     command.setCommandText("insert into t values(?, 2, 3)");
     command.bindParam(1, 1);
-    EXPECT_TRUE(execute(command));
-    EXPECT_EQ("123", rows());
+    EXPECT_EQ("123", rowsAfter(command));
 }
 
 TEST_F(CommandTest, ANullTextBindsNull) {
     dbCommand command(&db, "insert into t values(?, ?, 3)");
     command.bindParam(1, static_cast<const char*>(nullptr));
     command.bindParam(2, "");
-    EXPECT_TRUE(execute(command));
-    EXPECT_EQ("NULL''3", rows());
+    EXPECT_EQ("NULL''3", rowsAfter(command));
 }
 
 TEST_F(CommandTest, ValuesNeverBecomeStatementText) {
     dbCommand command(&db, "insert into t values(?, 2, 3)");
     command.bindParam(1, "'); drop table t; --");
-    EXPECT_TRUE(execute(command));
-    EXPECT_EQ("'''); drop table t; --'23", rows());
+    EXPECT_EQ("'''); drop table t; --'23", rowsAfter(command));
 }
 
 TEST_F(CommandTest, AnIndexOutsideThePlaceholdersMakesTheExecutionFail) {
@@ -65,16 +65,14 @@ TEST_F(CommandTest, ANewTextForgivesAWrongIndex) {
     EXPECT_FALSE(execute(command));
     command.setCommandText("insert into t values(?, 2, 3)");
     command.bindParam(1, 1LL);
-    EXPECT_TRUE(execute(command));
-    EXPECT_EQ("123", rows());
+    EXPECT_EQ("123", rowsAfter(command));
 }
 
 TEST_F(CommandTest, ANewTextReplacesTheOldOneAndItsValues) {
     dbCommand command(&db, "insert into t values(?, 2, 3)");
     command.bindParam(1, 1);
     command.setCommandText("insert into t values(?, 'new', 3)");
-    EXPECT_TRUE(execute(command));
-    EXPECT_EQ("NULL'new'3", rows());
+    EXPECT_EQ("NULL'new'3", rowsAfter(command));
 }
 
 TEST_F(CommandTest, AValueStaysUntilItIsBoundAnew) {
@@ -91,8 +89,7 @@ TEST_F(CommandTest, AValueStaysUntilItIsBoundAnew) {
 
 TEST_F(CommandTest, APlaceholderThatWasNeverBoundIsNull) {
     dbCommand command(&db, "insert into t values(?, 2, 3)");
-    EXPECT_TRUE(execute(command));
-    EXPECT_EQ("NULL23", rows());
+    EXPECT_EQ("NULL23", rowsAfter(command));
 }
 
 TEST_F(CommandTest, ABoundTextMayBeGoneBeforeTheExecution) {
@@ -110,8 +107,7 @@ TEST_F(CommandTest, ATextMayFollowANumberAndNull) {
     command.bindParam(1, 7);
     command.bindParam(1, static_cast<const char*>(nullptr));
     command.bindParam(1, "seven");
-    EXPECT_TRUE(execute(command));
-    EXPECT_EQ("'seven'23", rows());
+    EXPECT_EQ("'seven'23", rowsAfter(command));
 }
 
 TEST_F(CommandTest, AFailedBindingMakesExecutionsFailUntilItIsBoundAnew) {
@@ -123,8 +119,7 @@ TEST_F(CommandTest, AFailedBindingMakesExecutionsFailUntilItIsBoundAnew) {
     EXPECT_FALSE(execute(command));
     EXPECT_FALSE(execute(command));
     command.bindParam(1, 4);
-    EXPECT_TRUE(execute(command));
-    EXPECT_EQ("123 423", rows());
+    EXPECT_EQ("123 423", rowsAfter(command));
 }
 
 TEST_F(CommandTest, ABindingBeforeTheDatabaseIsOpenMakesTheExecutionFail) {
@@ -158,8 +153,7 @@ TEST_F(CommandTest, AMalformedTextFailsEachTimeAndANewOneRecovers) {
     }
     command.setCommandText("insert into t values(?, 2, 3)");
     command.bindParam(1, 1);
-    EXPECT_TRUE(execute(command));
-    EXPECT_EQ("123", rows());
+    EXPECT_EQ("123", rowsAfter(command));
 }
 
 TEST_F(CommandTest, ATextWithTwoStatementsFailsAndNothingRuns) {
@@ -188,8 +182,7 @@ TEST_F(CommandTest, ARefusedRowLeavesTheCommandUsable) {
     EXPECT_FALSE(execute(command));
     EXPECT_TRUE(db.lastFailureWasDuplicate());
     command.bindParam(1, 4);
-    EXPECT_TRUE(execute(command));
-    EXPECT_EQ("123 423", rows());
+    EXPECT_EQ("123 423", rowsAfter(command));
 }
 
 TEST_F(CommandTest, ATableCreatedAfterwardsIsNotSeenBeforeANewText) {
@@ -208,8 +201,7 @@ TEST_F(CommandTest, IsPreparedAnewAfterAnotherFileWasOpened) {
     test::makeDatabase(db, dir.at("other.db"));
     ASSERT_TRUE(run("create table t(a, b, c)"));
     command.bindParam(1, 7);
-    EXPECT_TRUE(execute(command));
-    EXPECT_EQ("723", rows());
+    EXPECT_EQ("723", rowsAfter(command));
     EXPECT_EQ("1", committed("select a from t"));
 }
 
@@ -219,8 +211,7 @@ TEST_F(CommandTest, ValuesStayWhenAnotherFileIsOpened) {
     command.bindParam(2, 2);
     test::makeDatabase(db, dir.at("other.db"));
     ASSERT_TRUE(run("create table t(a, b, c)"));
-    EXPECT_TRUE(execute(command));
-    EXPECT_EQ("'text'23", rows());
+    EXPECT_EQ("'text'23", rowsAfter(command));
 }
 
 TEST_F(CommandTest, FailsWhenItsConnectionIsClosed) {

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "tests/host/db/database_test.h"
-#include "tests/host/files/posix_helpers.h"
+#include "tests/support/posix_helpers.h"
 
 namespace {
 
@@ -340,9 +340,8 @@ TEST_F(StatementTest, ATableNameThatCarriesAStatementRunsNothing) {
 
 TEST_F(StatementTest, EndsAndCommentsMayFollow) {
     int expected = 0;
-    for (const char* end : {";", " ; ", ";\n", ";;", " -- end", "; -- end\n", "; /* end */ ", "\t\r\n"}) {
+    for (const char* end : {";", " ; ", ";\n", ";;", " -- end", "; -- end\n", "; /* end */ ", "\t\r\n"})
         EXPECT_TRUE(run("insert into t values(" + std::to_string(expected++) + ")" + end)) << end;
-    }
     EXPECT_EQ(std::to_string(expected), rows());
     EXPECT_EQ("1", value("-- begin\n/* too */ select 1;"));
 }

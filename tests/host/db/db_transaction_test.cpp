@@ -17,6 +17,11 @@ protected:
     bool insert(const std::string& value) { return run("insert into t values(" + value + ")"); }
     std::string rows() const { return committed("select group_concat(x, ' ') from t"); }
 
+    std::string rowsAfterTheEnd() {
+        db.endTransaction();
+        return rows();
+    }
+
     // Inserts until the file cannot grow any more.
     void fillTheDisk() {
         ASSERT_TRUE(run("pragma max_page_count = 16"));
@@ -32,8 +37,7 @@ TEST_F(TransactionTest, TheEndMakesTheWritesDurable) {
     db.beginTransaction();
     EXPECT_TRUE(insert("1") && insert("2"));
     EXPECT_EQ("", rows());
-    db.endTransaction();
-    EXPECT_EQ("1 2", rows());
+    EXPECT_EQ("1 2", rowsAfterTheEnd());
     EXPECT_FALSE(db.transactionFailed());
 }
 
@@ -47,11 +51,9 @@ TEST_F(TransactionTest, OnlyTheOutermostPairCounts) {
     EXPECT_TRUE(insert("1"));
     db.beginTransaction();
     EXPECT_TRUE(insert("2"));
-    db.endTransaction();
-    EXPECT_EQ("", rows());
+    EXPECT_EQ("", rowsAfterTheEnd());
     EXPECT_TRUE(insert("3"));
-    db.endTransaction();
-    EXPECT_EQ("1 2 3", rows());
+    EXPECT_EQ("1 2 3", rowsAfterTheEnd());
 }
 
 TEST_F(TransactionTest, AnEndWithoutABeginningDoesNothing) {
@@ -60,8 +62,7 @@ TEST_F(TransactionTest, AnEndWithoutABeginningDoesNothing) {
     db.beginTransaction();
     EXPECT_TRUE(insert("1"));
     EXPECT_EQ("", rows());
-    db.endTransaction();
-    EXPECT_EQ("1", rows());
+    EXPECT_EQ("1", rowsAfterTheEnd());
 }
 
 TEST_F(TransactionTest, InsideAHostsTransactionTheBatchIsCommittedByTheHost) {
@@ -109,8 +110,7 @@ TEST_F(TransactionTest, BatchesFollowOneAnotherInsideAHostsTransaction) {
     EXPECT_EQ("1 2", rows());
     db.beginTransaction();
     EXPECT_TRUE(insert("3"));
-    db.endTransaction();
-    EXPECT_EQ("1 2 3", rows());
+    EXPECT_EQ("1 2 3", rowsAfterTheEnd());
 }
 
 TEST_F(TransactionTest, AnUnfinishedBatchIsLostWithItsConnection) {
@@ -130,8 +130,7 @@ TEST_F(TransactionTest, OpeningTheSameFileAgainKeepsTheBatch) {
     EXPECT_NE(0, db.open(path().c_str(), nullptr));
     EXPECT_TRUE(insert("2"));
     EXPECT_EQ("", rows());
-    db.endTransaction();
-    EXPECT_EQ("1 2", rows());
+    EXPECT_EQ("1 2", rowsAfterTheEnd());
 }
 
 TEST_F(TransactionTest, ARefusedRowKeepsTheBatch) {
@@ -152,8 +151,7 @@ TEST_F(TransactionTest, AMalformedStatementKeepsTheBatch) {
     EXPECT_FALSE(run("insert into t values(2); insert into t values(3)"));
     EXPECT_EQ(0, db.excuteQuery("select * from nowhere").read());
     EXPECT_TRUE(insert("4"));
-    db.endTransaction();
-    EXPECT_EQ("1 4", rows());
+    EXPECT_EQ("1 4", rowsAfterTheEnd());
 }
 
 TEST_F(TransactionTest, ARefusalThatEndsTheTransactionLosesTheBatch) {
@@ -163,8 +161,7 @@ TEST_F(TransactionTest, ARefusalThatEndsTheTransactionLosesTheBatch) {
     EXPECT_FALSE(run("insert or rollback into t values(1)"));
     EXPECT_TRUE(db.transactionFailed());
     EXPECT_FALSE(insert("3"));
-    db.endTransaction();
-    EXPECT_EQ("1", rows());
+    EXPECT_EQ("1", rowsAfterTheEnd());
 }
 
 TEST_F(TransactionTest, ACommitThatIsRefusedRollsTheBatchBack) {
@@ -197,16 +194,14 @@ TEST_F(TransactionTest, ALostBatchTakesNoWritesByCommand) {
     imsdk::dbCommand command(&db, "insert into t values(?)");
     command.bindParam(1, "small");
     EXPECT_EQ(0, db.excuteNonQuery(&command));
-    db.endTransaction();
-    EXPECT_EQ("", rows());
+    EXPECT_EQ("", rowsAfterTheEnd());
 }
 
 TEST_F(TransactionTest, ALostBatchTakesNoWritesByQuery) {
     db.beginTransaction();
     fillTheDisk();
     EXPECT_EQ(0, db.excuteQuery("insert into t values('small') returning x").read());
-    db.endTransaction();
-    EXPECT_EQ("", rows());
+    EXPECT_EQ("", rowsAfterTheEnd());
 }
 
 TEST_F(TransactionTest, AnInnerEndDoesNotReviveALostBatch) {
@@ -218,8 +213,7 @@ TEST_F(TransactionTest, AnInnerEndDoesNotReviveALostBatch) {
     EXPECT_TRUE(db.transactionFailed());
     EXPECT_FALSE(insert("'small'"));
     db.endTransaction();
-    db.endTransaction();
-    EXPECT_EQ("", rows());
+    EXPECT_EQ("", rowsAfterTheEnd());
 }
 
 TEST_F(TransactionTest, TheConnectionWorksAgainAfterALostBatch) {
@@ -231,8 +225,7 @@ TEST_F(TransactionTest, TheConnectionWorksAgainAfterALostBatch) {
     db.beginTransaction();
     EXPECT_FALSE(db.transactionFailed());
     EXPECT_TRUE(insert("2"));
-    db.endTransaction();
-    EXPECT_EQ("1 2", rows());
+    EXPECT_EQ("1 2", rowsAfterTheEnd());
 }
 
 // Another connection, such as the running client's, that holds the write lock.
@@ -264,8 +257,7 @@ TEST_F(LockedTransactionTest, ABatchWithoutTheLockWritesNothingEvenWhenTheLockIs
     imsdk::dbCommand command(&db, "insert into t values(2)");
     EXPECT_EQ(0, db.excuteNonQuery(&command));
     EXPECT_EQ(0, db.excuteQuery("insert into t values(3) returning x").read());
-    db.endTransaction();
-    EXPECT_EQ("", rows());
+    EXPECT_EQ("", rowsAfterTheEnd());
     EXPECT_TRUE(insert("4"));
     EXPECT_EQ("4", rows());
 }
@@ -287,8 +279,7 @@ TEST_F(LockedTransactionTest, ALockReleasedInTimeLetsTheBatchSucceed) {
     release.join();
     EXPECT_FALSE(db.transactionFailed());
     EXPECT_TRUE(insert("2"));
-    db.endTransaction();
-    EXPECT_EQ("1 2", rows());
+    EXPECT_EQ("1 2", rowsAfterTheEnd());
 }
 
 }  // namespace

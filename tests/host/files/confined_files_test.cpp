@@ -7,7 +7,7 @@
 #include <ostream>
 #include <string>
 
-#include "tests/host/files/posix_helpers.h"
+#include "tests/support/posix_helpers.h"
 #include "tests/support/temp_dir.h"
 
 namespace tools {

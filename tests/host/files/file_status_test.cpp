@@ -4,7 +4,7 @@
 #include <cerrno>
 
 #include "host/files/file_status.h"
-#include "tests/host/files/posix_helpers.h"
+#include "tests/support/posix_helpers.h"
 #include "tests/support/temp_dir.h"
 
 namespace {

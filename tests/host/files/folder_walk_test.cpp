@@ -5,7 +5,7 @@
 #include <cerrno>
 
 #include "host/files/folder_walk.h"
-#include "tests/host/files/posix_helpers.h"
+#include "tests/support/posix_helpers.h"
 #include "tests/support/temp_dir.h"
 
 namespace {

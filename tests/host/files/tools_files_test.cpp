@@ -2,26 +2,18 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <memory>
 #include <string>
 
 #include "host/tools.h"
-#include "tests/host/files/posix_helpers.h"
+#include "tests/support/posix_helpers.h"
 #include "tests/support/temp_dir.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string patterned(std::size_t size) {
-    std::string text(size, '\0');
-    for (std::size_t i = 0; i < size; ++i)
-        text[i] = static_cast<char>(i % 251);
-    return text;
-}
 
 // Makes what no copy may take as its source, each under its own name.
 void makeWhatIsNoFile(const test::TempDir& dir) {
@@ -209,7 +201,7 @@ TEST_F(DelDirTest, SaysWhenSomethingCouldNotBeRemoved) {
 using CopyFileTest = ToolsFilesTest;
 
 TEST_F(CopyFileTest, KeepsTheBytes) {
-    for (const std::string& bytes : {std::string(), std::string("a\0b\n", 4), patterned(5000000)}) {
+    for (const std::string& bytes : {std::string(), std::string("a\0b\n", 4), test::patterned(5000000)}) {
         dir.write("from", bytes);
         EXPECT_EQ(0, copy("from", "to"));
         EXPECT_TRUE(bytes == read("to")) << bytes.size();
@@ -287,7 +279,7 @@ TEST_F(CopyFileTest, FailsForNoPath) {
 }
 
 TEST_F(CopyFileTest, AFullDiskLeavesTheTargetAsItWas) {
-    dir.write("from", patterned(200000));
+    dir.write("from", test::patterned(200000));
     dir.write("to", "kept");
     {
         const test::FileSizeLimit limit(100000);
@@ -354,33 +346,22 @@ TEST_F(MoveFileTest, FailsForNoPath) {
 class MoveAcrossTest : public ToolsFilesTest {
 protected:
     void SetUp() override {
-        std::string pattern = "/dev/shm/ct-XXXXXX";
-        if (mkdtemp(pattern.data()) == nullptr) GTEST_SKIP() << "there is no second file system to write to";
-        other = pattern;
-        if (deviceOf(other) == deviceOf(dir.path())) GTEST_SKIP() << "the second folder is on the same file system";
-    }
-    void TearDown() override {
-        if (!other.empty()) fs::remove_all(other);
-    }
-    static dev_t deviceOf(const std::string& path) {
-        struct stat status {};
-        EXPECT_EQ(0, stat(path.c_str(), &status));
-        return status.st_dev;
+        if (other.path().empty()) GTEST_SKIP() << "this machine has one file system only";
     }
     int moveAcross(const std::string& from, const std::string& to) const {
-        return tools::moveFile(dir.at(from).c_str(), (other + "/" + to).c_str());
+        return tools::moveFile(dir.at(from).c_str(), (other.path() + "/" + to).c_str());
     }
-    std::string other;
+    const test::OtherFileSystem other{dir.path()};
 };
 
 TEST_F(MoveAcrossTest, TakesTheFileAway) {
-    const std::string bytes = patterned(3000000);
+    const std::string bytes = test::patterned(3000000);
     dir.write("from", bytes);
     EXPECT_EQ(0, moveAcross("from", "to"));
-    EXPECT_TRUE(bytes == test::readFile(other + "/to"));
-    EXPECT_EQ(0600U, test::permissionsOf(other + "/to"));
+    EXPECT_TRUE(bytes == test::readFile(other.path() + "/to"));
+    EXPECT_EQ(0600U, test::permissionsOf(other.path() + "/to"));
     EXPECT_EQ("", names());
-    EXPECT_EQ("to", test::listing(other));
+    EXPECT_EQ("to", test::listing(other.path()));
 }
 
 TEST_F(MoveAcrossTest, ReplacesAnExistingFile) {
@@ -388,20 +369,20 @@ TEST_F(MoveAcrossTest, ReplacesAnExistingFile) {
     dir.write("old", "old and longer");
     EXPECT_EQ(0, moveAcross("old", "to"));
     EXPECT_EQ(0, moveAcross("from", "to"));
-    EXPECT_EQ("new", test::readFile(other + "/to"));
+    EXPECT_EQ("new", test::readFile(other.path() + "/to"));
 }
 
 TEST_F(MoveAcrossTest, AFailureKeepsTheSourceAndLeavesNothing) {
-    dir.write("from", patterned(200000));
-    fs::create_directory(other + "/folder");
+    dir.write("from", test::patterned(200000));
+    fs::create_directory(other.path() + "/folder");
     EXPECT_EQ(-1, moveAcross("from", "folder"));
     EXPECT_EQ(-1, moveAcross("from", "missing/to"));
     {
         const test::FileSizeLimit limit(100000);
         EXPECT_EQ(-1, moveAcross("from", "to"));
     }
-    EXPECT_TRUE(patterned(200000) == read("from"));
-    EXPECT_EQ("folder", test::listing(other));
+    EXPECT_TRUE(test::patterned(200000) == read("from"));
+    EXPECT_EQ("folder", test::listing(other.path()));
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 
 #include "host/files/confined_files.h"
 #include "host/files/whole_file.h"
-#include "tests/host/files/posix_helpers.h"
+#include "tests/support/posix_helpers.h"
 #include "tests/support/temp_dir.h"
 
 namespace {
@@ -28,8 +28,6 @@ public:
     ~SparseFile() { fs::remove(path_); }
     SparseFile(const SparseFile&) = delete;
     SparseFile& operator=(const SparseFile&) = delete;
-    SparseFile(SparseFile&&) = delete;
-    SparseFile& operator=(SparseFile&&) = delete;
 
     bool made() const { return made_; }
     const std::string& path() const { return path_; }

@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <string>
 
-#include "tests/host/files/posix_helpers.h"
 #include "tests/host/json/json_document.h"
+#include "tests/support/posix_helpers.h"
 #include "tests/support/temp_dir.h"
 
 namespace {

@@ -11,8 +11,8 @@
 
 #include "host/json/json_stock.h"
 #include "tests/host/base/repeatable_random.h"
-#include "tests/host/files/posix_helpers.h"
 #include "tests/host/json/json_document.h"
+#include "tests/support/posix_helpers.h"
 #include "tests/support/temp_dir.h"
 
 namespace {

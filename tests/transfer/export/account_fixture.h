@@ -5,12 +5,16 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "host/json/json_owner.h"
+#include "tests/support/codes.h"
 #include "tests/support/database.h"
+#include "tests/support/listed.h"
 #include "tests/support/listener.h"
+#include "tests/support/records.h"
 #include "tests/support/temp_dir.h"
 #include "transfer/dbTrans.h"
 
@@ -60,14 +64,10 @@ inline std::string jsonText(JSON_Value* value) {
 /// All files and folders below `folder`, folders with a "/" at their end, sorted, joined by blanks.
 inline std::string treeOf(const std::string& folder) {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
         names.push_back(entry.path().lexically_relative(folder).string() + (entry.is_directory() ? "/" : ""));
-    }
     std::sort(names.begin(), names.end());
-    std::string text;
-    for (const std::string& name : names)
-        text += (text.empty() ? "" : " ") + name;
-    return text;
+    return listed(names);
 }
 
 class AccountTest : public ::testing::Test {
@@ -116,22 +116,22 @@ protected:
     /// An attachment as it lies in the account, for example "image/pic.jpg".
     void addAttachment(const std::string& name, const std::string& bytes) { dir.write("account/" + name, bytes); }
 
-    // --- What was selected
+    // --- What is selected
+    /// Selects what is no older than a day, and gives the entries.
+    std::string selected(int year = 2019, int mon = 1, int day = 1) {
+        EXPECT_EQ(0U, transfer.rdMsgFromDB(year, mon, day));
+        return entries();
+    }
+    std::string selectedUncapped(int year = 2019, int mon = 1, int day = 1) {
+        EXPECT_EQ(0U, transfer.rdMsgFromDB2(year, mon, day));
+        return entries();
+    }
     /// The entries of dayMsgMap in their order: "<key>=<messages>", joined by blanks.
     std::string entries() const {
-        std::string text;
-        for (const auto& [key, messages] : transfer.dayMsgMap) {
-            text += (text.empty() ? "" : " ") + key + "=" + std::to_string(messages.size());
-        }
-        return text;
+        return listed(transfer.dayMsgMap, " ",
+                      [](const auto& day) { return day.first + "=" + std::to_string(day.second.size()); });
     }
-    std::string idsOf(const std::string& key) const {
-        std::string text;
-        for (const imsdk::st_dbMessageBean& message : transfer.dayMsgMap.at(key)) {
-            text += (text.empty() ? "" : " ") + std::to_string(message.msgID);
-        }
-        return text;
-    }
+    std::string idsOf(const std::string& key) const { return test::idsOf(transfer.dayMsgMap.at(key)); }
     /// Files `count` messages under a day key, with ids from `firstID` upward.
     void fillDay(const std::string& key, int count, long long firstID = 1) {
         for (int i = 0; i < count; ++i)
@@ -144,6 +144,25 @@ protected:
     std::string messageFile(int number) const {
         return readFile(messageFolder() + "msg_" + std::to_string(number) + ".mg");
     }
+    /// Writes the package with one file a day, or with packed days, and gives what its message folder holds.
+    std::string written() {
+        EXPECT_EQ(0U, transfer.wtMsgToFile());
+        return packageFiles();
+    }
+    std::string packed() {
+        EXPECT_EQ(0U, transfer.wtMsgToFile2());
+        return packageFiles();
+    }
+    /// The days of each message file and the names of other files, " | " between the files.
+    std::string packageFiles() const {
+        std::istringstream names(listing(messageFolder()));
+        std::string text;
+        int number = 0;
+        for (std::string name; names >> name; text += (text.empty() ? "" : " | ") + name) {
+            if (name == "msg_" + std::to_string(number) + ".mg") name = daysOf(number++);
+        }
+        return text;
+    }
     std::string contactFile() const { return readFile(messageFolder() + "recontact.mg"); }
 
     /// The days of a message file: "<year>-<month>-<day>[<first id>..<last id>]", "[]" without messages, joined by
@@ -152,18 +171,14 @@ protected:
         const tools::JsonDocument file(json_parse_string(messageFile(number).c_str()));
         const JSON_Array* days = json_object_get_array(json_value_get_object(file.get()), "msgs");
         std::string text;
-        for (size_t i = 0; i < json_array_get_count(days); ++i) {
+        for (size_t i = 0; i < json_array_get_count(days); ++i)
             text += (text.empty() ? "" : " ") + dayText(json_array_get_object(days, i));
-        }
         return text;
     }
 
     std::string skipped() const {
-        std::string text;
-        for (const TransferReport::Skipped& entry : transfer.report.skipped) {
-            text += (text.empty() ? "" : "\n") + entry.what + ": " + entry.reason;
-        }
-        return text;
+        return listed(transfer.report.skipped, "\n",
+                      [](const auto& entry) { return entry.what + ": " + entry.reason; });
     }
 
     TempDir dir;

@@ -12,6 +12,15 @@ class AttachmentExport : public test::AccountTest {
 protected:
     AttachmentExport() { transfer.imFileDir = dir.makeDir("package") + "/"; }
 
+    /// Exports, and gives what is in the package then.
+    std::string exportAll() {
+        EXPECT_EQ(1, transfer.exportFile());
+        return exported();
+    }
+    std::string exportImages(const std::vector<std::string>& names) {
+        transfer.imagePaths = names;
+        return exportAll();
+    }
     std::string exported() const { return test::treeOf(dir.at("package")); }
     std::string exportedFile(const std::string& name) const { return test::readFile(dir.at("package/" + name)); }
 };
@@ -27,9 +36,7 @@ TEST_F(AttachmentExport, OfNothingReportsZeroOfZero) {
 
 TEST_F(AttachmentExport, TakesTheFileByItsNameAndKeepsItsRelativePath) {
     addAttachment("image/pic.jpg", "picture");
-    transfer.imagePaths = {"sub/deep/pic.jpg"};
-    EXPECT_EQ(1, transfer.exportFile());
-    EXPECT_EQ("sub/ sub/deep/ sub/deep/pic.jpg", exported());
+    EXPECT_EQ("sub/ sub/deep/ sub/deep/pic.jpg", exportImages({"sub/deep/pic.jpg"}));
     EXPECT_EQ("picture", exportedFile("sub/deep/pic.jpg"));
 }
 
@@ -38,8 +45,7 @@ TEST_F(AttachmentExport, TakesEachKindFromItsOwnFolder) {
         addAttachment(std::string(kind) + "/x", kind);
     transfer.audioPaths = {"a/x"};
     transfer.filePaths = {"f/x"};
-    transfer.imagePaths = {"i/x"};
-    EXPECT_EQ(1, transfer.exportFile());
+    exportImages({"i/x"});
     EXPECT_EQ("audio", exportedFile("a/x"));
     EXPECT_EQ("file", exportedFile("f/x"));
     EXPECT_EQ("image", exportedFile("i/x"));
@@ -62,9 +68,7 @@ TEST_F(AttachmentExport, LetsTheLaterKindWinTheSamePath) {
 
 TEST_F(AttachmentExport, SkipsAMissingFileAndGoesOn) {
     addAttachment("image/b.jpg", "b");
-    transfer.imagePaths = {"sub/a.jpg", "sub/b.jpg"};
-    EXPECT_EQ(1, transfer.exportFile());
-    EXPECT_EQ("sub/ sub/b.jpg", exported());
+    EXPECT_EQ("sub/ sub/b.jpg", exportImages({"sub/a.jpg", "sub/b.jpg"}));
     EXPECT_EQ("2 100 2/2", listener.heard.back());
     EXPECT_EQ("sub/a.jpg: the attachment is missing", skipped());
     EXPECT_EQ(1, transfer.report.attachmentsMissing);
@@ -72,32 +76,24 @@ TEST_F(AttachmentExport, SkipsAMissingFileAndGoesOn) {
 }
 
 TEST_F(AttachmentExport, MakesNoFolderForAMissingFile) {
-    transfer.imagePaths = {"sub/a.jpg"};
-    EXPECT_EQ(1, transfer.exportFile());
-    EXPECT_EQ("", exported());
+    EXPECT_EQ("", exportImages({"sub/a.jpg"}));
 }
 
 TEST_F(AttachmentExport, OfABareNameMakesAFolderOfItAndFails) {
     addAttachment("image/pic.jpg", "picture");
-    transfer.imagePaths = {"pic.jpg"};
-    EXPECT_EQ(1, transfer.exportFile());
-    EXPECT_EQ("pic.jpg/", exported());
+    EXPECT_EQ("pic.jpg/", exportImages({"pic.jpg"}));
     EXPECT_EQ(1, transfer.report.attachmentsFailed);
     EXPECT_EQ("2 100 1/1", listener.heard.back());
 }
 
 TEST_F(AttachmentExport, CopiesAFileThatIsNamedTwiceBothTimes) {
     addAttachment("image/pic.jpg", "picture");
-    transfer.imagePaths = {"a/pic.jpg", "b/pic.jpg", "a/pic.jpg"};
-    EXPECT_EQ(1, transfer.exportFile());
-    EXPECT_EQ("a/ a/pic.jpg b/ b/pic.jpg", exported());
+    EXPECT_EQ("a/ a/pic.jpg b/ b/pic.jpg", exportImages({"a/pic.jpg", "b/pic.jpg", "a/pic.jpg"}));
     EXPECT_EQ(3, transfer.report.attachmentsDone);
 }
 
 TEST_F(AttachmentExport, KeepsEveryByte) {
-    std::string bytes;
-    for (int i = 0; i < 300000; ++i)
-        bytes += static_cast<char>(i * 7);
+    const std::string bytes = test::patterned(300000);
     addAttachment("file/big.bin", bytes);
     addAttachment("file/empty.bin", "");
     transfer.filePaths = {"s/big.bin", "s/empty.bin"};
@@ -108,25 +104,20 @@ TEST_F(AttachmentExport, KeepsEveryByte) {
 
 TEST_F(AttachmentExport, AppendsAddressesOfTheWebToItsFolder) {
     addAttachment("image/a.jpg", "picture");
-    transfer.imagePaths = {"https://host/x/a.jpg"};
-    EXPECT_EQ(1, transfer.exportFile());
-    EXPECT_EQ("https:/ https:/host/ https:/host/x/ https:/host/x/a.jpg", exported());
+    EXPECT_EQ("https:/ https:/host/ https:/host/x/ https:/host/x/a.jpg", exportImages({"https://host/x/a.jpg"}));
 }
 
 TEST_F(AttachmentExport, AppendsPathsThatLookAbsoluteToItsFolder) {
     addAttachment("image/a.jpg", "a");
     addAttachment("image/b.jpg", "b");
-    transfer.imagePaths = {"/etc/x/a.jpg", "/b.jpg"};
-    EXPECT_EQ(1, transfer.exportFile());
-    EXPECT_EQ("b.jpg etc/ etc/x/ etc/x/a.jpg", exported());
+    EXPECT_EQ("b.jpg etc/ etc/x/ etc/x/a.jpg", exportImages({"/etc/x/a.jpg", "/b.jpg"}));
     EXPECT_FALSE(test::exists("/etc/x/a.jpg"));
 }
 
 TEST_F(AttachmentExport, IsForItsOwnerOnly) {
     addAttachment("image/a.jpg", "picture");
     chmod(dir.at("account/image/a.jpg").c_str(), 0644);
-    transfer.imagePaths = {"sub/a.jpg"};
-    EXPECT_EQ(1, transfer.exportFile());
+    exportImages({"sub/a.jpg"});
     EXPECT_EQ(0600U, test::permissionsOf(dir.at("package/sub/a.jpg")));
     EXPECT_EQ(0700U, test::permissionsOf(dir.at("package/sub")));
 }
@@ -143,16 +134,14 @@ TEST_F(AttachmentExport, CountsTheTotalAnewEachTime) {
 TEST_F(AttachmentExport, MakesItsFolderWhenThatIsMissing) {
     addAttachment("image/a.jpg", "picture");
     transfer.imFileDir = dir.at("new/folder") + "/";
-    transfer.imagePaths = {"sub/a.jpg"};
-    EXPECT_EQ(1, transfer.exportFile());
+    exportImages({"sub/a.jpg"});
     EXPECT_EQ("picture", test::readFile(dir.at("new/folder/sub/a.jpg")));
 }
 
 TEST_F(AttachmentExport, IntoAFolderThatCannotBeMadeIsReported) {
     addAttachment("image/a.jpg", "picture");
     transfer.imFileDir = dir.path() + "/" + std::string(300, 'd') + "/";
-    transfer.imagePaths = {"sub/a.jpg"};
-    EXPECT_EQ(1, transfer.exportFile());
+    exportImages({"sub/a.jpg"});
     EXPECT_EQ(0, transfer.report.attachmentsDone);
     EXPECT_EQ(1, transfer.report.skippedCount);
     EXPECT_EQ("2 100 1/1", listener.heard.back());
@@ -199,9 +188,7 @@ TEST_F(AttachmentExport, ReportsPositionsInBetweenAtMostEveryHalfSecondAndTheTot
 
 TEST_F(HostileAttachment, WithAStepUpwardIsRefused) {
     addAttachment("image/a.jpg", "picture");
-    transfer.imagePaths = {"../a.jpg", "x/../../a.jpg", "x/../a.jpg"};
-    EXPECT_EQ(1, transfer.exportFile());
-    EXPECT_EQ("", exported());
+    EXPECT_EQ("", exportImages({"../a.jpg", "x/../../a.jpg", "x/../a.jpg"}));
     EXPECT_EQ("account package", test::listing(dir.path()));
     EXPECT_EQ(3, transfer.report.attachmentsRefused);
     EXPECT_EQ("2 100 3/3", listener.heard.back());
@@ -210,9 +197,7 @@ TEST_F(HostileAttachment, WithAStepUpwardIsRefused) {
 TEST_F(HostileAttachment, NamedByDotsOrByNothingIsRefused) {
     dir.makeDir("account/image");
     dir.write("account/db/secret", "secret");
-    transfer.imagePaths = {"sub/..", "sub/.", "sub/", "/", "", ".."};
-    EXPECT_EQ(1, transfer.exportFile());
-    EXPECT_EQ("", exported());
+    EXPECT_EQ("", exportImages({"sub/..", "sub/.", "sub/", "/", "", ".."}));
     EXPECT_EQ(6, transfer.report.attachmentsRefused);
 }
 
@@ -220,15 +205,13 @@ TEST_F(HostileAttachment, WithAStepUpwardInItsFileNameIsRefused) {
     dir.write("account/secret", "secret");
     addAttachment("file/secret", "own");
     EXPECT_EQ(1, transfer.parseUrl(R"({"fileName":"../secret","mediaUrl":"s/m"})", 6));
-    EXPECT_EQ(1, transfer.exportFile());
-    EXPECT_EQ("", exported());
+    EXPECT_EQ("", exportAll());
     EXPECT_EQ(1, transfer.report.attachmentsRefused);
 }
 
 TEST_F(HostileAttachment, WithDotsInsideItsNameIsAnOrdinaryOne) {
     addAttachment("image/..a..jpg", "picture");
-    transfer.imagePaths = {"s../..a..jpg"};
-    EXPECT_EQ(1, transfer.exportFile());
+    exportImages({"s../..a..jpg"});
     EXPECT_EQ("picture", exportedFile("s../..a..jpg"));
 }
 
@@ -238,9 +221,7 @@ TEST_F(HostileAttachment, ThatIsALinkIsNotThere) {
     std::filesystem::create_symlink(dir.at("secret"), dir.at("account/image/out.jpg"));
     std::filesystem::create_symlink("own.jpg", dir.at("account/image/in.jpg"));
     std::filesystem::create_symlink("nowhere", dir.at("account/image/none.jpg"));
-    transfer.imagePaths = {"s/out.jpg", "s/in.jpg", "s/none.jpg"};
-    EXPECT_EQ(1, transfer.exportFile());
-    EXPECT_EQ("", exported());
+    EXPECT_EQ("", exportImages({"s/out.jpg", "s/in.jpg", "s/none.jpg"}));
     EXPECT_EQ(0, transfer.report.attachmentsDone);
     EXPECT_EQ(3, transfer.report.skippedCount);
 }
@@ -248,17 +229,13 @@ TEST_F(HostileAttachment, ThatIsALinkIsNotThere) {
 TEST_F(HostileAttachment, ThatIsAFifoIsNotThereAndHoldsNothingUp) {
     dir.makeDir("account/image");
     ASSERT_EQ(0, mkfifo(dir.at("account/image/pipe.jpg").c_str(), 0600));
-    transfer.imagePaths = {"s/pipe.jpg"};
-    EXPECT_EQ(1, transfer.exportFile());
-    EXPECT_EQ("", exported());
+    EXPECT_EQ("", exportImages({"s/pipe.jpg"}));
     EXPECT_EQ(1, transfer.report.skippedCount);
 }
 
 TEST_F(HostileAttachment, ThatIsAFolderIsNotThere) {
     dir.write("account/image/a.jpg/inside", "x");
-    transfer.imagePaths = {"s/a.jpg"};
-    EXPECT_EQ(1, transfer.exportFile());
-    EXPECT_EQ("", exported());
+    EXPECT_EQ("", exportImages({"s/a.jpg"}));
     EXPECT_EQ(0, transfer.report.attachmentsDone);
 }
 
@@ -266,8 +243,7 @@ TEST_F(HostileAttachment, IsNotWrittenThroughALinkInThePackage) {
     addAttachment("image/a.jpg", "picture");
     dir.makeDir("outside");
     std::filesystem::create_symlink(dir.at("outside"), dir.at("package/sub"));
-    transfer.imagePaths = {"sub/a.jpg"};
-    EXPECT_EQ(1, transfer.exportFile());
+    exportImages({"sub/a.jpg"});
     EXPECT_EQ("", test::listing(dir.at("outside")));
     EXPECT_EQ(0, transfer.report.attachmentsDone);
 }
@@ -277,8 +253,7 @@ TEST_F(HostileAttachment, ReplacesALinkUnderItsOwnNameInThePackage) {
     dir.write("outside", "untouched");
     dir.makeDir("package/sub");
     std::filesystem::create_symlink(dir.at("outside"), dir.at("package/sub/a.jpg"));
-    transfer.imagePaths = {"sub/a.jpg"};
-    EXPECT_EQ(1, transfer.exportFile());
+    exportImages({"sub/a.jpg"});
     EXPECT_EQ("untouched", test::readFile(dir.at("outside")));
     EXPECT_EQ("picture", exportedFile("sub/a.jpg"));
 }
@@ -286,33 +261,27 @@ TEST_F(HostileAttachment, ReplacesALinkUnderItsOwnNameInThePackage) {
 TEST_F(HostileAttachment, WithANameOf300CharactersIsRefused) {
     transfer.imagePaths = {"s/" + std::string(300, 'n'), std::string(300, 'n') + "/a.jpg"};
     addAttachment("image/a.jpg", "picture");
-    EXPECT_EQ(1, transfer.exportFile());
-    EXPECT_EQ("", exported());
+    EXPECT_EQ("", exportAll());
     EXPECT_EQ(2, transfer.report.attachmentsRefused);
 }
 
 TEST_F(HostileAttachment, WithANameOf255CharactersIsAnOrdinaryOne) {
     const std::string name(255, 'n');
     addAttachment("image/" + name, "picture");
-    transfer.imagePaths = {"s/" + name};
-    EXPECT_EQ(1, transfer.exportFile());
+    exportImages({"s/" + name});
     EXPECT_EQ("picture", exportedFile("s/" + name));
 }
 
 TEST_F(HostileAttachment, WithANulInItsNameIsRefused) {
     addAttachment("image/a", "picture");
-    transfer.imagePaths = {std::string("s/a\0.jpg", 8)};
-    EXPECT_EQ(1, transfer.exportFile());
-    EXPECT_EQ("", exported());
+    EXPECT_EQ("", exportImages({std::string("s/a\0.jpg", 8)}));
     EXPECT_EQ(1, transfer.report.attachmentsRefused);
 }
 
 TEST_F(HostileAttachment, BelowAFolderThatIsAFileFailsAlone) {
     addAttachment("image/a.jpg", "a");
     addAttachment("image/b.jpg", "b");
-    transfer.imagePaths = {"x/a.jpg", "x/a.jpg/b.jpg", "y/b.jpg"};
-    EXPECT_EQ(1, transfer.exportFile());
-    EXPECT_EQ("x/ x/a.jpg y/ y/b.jpg", exported());
+    EXPECT_EQ("x/ x/a.jpg y/ y/b.jpg", exportImages({"x/a.jpg", "x/a.jpg/b.jpg", "y/b.jpg"}));
     EXPECT_EQ(2, transfer.report.attachmentsDone);
     EXPECT_EQ(1, transfer.report.skippedCount);
 }

@@ -15,8 +15,6 @@ public:
     ~LargeBlocks();
     LargeBlocks(const LargeBlocks&) = delete;
     LargeBlocks& operator=(const LargeBlocks&) = delete;
-    LargeBlocks(LargeBlocks&&) = delete;
-    LargeBlocks& operator=(LargeBlocks&&) = delete;
 };
 
 }  // namespace test

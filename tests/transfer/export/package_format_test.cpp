@@ -26,26 +26,11 @@ protected:
 };
 
 TEST_F(PackageFormat, OfAMessageHasItsKeysInOrderAndEachFieldUnderItsKey) {
-    message.fromeUserID = 1;
-    message.toUserID = 2;
-    message.time_ = 3;
-    message.body = "body";
-    message.msgType = 5;
-    message.msgID = 6;
-    message.formate = "format";
-    message.lastMsgID = 8;
-    message.msgProperties = "properties";
-    message.activeType = 10;
-    message.relatedMsgID = 11;
-    message.securityLevel = 12;
-    message.sourceID = "source";
-    message.targetID = 14;
-    message.limitRange = "15;16";
-    message.relatedUsers = "17";
-    EXPECT_EQ(R"({"sendUserID":1,"receTargetID":2,"sendTime":3,"message":"body","messageType":5,"messageID":6,)"
-              R"("format":"format","lastMessageID":8,"msgProperties":"properties","activeType":10,"relatedMsgID":11,)"
-              R"("securityLevel":12,"sourceID":"source","senderSessionID":14,"#limitRange":[15,16],)"
-              R"("#relatedUsers":[17]})",
+    message = test::fullMessage();
+    EXPECT_EQ(R"({"sendUserID":2,"receTargetID":1,"sendTime":6,"message":"body","messageType":3,"messageID":4,)"
+              R"("format":"format","lastMessageID":5,"msgProperties":"properties","activeType":15,"relatedMsgID":16,)"
+              R"("securityLevel":20,"sourceID":"source","senderSessionID":9,"#limitRange":[13,14],)"
+              R"("#relatedUsers":[18,19]})",
               json());
 }
 

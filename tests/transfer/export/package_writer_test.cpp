@@ -10,10 +10,9 @@
 namespace {
 
 using test::AccountTest;
+using test::kJsonFailed;
+using test::kPackageExists;
 using test::messageOn;
-
-constexpr unsigned int kPackageExists = 0xff00001e;
-constexpr unsigned int kJsonFailed = 0xff000023;
 
 class PackageRoot : public AccountTest {
 protected:
@@ -47,7 +46,7 @@ TEST_F(PackageRoot, ThatExistsIsRefusedAndLeftAlone) {
 TEST_F(PackageRoot, UnderWhoseNameAFileStandsIsNotMadeAndTheFileStays) {
     dir.write("backup/qelmsg_0", "a file");
     fillDay("2019:3:7", 1);
-    EXPECT_EQ(chattransfer::kPackageExists, transfer.wtMsgToFile());
+    EXPECT_EQ(kPackageExists, transfer.wtMsgToFile());
     EXPECT_EQ("a file", test::readFile(dir.at("backup/qelmsg_0")));
     EXPECT_EQ("qelmsg_0", test::treeOf(dir.at("backup")));
 }
@@ -56,7 +55,7 @@ TEST_F(PackageRoot, UnderWhoseNameALinkStandsIsRefused) {
     dir.makeDir("backup");
     std::filesystem::create_symlink(dir.at("nowhere"), dir.at("backup/qelmsg_0"));
     fillDay("2019:3:7", 1);
-    EXPECT_EQ(chattransfer::kPackageExists, transfer.wtMsgToFile());
+    EXPECT_EQ(kPackageExists, transfer.wtMsgToFile());
     EXPECT_FALSE(test::exists(dir.at("nowhere")));
 }
 
@@ -88,9 +87,8 @@ TEST_F(PackageRoot, AndAllInItIsForItsOwnerOnly) {
     addAttachment("image/p.jpg", "bytes");
     transfer.imagePaths = {"sub/folder/p.jpg"};
     ASSERT_EQ(0U, transfer.wtMsgToFile());
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(dir.at("backup"))) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(dir.at("backup")))
         EXPECT_EQ(entry.is_directory() ? 0700U : 0600U, test::permissionsOf(entry.path())) << entry.path();
-    }
 }
 
 TEST_F(PackageRoot, HoldsNothingButThePackageAtTheEnd) {
@@ -129,10 +127,7 @@ TEST_F(PackageWriter, RefusesASecondExportAndLeavesTheFirst) {
 TEST_F(PackageWriter, WritesOneDayIntoEachFile) {
     fillDay("2019:3:7", 2, 1);
     fillDay("2019:3:8", 1, 10);
-    EXPECT_EQ(0U, transfer.wtMsgToFile());
-    EXPECT_EQ("2019-3-7[1..2]", daysOf(0));
-    EXPECT_EQ("2019-3-8[10..10]", daysOf(1));
-    EXPECT_EQ("msg_0.mg msg_1.mg recontact.mg", test::listing(messageFolder()));
+    EXPECT_EQ("2019-3-7[1..2] | 2019-3-8[10..10] | recontact.mg", written());
 }
 
 TEST_F(PackageWriter, ListsMessagesBeforeTheDateAndTheVersionFirst) {
@@ -146,35 +141,26 @@ TEST_F(PackageWriter, WritesAnOverflowEntryUnderItsDay) {
     fillDay("2019:3:7", 1, 1);
     fillDay("2019:3:7_1", 1, 2);
     fillDay("2019:3:7_12", 1, 3);
-    EXPECT_EQ(0U, transfer.wtMsgToFile());
-    EXPECT_EQ("2019-3-7[1..1]", daysOf(0));
-    EXPECT_EQ("2019-3-7[2..2]", daysOf(1));
-    EXPECT_EQ("2019-3-7[3..3]", daysOf(2));
+    EXPECT_EQ("2019-3-7[1..1] | 2019-3-7[2..2] | 2019-3-7[3..3] | recontact.mg", written());
 }
 
 TEST_F(PackageWriter, NumbersItsFilesInTheOrderOfTheKeysAsText) {
     fillDay("2019:9:9", 1);
     fillDay("2019:10:10", 1);
-    EXPECT_EQ(0U, transfer.wtMsgToFile());
-    EXPECT_EQ("2019-10-10[1..1]", daysOf(0));
-    EXPECT_EQ("2019-9-9[1..1]", daysOf(1));
+    EXPECT_EQ("2019-10-10[1..1] | 2019-9-9[1..1] | recontact.mg", written());
 }
 
 TEST_F(PackageWriter, TakesAKeyThatIsNoDayAsFarAsItGoes) {
     fillDay("", 1);
     fillDay("2019", 1);
     fillDay("x:-1:99999999999999999999", 1);
-    EXPECT_EQ(0U, transfer.wtMsgToFile());
-    EXPECT_EQ("0-0-0[1..1]", daysOf(0));
-    EXPECT_EQ("2019-0-0[1..1]", daysOf(1));
-    EXPECT_EQ("-1-9223372036854775807-0[1..1]", daysOf(2));
+    EXPECT_EQ("0-0-0[1..1] | 2019-0-0[1..1] | -1-9223372036854775807-0[1..1] | recontact.mg", written());
 }
 
 TEST_F(PackageWriter, OfNoMessagesStillCopiesAttachmentsAndWritesTheContacts) {
     addAttachment("image/p.jpg", "bytes");
     transfer.imagePaths = {"sub/p.jpg"};
-    EXPECT_EQ(0U, transfer.wtMsgToFile());
-    EXPECT_EQ("recontact.mg", test::listing(messageFolder()));
+    EXPECT_EQ("recontact.mg", written());
     EXPECT_EQ("bytes", test::readFile(attachmentFolder() + "sub/p.jpg"));
     EXPECT_EQ(std::vector<std::string>{"2 100 1/1"}, listener.heard);
 }
@@ -200,8 +186,7 @@ TEST_F(PackageWriter, EndsItsReportsWithAllDays) {
 TEST_F(PackageWriter, WorksWhenNobodyListens) {
     transfer.progressListener = nullptr;
     fillDay("2019:3:7", 1);
-    EXPECT_EQ(0U, transfer.wtMsgToFile());
-    EXPECT_EQ("2019-3-7[1..1]", daysOf(0));
+    EXPECT_EQ("2019-3-7[1..1] | recontact.mg", written());
 }
 
 TEST_F(PackageWriter, StoppedByItsListenerLeavesWholeFilesOnly) {
@@ -259,18 +244,17 @@ imsdk::st_dbMessageBean largeMessage() {
     return messageOn(2019, 3, 9, 1, 0, std::string(2 * kLarge, 'x'));
 }
 
-void runOut() {
-    throw std::bad_alloc();
+template <class Work>
+unsigned withoutLargeBlocks(Work work) {
+    const test::LargeBlocks scarce(kLarge, [] { throw std::bad_alloc(); });
+    return work();
 }
 
 TEST_F(PackageWriter, EndsWhenAFileCannotBeBuilt) {
     transfer.dayMsgMap["2019:3:9"] = {largeMessage()};
     addAttachment("image/p.jpg", "bytes");
     transfer.imagePaths = {"sub/p.jpg"};
-    {
-        const test::LargeBlocks scarce(kLarge, runOut);
-        EXPECT_EQ(kJsonFailed, transfer.wtMsgToFile());
-    }
+    EXPECT_EQ(kJsonFailed, withoutLargeBlocks([this] { return transfer.wtMsgToFile(); }));
     EXPECT_EQ("", test::listing(messageFolder()));
     EXPECT_EQ("", test::listing(attachmentFolder()));
     EXPECT_TRUE(listener.heard.empty());
@@ -279,12 +263,8 @@ TEST_F(PackageWriter, EndsWhenAFileCannotBeBuilt) {
 TEST_F(PackageWriter, KeepsTheFilesWrittenBeforeOneThatCannotBeBuilt) {
     fillDay("2019:3:7", 2);
     transfer.dayMsgMap["2019:3:9"] = {largeMessage()};
-    {
-        const test::LargeBlocks scarce(kLarge, runOut);
-        EXPECT_EQ(kJsonFailed, transfer.wtMsgToFile());
-    }
-    EXPECT_EQ("msg_0.mg", test::listing(messageFolder()));
-    EXPECT_EQ("2019-3-7[1..2]", daysOf(0));
+    EXPECT_EQ(kJsonFailed, withoutLargeBlocks([this] { return transfer.wtMsgToFile(); }));
+    EXPECT_EQ("2019-3-7[1..2]", packageFiles());
 }
 
 TEST_F(PackedWriter, KeepsTheFilesWrittenBeforeOneThatCannotBeBuilt) {
@@ -292,12 +272,8 @@ TEST_F(PackedWriter, KeepsTheFilesWrittenBeforeOneThatCannotBeBuilt) {
     transfer.dayMsgMap["2019_3_9"] = {largeMessage()};
     addAttachment("image/p.jpg", "bytes");
     transfer.imagePaths = {"sub/p.jpg"};
-    {
-        const test::LargeBlocks scarce(kLarge, runOut);
-        EXPECT_EQ(kJsonFailed, transfer.wtMsgToFile2());
-    }
-    EXPECT_EQ("msg_0.mg", test::listing(messageFolder()));
-    EXPECT_EQ("2019-3-7[1..1000]", daysOf(0));
+    EXPECT_EQ(kJsonFailed, withoutLargeBlocks([this] { return transfer.wtMsgToFile2(); }));
+    EXPECT_EQ("2019-3-7[1..1000]", packageFiles());
     EXPECT_EQ("", test::listing(attachmentFolder()));
 }
 
@@ -386,9 +362,7 @@ TEST_F(PackedWriter, CountsADayThatFillsAFileOnce) {
 TEST_F(PackedWriter, PutsDaysTogetherIntoOneFile) {
     fillDay("2019_3_7", 2, 1);
     fillDay("2019_3_8", 3, 11);
-    EXPECT_EQ(0U, transfer.wtMsgToFile2());
-    EXPECT_EQ("2019-3-7[1..2] 2019-3-8[11..13]", daysOf(0));
-    EXPECT_EQ("msg_0.mg", test::listing(messageFolder()));
+    EXPECT_EQ("2019-3-7[1..2] 2019-3-8[11..13]", packed());
 }
 
 TEST_F(PackedWriter, HasTheSameFileFormat) {
@@ -401,60 +375,44 @@ TEST_F(PackedWriter, LosesWhatFollowsTheLastFullFileInsideTheLastDay) {
     fillDay("2019_3_7", 400, 1);
     fillDay("2019_3_8", 400, 1001);
     fillDay("2019_3_9", 400, 2001);
-    EXPECT_EQ(0U, transfer.wtMsgToFile2());
-    EXPECT_EQ("2019-3-7[1..400] 2019-3-8[1001..1400] 2019-3-9[2001..2200]", daysOf(0));
-    EXPECT_EQ("msg_0.mg", test::listing(messageFolder()));
+    EXPECT_EQ("2019-3-7[1..400] 2019-3-8[1001..1400] 2019-3-9[2001..2200]", packed());
     EXPECT_EQ(1000, transfer.report.messagesWritten);
 }
 
 TEST_F(PackedWriter, BeginsTheNextFileWithTheFinishedDayAgain) {
     fillDay("2019_3_7", 1000, 1);
     fillDay("2019_3_8", 10, 2001);
-    EXPECT_EQ(0U, transfer.wtMsgToFile2());
-    EXPECT_EQ("2019-3-7[1..1000]", daysOf(0));
-    EXPECT_EQ("2019-3-7[] 2019-3-8[2001..2010]", daysOf(1));
-    EXPECT_EQ("msg_0.mg msg_1.mg", test::listing(messageFolder()));
+    EXPECT_EQ("2019-3-7[1..1000] | 2019-3-7[] 2019-3-8[2001..2010]", packed());
 }
 
 TEST_F(PackedWriter, SpreadsALongDayOverSeveralFiles) {
     fillDay("2019_3_7", 2500, 1);
     fillDay("2019_3_8", 3, 5001);
-    EXPECT_EQ(0U, transfer.wtMsgToFile2());
-    EXPECT_EQ("2019-3-7[1..1000]", daysOf(0));
-    EXPECT_EQ("2019-3-7[1001..2000]", daysOf(1));
-    EXPECT_EQ("2019-3-7[2001..2500] 2019-3-8[5001..5003]", daysOf(2));
-    EXPECT_EQ("msg_0.mg msg_1.mg msg_2.mg", test::listing(messageFolder()));
+    EXPECT_EQ("2019-3-7[1..1000] | 2019-3-7[1001..2000] | 2019-3-7[2001..2500] 2019-3-8[5001..5003]", packed());
 }
 
 TEST_F(PackedWriter, EndsWithTheFileWhenTheLastDayFillsItExactly) {
     fillDay("2019_3_7", 600, 1);
     fillDay("2019_3_8", 400, 1001);
-    EXPECT_EQ(0U, transfer.wtMsgToFile2());
-    EXPECT_EQ("2019-3-7[1..600] 2019-3-8[1001..1400]", daysOf(0));
-    EXPECT_EQ("msg_0.mg", test::listing(messageFolder()));
+    EXPECT_EQ("2019-3-7[1..600] 2019-3-8[1001..1400]", packed());
 }
 
 TEST_F(PackedWriter, OfOneDayWritesOneThousandMessages) {
     fillDay("2019_3_7", 2500);
-    EXPECT_EQ(0U, transfer.wtMsgToFile2());
-    EXPECT_EQ("2019-3-7[1..1000]", daysOf(0));
-    EXPECT_EQ("msg_0.mg", test::listing(messageFolder()));
+    EXPECT_EQ("2019-3-7[1..1000]", packed());
 }
 
 TEST_F(PackedWriter, TakesOneMessageMoreIntoTheNextFile) {
     fillDay("2019_3_7", 999, 1);
     fillDay("2019_3_8", 2, 2001);
     fillDay("2019_3_9", 1, 3001);
-    EXPECT_EQ(0U, transfer.wtMsgToFile2());
-    EXPECT_EQ("2019-3-7[1..999] 2019-3-8[2001..2001]", daysOf(0));
-    EXPECT_EQ("2019-3-8[2002..2002] 2019-3-9[3001..3001]", daysOf(1));
+    EXPECT_EQ("2019-3-7[1..999] 2019-3-8[2001..2001] | 2019-3-8[2002..2002] 2019-3-9[3001..3001]", packed());
 }
 
 TEST_F(PackedWriter, OfNoMessagesWritesNoFileAndCopiesTheAttachments) {
     addAttachment("image/p.jpg", "bytes");
     transfer.imagePaths = {"sub/p.jpg"};
-    EXPECT_EQ(0U, transfer.wtMsgToFile2());
-    EXPECT_EQ("", test::listing(messageFolder()));
+    EXPECT_EQ("", packed());
     EXPECT_EQ("bytes", test::readFile(attachmentFolder() + "sub/p.jpg"));
     EXPECT_EQ(std::vector<std::string>{"2 100 1/1"}, listener.heard);
 }
@@ -489,28 +447,19 @@ TEST_F(WholeExport, OfASmallAccountIsTheseBytes) {
     makeAccount();
     runMain({"insert into im_reContact values(12, 11, 1551916800000, 1, 4, 'w', 0, 2, 'a/b', '{}', 'Ann', 99, 3)"});
     addTable("im_msg_12");
-    imsdk::st_dbMessageBean message = messageOn(2019, 3, 7, 11, 0, "a/b \"q\" \xF0\x9F\x98\x80 \xFF");
-    message.toUserID = 1;
-    message.fromeUserID = 2;
-    message.lastMsgID = 10;
+    imsdk::st_dbMessageBean message = test::fullMessage();
+    message.body = "a/b \"q\" \xF0\x9F\x98\x80 \xFF";
     message.time_ = 1551916800000;
-    message.targetID = 12;
-    message.msgProperties = "{}";
-    message.formate = "plain";
-    message.activeType = 4;
     message.relatedMsgID = 9007199254740993;
-    message.relatedUsers = "5;7;9";
-    message.sourceID = "s";
-    message.securityLevel = 3;
     addMessages("im_msg_12", message);
-    ASSERT_EQ(0U, transfer.rdMsgFromDB(2019, 3, 7));
+    ASSERT_EQ(0U, transfer.rdMsgFromDB(1, 1, 1));
     ASSERT_EQ(0U, transfer.wtMsgToFile());
     EXPECT_EQ(
         "{\"version\":\"1.0\",\"msgs\":[{\"msgs\":[{\"sendUserID\":2,\"receTargetID\":1,\"sendTime\":1551916800000,"
-        "\"message\":\"a\\/b \\\"q\\\" \xF0\x9F\x98\x80 \xEF\xBF\xBD\",\"messageType\":0,\"messageID\":11,"
-        "\"format\":\"plain\",\"lastMessageID\":10,\"msgProperties\":\"{}\",\"activeType\":4,"
-        "\"relatedMsgID\":9007199254740992,\"securityLevel\":3,\"sourceID\":\"s\",\"senderSessionID\":12,"
-        "\"#limitRange\":[],\"#relatedUsers\":[5,7,9]}],\"date\":{\"year\":2019,\"month\":3,\"day\":7}}]}",
+        "\"message\":\"a\\/b \\\"q\\\" \xF0\x9F\x98\x80 \xEF\xBF\xBD\",\"messageType\":3,\"messageID\":4,"
+        "\"format\":\"format\",\"lastMessageID\":5,\"msgProperties\":\"properties\",\"activeType\":15,"
+        "\"relatedMsgID\":9007199254740992,\"securityLevel\":20,\"sourceID\":\"source\",\"senderSessionID\":9,"
+        "\"#limitRange\":[13,14],\"#relatedUsers\":[18,19]}],\"date\":{\"year\":10,\"month\":11,\"day\":12}}]}",
         messageFile(0));
     EXPECT_EQ(R"({"version":"1.0","recontact":[{"targetID":12,"lastMsgid":11,"time":1551916800000,"type":1,"top":4,)"
               R"("wherefrom":"w","msgType":0,"activeType":2,"lastMsg":"a\/b","msgProp":"{}","name":"Ann",)"
@@ -524,9 +473,7 @@ TEST_F(WholeExport, OfAnAccountWithAKeyIsPlain) {
     addTable("im_msg_12");
     addMessages("im_msg_12", messageOn(2019, 3, 7, 5), 251);
     ASSERT_EQ(0U, transfer.rdMsgFromDB(2019, 1, 1));
-    ASSERT_EQ(0U, transfer.wtMsgToFile());
-    EXPECT_EQ("2019-3-7[5..254]", daysOf(0));
-    EXPECT_EQ("2019-3-7[255..255]", daysOf(1));
+    EXPECT_EQ("2019-3-7[5..254] | 2019-3-7[255..255] | recontact.mg", written());
 }
 
 TEST_F(WholeExport, ChangesNothingInTheAccount) {

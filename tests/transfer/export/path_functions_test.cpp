@@ -3,57 +3,58 @@
 
 namespace {
 
-TEST(BaseName, IsTheTextBeforeTheLastSlash) {
+class PathFunctions : public ::testing::Test {
+protected:
     dbTrans transfer;
+};
+
+using BaseName = PathFunctions;
+using FileName = PathFunctions;
+using ValidatePath = PathFunctions;
+
+TEST_F(BaseName, IsTheTextBeforeTheLastSlash) {
     EXPECT_EQ("a/b", transfer.baseName("a/b/c.jpg"));
     EXPECT_EQ("a/b", transfer.baseName("a/b/"));
     EXPECT_EQ("", transfer.baseName("/c.jpg"));
 }
 
-TEST(BaseName, OfANameWithoutASlashIsTheWholeName) {
-    dbTrans transfer;
+TEST_F(BaseName, OfANameWithoutASlashIsTheWholeName) {
     EXPECT_EQ("c.jpg", transfer.baseName("c.jpg"));
     EXPECT_EQ("", transfer.baseName(""));
 }
 
-TEST(FileName, IsTheTextAfterTheLastSlash) {
-    dbTrans transfer;
+TEST_F(FileName, IsTheTextAfterTheLastSlash) {
     EXPECT_EQ("c.jpg", transfer.filName("a/b/c.jpg"));
     EXPECT_EQ("", transfer.filName("a/b/"));
 }
 
-TEST(FileName, OfANameWithoutASlashIsTheWholeName) {
-    dbTrans transfer;
+TEST_F(FileName, OfANameWithoutASlashIsTheWholeName) {
     EXPECT_EQ("c.jpg", transfer.filName("c.jpg"));
     EXPECT_EQ("", transfer.filName(""));
 }
 
-TEST(ValidatePath, TurnsBackslashesIntoSlashes) {
-    dbTrans transfer;
+TEST_F(ValidatePath, TurnsBackslashesIntoSlashes) {
     EXPECT_EQ("a/b/c", transfer.validatePath("a\\b/c"));
 }
 
-TEST(ValidatePath, DropsOneSlashAtTheEnd) {
-    dbTrans transfer;
+TEST_F(ValidatePath, DropsOneSlashAtTheEnd) {
     EXPECT_EQ("a/b", transfer.validatePath("a\\b\\"));
     EXPECT_EQ("a/", transfer.validatePath("a//"));
     EXPECT_EQ("", transfer.validatePath("/"));
     EXPECT_EQ("", transfer.validatePath(""));
 }
 
-TEST(ValidatePath, TakesUpTo299Bytes) {
-    dbTrans transfer;
+TEST_F(ValidatePath, TakesUpTo299Bytes) {
     const std::string longest(299, 'a');
     EXPECT_EQ(longest, transfer.validatePath(longest.c_str()));
     EXPECT_EQ("", transfer.validatePath((longest + "a").c_str()));
     EXPECT_EQ("", transfer.validatePath(nullptr));
 }
 
-class SavePath : public ::testing::Test {
+class SavePath : public PathFunctions {
 protected:
     std::string of(const char* path) { return transfer.getSavePath(path, directory); }
 
-    dbTrans transfer;
     std::string directory = "before";
 };
 

@@ -5,11 +5,17 @@
 
 namespace {
 
-constexpr long long kDatabaseFailed = 0xff00001f;
-constexpr long long kNoTables = 0xff000020;
+using test::kDatabaseFailed;
+using test::kNoTables;
 
 class RecentContacts : public test::AccountTest {
 protected:
+    /// Reads the contacts of a table that the statements fill.
+    void read(const std::vector<std::string>& statements) {
+        addContactTable();
+        runMain(statements);
+        ASSERT_EQ(0, transfer.readRecontactFromDB());
+    }
     /// The recent-contact file of the contacts as they are now.
     std::string written() {
         transfer.msgFileDir = dir.makeDir("package") + "/";
@@ -26,9 +32,7 @@ TEST_F(RecentContacts, OfAnEmptyTableGiveAnEmptySetAndFile) {
 }
 
 TEST_F(RecentContacts, AreReadColumnByColumn) {
-    addContactTable();
-    runMain({"insert into im_reContact values(1, 2, 3, 4, 5, 'from', 7, 8, 'last', 'prop', 'name', 12, 13)"});
-    ASSERT_EQ(0, transfer.readRecontactFromDB());
+    read({"insert into im_reContact values(1, 2, 3, 4, 5, 'from', 7, 8, 'last', 'prop', 'name', 12, 13)"});
     ASSERT_EQ(1U, transfer.reContacts.size());
     const imsdk::st_dbReContactBean& contact = transfer.reContacts[0];
     EXPECT_EQ((std::vector<long long>{1, 2, 3, 4, 5, 7, 8, 13}),
@@ -39,28 +43,22 @@ TEST_F(RecentContacts, AreReadColumnByColumn) {
 }
 
 TEST_F(RecentContacts, LeaveTheSenderBehind) {
-    addContactTable();
-    runMain({"insert into im_reContact(targetID, sendUserID) values(1, 12)"});
-    ASSERT_EQ(0, transfer.readRecontactFromDB());
+    read({"insert into im_reContact(targetID, sendUserID) values(1, 12)"});
     EXPECT_EQ(0, transfer.reContacts.at(0).sendUserID);
     transfer.reContacts[0].sendUserID = 12;
     EXPECT_EQ(std::string::npos, written().find("sendUserID"));
 }
 
 TEST_F(RecentContacts, AreReadIntoFreshRecords) {
-    addContactTable();
-    runMain({"insert into im_reContact values(1, 2, 3, 4, 5, 'from', 7, 8, 'last', 'prop', 'name', 12, 13)",
-             "insert into im_reContact(targetID) values(2)"});
-    ASSERT_EQ(0, transfer.readRecontactFromDB());
+    read({"insert into im_reContact values(1, 2, 3, 4, 5, 'from', 7, 8, 'last', 'prop', 'name', 12, 13)",
+          "insert into im_reContact(targetID) values(2)"});
     const imsdk::st_dbReContactBean& second = transfer.reContacts.at(1);
     EXPECT_EQ("", second.name + second.wherefrom + second.lastMsg + second.msgProp);
     EXPECT_EQ(0, second.time + second.top + second.securityLevel);
 }
 
 TEST_F(RecentContacts, KeepTheOrderOfTheDatabase) {
-    addContactTable();
-    runMain({"insert into im_reContact(targetID) values(9), (-3), (5)"});
-    ASSERT_EQ(0, transfer.readRecontactFromDB());
+    read({"insert into im_reContact(targetID) values(9), (-3), (5)"});
     std::vector<long long> ids;
     for (const imsdk::st_dbReContactBean& contact : transfer.reContacts)
         ids.push_back(contact.targetID);
@@ -68,9 +66,7 @@ TEST_F(RecentContacts, KeepTheOrderOfTheDatabase) {
 }
 
 TEST_F(RecentContacts, ReadTwiceAreThereTwiceAndSoInTheFile) {
-    addContactTable();
-    runMain({"insert into im_reContact(targetID) values(9)"});
-    ASSERT_EQ(0, transfer.readRecontactFromDB());
+    read({"insert into im_reContact(targetID) values(9)"});
     ASSERT_EQ(0, transfer.readRecontactFromDB());
     EXPECT_EQ(2U, transfer.reContacts.size());
     const std::string file = written();
@@ -78,10 +74,8 @@ TEST_F(RecentContacts, ReadTwiceAreThereTwiceAndSoInTheFile) {
 }
 
 TEST_F(RecentContacts, HaveSignedBytes) {
-    addContactTable();
-    runMain({"insert into im_reContact(targetID, type, top) values(1, 255, 128)",
-             "insert into im_reContact(targetID, type, top) values(2, -1, 260)"});
-    ASSERT_EQ(0, transfer.readRecontactFromDB());
+    read({"insert into im_reContact(targetID, type, top) values(1, 255, 128)",
+          "insert into im_reContact(targetID, type, top) values(2, -1, 260)"});
     EXPECT_EQ(-1, transfer.reContacts.at(0).type);
     EXPECT_EQ(-128, transfer.reContacts.at(0).top);
     EXPECT_EQ(-1, transfer.reContacts.at(1).type);
@@ -91,23 +85,10 @@ TEST_F(RecentContacts, HaveSignedBytes) {
 }
 
 TEST_F(RecentContacts, StandInTheFileWithTheirKeysInOrder) {
-    imsdk::st_dbReContactBean contact;
-    contact.targetID = 1;
-    contact.lastMsgid = 2;
-    contact.time = 3;
-    contact.type = 4;
-    contact.top = 5;
-    contact.wherefrom = "from";
-    contact.msgType = 7;
-    contact.activeType = 8;
-    contact.lastMsg = "last/";
-    contact.msgProp = "prop";
-    contact.name = "name";
-    contact.securityLevel = 12;
-    transfer.reContacts = {contact};
-    EXPECT_EQ(R"({"version":"1.0","recontact":[{"targetID":1,"lastMsgid":2,"time":3,"type":4,"top":5,)"
-              R"("wherefrom":"from","msgType":7,"activeType":8,"lastMsg":"last\/","msgProp":"prop","name":"name",)"
-              R"("securityLevel":12}]})",
+    transfer.reContacts = {test::fullContact()};
+    EXPECT_EQ(R"({"version":"1.0","recontact":[{"targetID":5,"lastMsgid":2,"time":3,"type":-4,"top":4,)"
+              R"("wherefrom":"where","msgType":300,"activeType":6,"lastMsg":"last\/","msgProp":"prop","name":"name",)"
+              R"("securityLevel":8}]})",
               written());
 }
 

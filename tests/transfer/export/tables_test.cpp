@@ -12,7 +12,15 @@ class TableList : public AccountTest {};
 class TableLookup : public AccountTest {};
 class PluginTable : public AccountTest {};
 class StoredMessage : public AccountTest {};
-class StoredNote : public AccountTest {};
+class StoredNote : public AccountTest {
+protected:
+    void addNote(const std::string& values) {
+        test::runSql(pluginPath(), {"create table im_note(sendUserId, targetID, type, content, isReminder, rmdTime, "
+                                    "isArchive, lastChgTime)",
+                                    "insert into im_note values(" + values + ")"});
+        ASSERT_NE(0, transfer.kabDbOpen());
+    }
+};
 class StoredRoom : public AccountTest {};
 
 // --- Listing
@@ -203,19 +211,13 @@ TEST_F(StoredMessage, LookedForUnderAHostileTableNameHarmsNothing) {
 // --- Stored notes
 
 TEST_F(StoredNote, IsTheSameWhenAllButItsContentMatches) {
-    test::runSql(pluginPath(), {"create table im_note(sendUserId, targetID, type, content, isReminder, rmdTime, "
-                                "isArchive, lastChgTime)",
-                                "insert into im_note values(1, 2, 3, 'text', 4, 5, 6, 7)"});
-    ASSERT_NE(0, transfer.kabDbOpen());
+    addNote("1, 2, 3, 'text', 4, 5, 6, 7");
     st_noteTrans note{1, 2, 3, "another text", 4, 5, 6, 7};
     EXPECT_EQ(1, transfer.isNoteExsit(note));
 }
 
 TEST_F(StoredNote, IsAnotherOneWhenAnyOfTheSevenFieldsDiffers) {
-    test::runSql(pluginPath(), {"create table im_note(sendUserId, targetID, type, content, isReminder, rmdTime, "
-                                "isArchive, lastChgTime)",
-                                "insert into im_note values(1, 2, 3, 'text', 4, 5, 6, 7)"});
-    ASSERT_NE(0, transfer.kabDbOpen());
+    addNote("1, 2, 3, 'text', 4, 5, 6, 7");
     const st_noteTrans others[] = {{0, 2, 3, "text", 4, 5, 6, 7}, {1, 0, 3, "text", 4, 5, 6, 7},
                                    {1, 2, 0, "text", 4, 5, 6, 7}, {1, 2, 3, "text", 0, 5, 6, 7},
                                    {1, 2, 3, "text", 4, 0, 6, 7}, {1, 2, 3, "text", 4, 5, 0, 7},
@@ -225,11 +227,7 @@ TEST_F(StoredNote, IsAnotherOneWhenAnyOfTheSevenFieldsDiffers) {
 }
 
 TEST_F(StoredNote, ComparesIdsAndTimesInAllTheirBits) {
-    test::runSql(pluginPath(), {"create table im_note(sendUserId, targetID, type, content, isReminder, rmdTime, "
-                                "isArchive, lastChgTime)",
-                                "insert into im_note values(9223372036854775807, -9223372036854775807, 0, '', 0, "
-                                "9007199254740993, 0, -1)"});
-    ASSERT_NE(0, transfer.kabDbOpen());
+    addNote("9223372036854775807, -9223372036854775807, 0, '', 0, 9007199254740993, 0, -1");
     st_noteTrans note{LLONG_MAX, -LLONG_MAX, 0, "", 0, 9007199254740993, 0, -1};
     EXPECT_EQ(1, transfer.isNoteExsit(note));
     note.rmdTime = 9007199254740992;

@@ -31,6 +31,12 @@ protected:
     void putIntoAccount(const std::string& name, const std::string& bytes) const {
         dir_.write("account/" + name, bytes);
     }
+    // The package's "a/x.dat" as a file, as a voice message, and as a picture that is its own thumbnail.
+    void restoreAsEveryType() {
+        EXPECT_EQ(1, transfer_.importFile(fileBody("a/c", "x.dat"), kFile));
+        EXPECT_EQ(1, transfer_.importFile(fileBody("a/c", "x.dat"), kVoice));
+        EXPECT_EQ(1, transfer_.importFile(imageBody("a/x.dat", "a/x.dat"), kImage));
+    }
     // Everything in the account's attachment folders.
     std::string restored() const {
         return listing(dir_.at("account/audio")) + "|" + listing(dir_.at("account/file")) + "|" +
@@ -42,9 +48,8 @@ protected:
 // --- What a body must be ---
 
 TEST_F(AttachmentRestore, GivesZeroForABodyThatIsNoJson) {
-    for (const char* body : {"hello", "", "{", R"({"mediaUrl":"a/b")"}) {
+    for (const char* body : {"hello", "", "{", R"({"mediaUrl":"a/b")"})
         EXPECT_EQ(0, transfer_.importFile(body, kFile)) << body;
-    }
     EXPECT_EQ("||", restored());
 }
 
@@ -57,9 +62,8 @@ TEST_F(AttachmentRestore, GivesZeroForABodyThatIsNoObject) {
 
 TEST_F(AttachmentRestore, GivesZeroForOtherTypes) {
     writeAttachment("a/x.dat", "bytes");
-    for (const int type : {0, 1, 2, 4, 7, 28, 89, -3, 2147483647}) {
+    for (const int type : {0, 1, 2, 4, 7, 28, 89, -3, 2147483647})
         EXPECT_EQ(0, transfer_.importFile(fileBody("a/x.dat", "x.dat"), type)) << type;
-    }
     EXPECT_EQ("||", restored());
 }
 
@@ -131,9 +135,7 @@ TEST_F(AttachmentRestore, PutsAFileWithFolderIntoThatFolderWhenItIsThere) {
 }
 
 TEST_F(AttachmentRestore, KeepsBytesAndSizesOfAFile) {
-    std::string bytes(300'000, '\0');
-    for (std::size_t i = 0; i < bytes.size(); ++i)
-        bytes[i] = static_cast<char>(i * 7);
+    const std::string bytes = patterned(300'000);
     writeAttachment("a/x.dat", bytes);
     writeAttachment("a/empty.dat", "");
     transfer_.importFile(fileBody("a/c", "x.dat"), kFile);
@@ -330,12 +332,9 @@ TEST_F(AttachmentRestore, TakesNeitherDirectoriesNorFifos) {
 
 TEST_F(AttachmentRestore, WritesNothingThroughADanglingLink) {
     writeAttachment("a/x.dat", "bytes");
-    for (const char* folder : {"file", "image", "audio"}) {
+    for (const char* folder : {"file", "image", "audio"})
         fs::create_symlink(dir_.at("outside.dat"), dir_.at(std::string("account/") + folder + "/x.dat"));
-    }
-    EXPECT_EQ(1, transfer_.importFile(fileBody("a/c", "x.dat"), kFile));
-    EXPECT_EQ(1, transfer_.importFile(imageBody("a/x.dat", "a/x.dat"), kImage));
-    EXPECT_EQ(1, transfer_.importFile(fileBody("a/c", "x.dat"), kVoice));
+    restoreAsEveryType();
     EXPECT_FALSE(exists(dir_.at("outside.dat")));
 }
 
@@ -352,9 +351,7 @@ TEST_F(AttachmentRestore, LeavesADirectoryOfTheNameAlone) {
     writeAttachment("a/x.dat", "bytes");
     for (const char* folder : {"account/file/x.dat", "account/audio/x.dat", "account/image/x.dat"})
         dir_.makeDir(folder);
-    EXPECT_EQ(1, transfer_.importFile(fileBody("a/c", "x.dat"), kFile));
-    EXPECT_EQ(1, transfer_.importFile(fileBody("a/c", "x.dat"), kVoice));
-    EXPECT_EQ(1, transfer_.importFile(imageBody("a/x.dat", "a/x.dat"), kImage));
+    restoreAsEveryType();
     EXPECT_EQ("x.dat|x.dat|x.dat", restored());
     EXPECT_EQ("", listing(dir_.at("account/audio/x.dat")));
 }
@@ -363,9 +360,7 @@ TEST_F(AttachmentRestore, FailsQuietlyWithoutTheAccountsFolders) {
     writeAttachment("a/x.dat", "bytes");
     for (const char* folder : {"account/file", "account/audio", "account/image"})
         fs::remove_all(dir_.at(folder));
-    EXPECT_EQ(1, transfer_.importFile(fileBody("a/c", "x.dat"), kFile));
-    EXPECT_EQ(1, transfer_.importFile(fileBody("a/c", "x.dat"), kVoice));
-    EXPECT_EQ(1, transfer_.importFile(imageBody("a/x.dat", "a/x.dat"), kImage));
+    restoreAsEveryType();
     EXPECT_EQ("db", listing(dir_.at("account")));
     EXPECT_EQ(4, report().attachmentsFailed);
 }
@@ -376,9 +371,7 @@ TEST_F(AttachmentRestore, LeavesAFileInPlaceOfAnAccountsFolderAlone) {
         fs::remove_all(dir_.at(std::string("account/") + folder));
         putIntoAccount(folder, "not a folder");
     }
-    EXPECT_EQ(1, transfer_.importFile(fileBody("a/c", "x.dat"), kFile));
-    EXPECT_EQ(1, transfer_.importFile(fileBody("a/c", "x.dat"), kVoice));
-    EXPECT_EQ(1, transfer_.importFile(imageBody("a/x.dat", "a/x.dat"), kImage));
+    restoreAsEveryType();
     EXPECT_EQ(0, report().attachmentsDone);
     for (const char* folder : {"file", "audio", "image"})
         EXPECT_EQ("not a folder", account(folder));

@@ -1,10 +1,7 @@
 #include "tests/transfer/package_import/import_fixture.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <sstream>
-#include <stdexcept>
 
 namespace test {
 
@@ -68,24 +65,6 @@ std::string describe(const imsdk::st_dbReContactBean& record) {
          << ", wherefrom '" << record.wherefrom << "', lastMsg '" << record.lastMsg << "', msgProp '" << record.msgProp
          << "', sendUserID " << record.sendUserID << ", securityLevel " << record.securityLevel;
     return text.str();
-}
-
-std::string idsOf(const std::vector<imsdk::st_dbMessageBean>& messages) {
-    std::string text;
-    for (const imsdk::st_dbMessageBean& message : messages) {
-        text += (text.empty() ? "" : " ") + std::to_string(message.msgID);
-    }
-    return text;
-}
-
-OrdinaryUser::OrdinaryUser() : wasRoot_(geteuid() == 0) {
-    constexpr uid_t kNobody = 65534;
-    if (wasRoot_ && seteuid(kNobody) != 0) throw std::runtime_error("cannot give up root's rights");
-}
-
-OrdinaryUser::~OrdinaryUser() {
-    if (!wasRoot_) return;
-    EXPECT_EQ(0, seteuid(0));
 }
 
 ImportFixture::ImportFixture() {

@@ -6,8 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/codes.h"
 #include "tests/support/database.h"
+#include "tests/support/listed.h"
 #include "tests/support/listener.h"
+#include "tests/support/posix_helpers.h"
+#include "tests/support/records.h"
 #include "tests/support/temp_dir.h"
 #include "transfer/dbTrans.h"
 
@@ -29,23 +33,6 @@ imsdk::st_dbReContactBean contactOf(long long targetID, long long time, int top)
 /// All fields of a record in one line, for comparison.
 std::string describe(const imsdk::st_dbMessageBean& record);
 std::string describe(const imsdk::st_dbReContactBean& record);
-
-/// The ids of the messages, joined by blanks.
-std::string idsOf(const std::vector<imsdk::st_dbMessageBean>& messages);
-
-/// Runs as an ordinary user for the scope, also when the tests run as root, so that permissions count.
-class OrdinaryUser {
-public:
-    OrdinaryUser();
-    ~OrdinaryUser();
-    OrdinaryUser(const OrdinaryUser&) = delete;
-    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-    OrdinaryUser(OrdinaryUser&&) = delete;
-    OrdinaryUser& operator=(OrdinaryUser&&) = delete;
-
-private:
-    bool wasRoot_;
-};
 
 /// A package without files (user "100", version "1.0") and an account with empty databases and empty attachment
 /// folders.

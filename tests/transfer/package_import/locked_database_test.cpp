@@ -8,8 +8,6 @@
 namespace test {
 namespace {
 
-constexpr unsigned kDatabaseFailed = 0xff00001f;
-
 class LockedDatabase : public ImportFixture {
 protected:
     // The client writes on a connection of its own.

@@ -49,8 +49,20 @@ st_dbMessageBean importedDefaults() {
     return record;
 }
 
+struct IdCase {
+    const char* json;
+    long long expected;
+};
+
 class MessageRecord : public ImportFixture {
 protected:
+    template <std::size_t Count>
+    void expectUnderEachId(const IdCase (&cases)[Count]) {
+        for (const IdKey& id : kIdKeys) {
+            for (const IdCase& value : cases)
+                EXPECT_EQ(value.expected, withKey(id.key, value.json).*id.field) << id.key << " " << value.json;
+        }
+    }
     // The record of a message that has this one key, under a day without date.
     st_dbMessageBean withKey(const std::string& key, const std::string& json) {
         return readOnly(fileJson(R"({"msgs":[{")" + key + R"(":)" + json + "}]}"));
@@ -67,27 +79,21 @@ TEST_F(MessageRecord, StartsFromTheDefaultsOfAnImport) {
 }
 
 TEST_F(MessageRecord, IsFilledKeyByKey) {
-    const st_dbMessageBean record = readOnly(fileJson(dayJson(
-        R"({"sendUserID":11,"receTargetID":12,"sendTime":13,"message":"hello","messageType":14,"messageID":15,)"
-        R"("format":"f","lastMessageID":16,"msgProperties":"p","activeType":17,"relatedMsgID":18,"sourceID":"s",)"
-        R"("senderSessionID":19})")));
-    st_dbMessageBean expected = importedDefaults();
-    expected.fromeUserID = 11;
-    expected.toUserID = 12;
-    expected.time_ = 13;
-    expected.body = "hello";
-    expected.msgType = 14;
-    expected.msgID = 15;
-    expected.formate = "f";
-    expected.lastMsgID = 16;
-    expected.msgProperties = "p";
-    expected.activeType = 17;
-    expected.relatedMsgID = 18;
-    expected.sourceID = "s";
-    expected.targetID = 19;
+    const st_dbMessageBean record = readOnly(fileJson(
+        dayJson(R"({"sendUserID":2,"receTargetID":1,"sendTime":6,"message":"body","messageType":3,"messageID":4,)"
+                R"("format":"format","lastMessageID":5,"msgProperties":"properties","activeType":15,"relatedMsgID":16,)"
+                R"("sourceID":"source","senderSessionID":9})")));
+    st_dbMessageBean expected = fullMessage();
     expected.year_ = 2019;
     expected.mon = 3;
     expected.day_ = 7;
+    // What no package carries, or has in another place.
+    const st_dbMessageBean defaults = importedDefaults();
+    expected.burnAfterReading = expected.securityLevel = 0;
+    expected.status = defaults.status;
+    expected.localID = defaults.localID;
+    expected.limitRange = expected.relatedUsers = expected.unReadState = expected.extraText = "";
+    expected.extraValue2 = defaults.extraValue2;
     EXPECT_EQ(describe(expected), describe(record));
 }
 
@@ -108,19 +114,16 @@ TEST_F(MessageRecord, TakesNoKeyOutsideTheFormat) {
 }
 
 TEST_F(MessageRecord, TakesKeysWithTheirExactCaseOnly) {
-    for (const char* key : {"messageid", "MessageID", "messageID ", "senduserid"}) {
+    for (const char* key : {"messageid", "MessageID", "messageID ", "senduserid"})
         EXPECT_EQ(describe(importedDefaults()), describe(withKey(key, "8"))) << key;
-    }
 }
 
 TEST_F(MessageRecord, HasZeroForNumbersOfAnotherType) {
     for (const char* json : {"null", "true", R"("5")", "[5]", R"({"5":5})"}) {
-        for (const IdKey& id : kIdKeys) {
+        for (const IdKey& id : kIdKeys)
             EXPECT_EQ(describe(importedDefaults()), describe(withKey(id.key, json))) << id.key << " " << json;
-        }
-        for (const NumberKey& number : kNumberKeys) {
+        for (const NumberKey& number : kNumberKeys)
             EXPECT_EQ(describe(importedDefaults()), describe(withKey(number.key, json))) << number.key << " " << json;
-        }
         for (const NumberKey& date : kDateKeys)
             EXPECT_EQ(0, dateWith(date, json)) << date.key << " " << json;
     }
@@ -128,9 +131,8 @@ TEST_F(MessageRecord, HasZeroForNumbersOfAnotherType) {
 
 TEST_F(MessageRecord, HasNoTextForTextsOfAnotherType) {
     for (const char* json : {"null", "true", "5", "1e300", R"(["x"])", R"({"x":"x"})"}) {
-        for (const TextKey& text : kTextKeys) {
+        for (const TextKey& text : kTextKeys)
             EXPECT_EQ(describe(importedDefaults()), describe(withKey(text.key, json))) << text.key << " " << json;
-        }
     }
 }
 
@@ -141,11 +143,6 @@ TEST_F(MessageRecord, HasNoDateForADateOfAnotherType) {
     }
 }
 
-struct IdCase {
-    const char* json;
-    long long expected;
-};
-
 TEST_F(MessageRecord, KeepsIdsOfUpTo19DigitsExactly) {
     constexpr IdCase cases[] = {{"9007199254740993", 9007199254740993},
                                 {"1234567890123456789", 1234567890123456789},
@@ -153,11 +150,7 @@ TEST_F(MessageRecord, KeepsIdsOfUpTo19DigitsExactly) {
                                 {"-9223372036854775808", kLeast},
                                 {"2147483648", 2147483648},
                                 {"-1", -1}};
-    for (const IdKey& id : kIdKeys) {
-        for (const IdCase& value : cases) {
-            EXPECT_EQ(value.expected, withKey(id.key, value.json).*id.field) << id.key << " " << value.json;
-        }
-    }
+    expectUnderEachId(cases);
 }
 
 TEST_F(MessageRecord, BoundsIdsOutsideTheirRange) {
@@ -171,11 +164,7 @@ TEST_F(MessageRecord, BoundsIdsOutsideTheirRange) {
                                 {"-2.9", -2},
                                 {"1e3", 1000},
                                 {"2147483648.5", 2147483648}};
-    for (const IdKey& id : kIdKeys) {
-        for (const IdCase& value : cases) {
-            EXPECT_EQ(value.expected, withKey(id.key, value.json).*id.field) << id.key << " " << value.json;
-        }
-    }
+    expectUnderEachId(cases);
 }
 
 TEST_F(MessageRecord, BoundsNumbersOutsideTheirRange) {
@@ -190,9 +179,8 @@ TEST_F(MessageRecord, BoundsNumbersOutsideTheirRange) {
                                 {"3.9", 3},
                                 {"-3.9", -3}};
     for (const NumberKey& number : kNumberKeys) {
-        for (const IdCase& value : cases) {
+        for (const IdCase& value : cases)
             EXPECT_EQ(value.expected, withKey(number.key, value.json).*number.field) << number.key << " " << value.json;
-        }
     }
 }
 
@@ -200,9 +188,8 @@ TEST_F(MessageRecord, TakesTheLow32BitsOfA64BitDate) {
     constexpr IdCase cases[] = {{"2019.9", 2019},  {"1e-5", 0},   {"-7", -7},   {"2147483648", kLeastInt},
                                 {"4294967298", 2}, {"1e300", -1}, {"-1e300", 0}};
     for (const NumberKey& date : kDateKeys) {
-        for (const IdCase& value : cases) {
+        for (const IdCase& value : cases)
             EXPECT_EQ(value.expected, dateWith(date, value.json)) << date.key << " " << value.json;
-        }
     }
 }
 

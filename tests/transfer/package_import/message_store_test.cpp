@@ -11,8 +11,6 @@ namespace fs = std::filesystem;
 namespace test {
 namespace {
 
-constexpr unsigned kDatabaseFailed = 0xff00001f;
-
 const char* const kTables = "select group_concat(name, ' ') from sqlite_master where type = 'table'";
 
 std::string createStatement(const std::string& table) {
@@ -28,8 +26,27 @@ std::string createStatement(const std::string& table) {
            "relatedUsers VARCHAR(4096), sourceID VARCHAR(32), unReadState VARCHAR(128),securityLevel INTEGER)";
 }
 
+// The database writes the first two words its own way.
+std::string createdAs(const std::string& table) {
+    return createStatement(table).replace(0, 12, "CREATE TABLE");
+}
+
 class MessageStore : public ImportFixture {
 protected:
+    /// Collects the messages and writes all that was collected.
+    void store(long long conversation, const std::vector<long long>& ids) {
+        collect(conversation, ids);
+        EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    }
+    void storeMessages(long long conversation, const std::vector<imsdk::st_dbMessageBean>& messages) {
+        transfer_.msgMap[conversation] = messages;
+        EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    }
+    /// Message 1 in each of the conversations.
+    void collectInEach(const std::vector<long long>& conversations) {
+        for (const long long conversation : conversations)
+            collect(conversation, {1});
+    }
     void run(const std::string& statement) const { runSql(mainPath(), {statement}); }
     void giveTable(long long conversation) const { run(createStatement("im_msg_" + std::to_string(conversation))); }
     // A view takes the name, and no database lists it among its tables.
@@ -44,11 +61,8 @@ protected:
 // --- Tables ---
 
 TEST_F(MessageStore, CreatesATableWithItsExactText) {
-    collect(100234, {1});
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
-    std::string expected = createStatement("im_msg_100234");
-    expected.replace(0, 12, "CREATE TABLE");  // the database writes the first two words its own way
-    EXPECT_EQ(expected, mainRows("select sql from sqlite_master where name = 'im_msg_100234'"));
+    store(100234, {1});
+    EXPECT_EQ(createdAs("im_msg_100234"), mainRows("select sql from sqlite_master where name = 'im_msg_100234'"));
 }
 
 TEST_F(MessageStore, HasTheCreateStatementToTheLetter) {
@@ -65,24 +79,21 @@ TEST_F(MessageStore, HasTheInsertStatementToTheLetter) {
 
 TEST_F(MessageStore, AddsACreatedTableToTheTableNames) {
     giveTable(4);
-    collect(5, {1});
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    store(5, {1});
     EXPECT_EQ((std::vector<std::string>{"im_msg_4", "im_msg_5", "im_reContact"}), transfer_.tableNames);
     EXPECT_EQ(1, transfer_.report.tablesCreated);
 }
 
 TEST_F(MessageStore, RefreshesAStaleTableList) {
     transfer_.tableNames = {"im_msg_5"};
-    collect(5, {1});
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    store(5, {1});
     EXPECT_EQ("1", idsIn("im_msg_5"));
 }
 
 TEST_F(MessageStore, UsesATableThatIsThere) {
     giveTable(5);
     run("insert into im_msg_5(msgID) values(1)");
-    collect(5, {2});
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    store(5, {2});
     EXPECT_EQ("1 2", idsIn("im_msg_5"));
     EXPECT_EQ(0, transfer_.report.tablesCreated);
 }
@@ -90,8 +101,7 @@ TEST_F(MessageStore, UsesATableThatIsThere) {
 TEST_F(MessageStore, TakesNoTableOfASimilarName) {
     for (const long long conversation : {1, 120})
         giveTable(conversation);
-    collect(12, {7});
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    store(12, {7});
     EXPECT_EQ("7", idsIn("im_msg_12"));
     EXPECT_EQ("", idsIn("im_msg_1"));
     EXPECT_EQ("", idsIn("im_msg_120"));
@@ -100,8 +110,7 @@ TEST_F(MessageStore, TakesNoTableOfASimilarName) {
 TEST_F(MessageStore, WritesEachConversationIntoItsOwnTable) {
     collect(5, {3, 1});
     collect(9223372036854775807, {2});
-    collect(0, {4});
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    store(0, {4});
     EXPECT_EQ("1 3", idsIn("im_msg_5"));
     EXPECT_EQ("2", idsIn("im_msg_9223372036854775807"));
     EXPECT_EQ("4", idsIn("im_msg_0"));
@@ -109,51 +118,19 @@ TEST_F(MessageStore, WritesEachConversationIntoItsOwnTable) {
 
 // --- Rows ---
 
-imsdk::st_dbMessageBean fullRecord() {
-    imsdk::st_dbMessageBean record;
-    record.toUserID = 1;
-    record.fromeUserID = 2;
-    record.body = "body";
-    record.msgType = 3;
-    record.msgID = 4;
-    record.lastMsgID = 5;
-    record.time_ = 6;
-    record.burnAfterReading = 7;
-    record.status = 8;
-    record.targetID = 9;
-    record.msgProperties = "properties";
-    record.year_ = 10;
-    record.mon = 11;
-    record.day_ = 12;
-    record.limitRange = "13;14";
-    record.formate = "format";
-    record.extraText = "never stored";
-    record.activeType = 15;
-    record.relatedMsgID = 16;
-    record.localID = 17;
-    record.relatedUsers = "18;19";
-    record.sourceID = "source";
-    record.unReadState = "never stored";
-    record.securityLevel = 20;
-    return record;
-}
-
 TEST_F(MessageStore, BindsEveryFieldToItsColumn) {
-    transfer_.msgMap[9] = {fullRecord()};
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    storeMessages(9, {fullMessage()});
     EXPECT_EQ("1|2|body|3|4|5|6|7|8|9|properties|10|11|12|13;14|format|15|16|17|18;19|source||",
               mainRows("select * from im_msg_9", 23));
 }
 
 TEST_F(MessageStore, LeavesUnreadStateAndSecurityLevelNull) {
-    transfer_.msgMap[9] = {fullRecord()};
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    storeMessages(9, {fullMessage()});
     EXPECT_EQ("null|null", mainRows("select typeof(unReadState), typeof(securityLevel) from im_msg_9", 2));
 }
 
 TEST_F(MessageStore, StoresEmptyTextsAsTextsAndNotAsNull) {
-    collect(9, {1});
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    store(9, {1});
     EXPECT_EQ("text|text|text|text|text|text",
               mainRows("select typeof(body), typeof(msgProperties), typeof(limitRange), typeof(formate), "
                        "typeof(relatedUsers), typeof(sourceID) from im_msg_9",
@@ -164,22 +141,19 @@ TEST_F(MessageStore, StoresTheLimitsOfItsNumbers) {
     imsdk::st_dbMessageBean record = messageOf(9, std::numeric_limits<long long>::min());
     record.time_ = std::numeric_limits<long long>::max();
     record.msgType = std::numeric_limits<int>::min();
-    transfer_.msgMap[9] = {record};
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    storeMessages(9, {record});
     EXPECT_EQ("-9223372036854775808|9223372036854775807|-2147483648",
               mainRows("select msgID, time_, msgType from im_msg_9", 3));
 }
 
 TEST_F(MessageStore, StoresTextsThatLookLikeSqlAsTheyAre) {
     const std::string body = "'); drop table im_msg_9; -- ? %s";
-    transfer_.msgMap[9] = {messageOf(9, 1, body)};
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    storeMessages(9, {messageOf(9, 1, body)});
     EXPECT_EQ(body, mainRows("select body from im_msg_9"));
 }
 
 TEST_F(MessageStore, StoresBodiesLongerThanTheColumnSays) {
-    transfer_.msgMap[9] = {messageOf(9, 1, std::string(100'000, 'x'))};
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    storeMessages(9, {messageOf(9, 1, std::string(100'000, 'x'))});
     EXPECT_EQ("100000", mainRows("select length(body) from im_msg_9"));
 }
 
@@ -193,8 +167,7 @@ TEST_F(MessageStore, StoresImportedMessagesAsReadByTheReader) {
 // --- Duplicates ---
 
 TEST_F(MessageStore, AddsNothingTheSecondTime) {
-    collect(5, {1, 2, 3});
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    store(5, {1, 2, 3});
     EXPECT_EQ(0U, transfer_.wtMsgToDB());
     EXPECT_EQ("1 2 3", idsIn("im_msg_5"));
     EXPECT_EQ(3, transfer_.report.messagesInserted);
@@ -210,30 +183,26 @@ TEST_F(MessageStore, StoresAPackageThatWasReadTwiceOnce) {
 }
 
 TEST_F(MessageStore, StoresTheFirstOfTwoMessagesWithOneId) {
-    transfer_.msgMap[5] = {messageOf(5, 1, "first"), messageOf(5, 1, "second"), messageOf(5, 2, "third")};
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    storeMessages(5, {messageOf(5, 1, "first"), messageOf(5, 1, "second"), messageOf(5, 2, "third")});
     EXPECT_EQ("1|first\n2|third", mainRows("select msgID, body from im_msg_5 order by msgID", 2));
 }
 
 TEST_F(MessageStore, KeepsTheStoredCopyOfAMessage) {
     giveTable(5);
     run("insert into im_msg_5(msgID, body, status) values(1, 'stored', 2)");
-    transfer_.msgMap[5] = {messageOf(5, 1, "from the package")};
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    storeMessages(5, {messageOf(5, 1, "from the package")});
     EXPECT_EQ("stored|2", mainRows("select body, status from im_msg_5", 2));
 }
 
 TEST_F(MessageStore, StoresOneIdInTwoConversationsTwice) {
     collect(5, {1});
-    collect(6, {1});
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    store(6, {1});
     EXPECT_EQ("1", idsIn("im_msg_5"));
     EXPECT_EQ("1", idsIn("im_msg_6"));
 }
 
 TEST_F(MessageStore, LeavesTheCollectedMessagesAsTheyAre) {
-    collect(5, {1, 2});
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    store(5, {1, 2});
     EXPECT_EQ("1 2", collectedIds(5));
 }
 
@@ -265,8 +234,7 @@ TEST_F(MessageStore, EndsAtATableThatCannotBeCreated) {
 }
 
 TEST_F(MessageStore, CannotCreateATableForANegativeConversation) {
-    collect(5, {1});
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    store(5, {1});
     collect(-5, {2});
     EXPECT_EQ(kDatabaseFailed, transfer_.wtMsgToDB());
     EXPECT_EQ("1", idsIn("im_msg_5"));
@@ -277,8 +245,7 @@ TEST_F(MessageStore, CannotCreateATableForANegativeConversation) {
 TEST_F(MessageStore, PassesOverTheMessagesOfANegativeConversationThatHasATable) {
     run(createStatement("\"im_msg_-5\""));
     collect(-5, {1});
-    collect(5, {2});
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    store(5, {2});
     EXPECT_EQ("", idsIn("\"im_msg_-5\""));
     EXPECT_EQ("2", idsIn("im_msg_5"));
     EXPECT_EQ(1, transfer_.report.messagesRefused);
@@ -294,8 +261,7 @@ TEST_F(MessageStore, CannotUseATableThatDiffersInLetterCase) {
 TEST_F(MessageStore, PassesOverMessagesThatTheTableRefuses) {
     giveTable(5);
     run("create trigger picky before insert on im_msg_5 when new.msgID = 2 begin select raise(abort, 'no'); end");
-    collect(5, {1, 2, 3});
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    store(5, {1, 2, 3});
     EXPECT_EQ("1 3", idsIn("im_msg_5"));
     EXPECT_EQ(1, transfer_.report.messagesRefused);
     EXPECT_EQ(0, transfer_.report.messagesDuplicate);
@@ -305,8 +271,7 @@ TEST_F(MessageStore, PassesOverMessagesThatTheTableRefuses) {
 TEST_F(MessageStore, PassesOverATableOfAnotherShape) {
     run("create table im_msg_5(msgID BIGINT PRIMARY KEY, body TEXT)");
     collect(5, {1, 2});
-    collect(6, {3});
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    store(6, {3});
     EXPECT_EQ("", idsIn("im_msg_5"));
     EXPECT_EQ("3", idsIn("im_msg_6"));
     EXPECT_EQ(2, transfer_.report.messagesRefused);
@@ -339,8 +304,7 @@ TEST_F(MessageStore, WritesNothingOfAConversationWhoseTransactionTheDatabaseEnds
 }
 
 TEST_F(MessageStore, WritesNothingOfAConversationThatDoesNotFitTheDisk) {
-    collect(5, {1});
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    store(5, {1});
     // The same failure as a full disk, on a connection that stays open.
     EXPECT_NE(0, transfer_.mainDb.excuteNonQuery("PRAGMA max_page_count = 40"));
     for (long long id = 1; id <= 100; ++id)
@@ -359,8 +323,7 @@ TEST_F(MessageStore, WritesNothingOfAConversationThatDoesNotFitTheDisk) {
 // --- Order of work, progress ---
 
 TEST_F(MessageStore, ReportsTheLastConversationWithTheHostsContext) {
-    for (const long long conversation : {5, 6, 7})
-        collect(conversation, {1});
+    collectInEach({5, 6, 7});
     EXPECT_EQ(0U, transfer_.wtMsgToDB());
     EXPECT_EQ(std::vector<std::string>{"1 100 3/3"}, listener_.heard);
     EXPECT_EQ(std::vector<long long>{7}, listener_.contexts);
@@ -373,8 +336,7 @@ TEST_F(MessageStore, ReportsNothingWithoutMessages) {
 
 TEST_F(MessageStore, NeedsNoListener) {
     transfer_.progressListener = nullptr;
-    collect(5, {1});
-    EXPECT_EQ(0U, transfer_.wtMsgToDB());
+    store(5, {1});
     EXPECT_EQ("1", idsIn("im_msg_5"));
 }
 
@@ -382,8 +344,7 @@ TEST_F(MessageStore, NeedsNoListener) {
 TEST_F(MessageStore, StoppedByItsListenerLosesTheOpenConversationAndKeepsThoseBefore) {
     test::StoppingListener cancel;
     transfer_.progressListener = &cancel;
-    for (const long long conversation : {5, 6, 7})
-        collect(conversation, {1});
+    collectInEach({5, 6, 7});
     EXPECT_THROW(transfer_.wtMsgToDB(), test::StoppedByHost);
     EXPECT_EQ("1", idsIn("im_msg_6"));
     EXPECT_EQ(2, transfer_.report.messagesInserted);
@@ -393,8 +354,7 @@ TEST_F(MessageStore, StoppedByItsListenerLosesTheOpenConversationAndKeepsThoseBe
 TEST_F(MessageStore, StoppedByItsListenerAndRunAgainWritesTheRest) {
     test::StoppingListener cancel;
     transfer_.progressListener = &cancel;
-    for (const long long conversation : {5, 6})
-        collect(conversation, {1});
+    collectInEach({5, 6});
     EXPECT_THROW(transfer_.wtMsgToDB(), test::StoppedByHost);
     transfer_.progressListener = nullptr;
     EXPECT_EQ(0U, transfer_.wtMsgToDB());
@@ -419,17 +379,15 @@ TEST_F(MessageStore, SucceedsWhenTheContactsCannotBeWritten) {
 
 TEST_F(MessageStore, StoresThousandsOfConversations) {
     constexpr long long kConversations = 3000;
-    for (long long conversation = 1; conversation <= kConversations; ++conversation) {
+    for (long long conversation = 1; conversation <= kConversations; ++conversation)
         transfer_.msgMap[conversation].push_back(messageOf(conversation, conversation * 10));
-    }
     // What is tested are the tables, not the disk: without waiting for it the test takes seconds instead of a minute.
     ASSERT_NE(0, transfer_.dbOpen());
     ASSERT_NE(0, transfer_.mainDb.excuteNonQuery("PRAGMA synchronous = off"));
     EXPECT_EQ(0U, transfer_.wtMsgToDB());
     EXPECT_EQ("3001", mainRows("select count(*) from sqlite_master where type = 'table'"));
-    for (const long long conversation : {1LL, 1500LL, kConversations}) {
+    for (const long long conversation : {1LL, 1500LL, kConversations})
         EXPECT_EQ(std::to_string(conversation * 10), idsIn("im_msg_" + std::to_string(conversation)));
-    }
     EXPECT_EQ(kConversations, transfer_.report.messagesInserted);
     EXPECT_EQ(0U, transfer_.wtMsgToDB());
     EXPECT_EQ(kConversations, transfer_.report.messagesDuplicate);
@@ -438,13 +396,11 @@ TEST_F(MessageStore, StoresThousandsOfConversations) {
 // --- The back database ---
 
 TEST_F(MessageStore, WritesTheSameTablesAndRowsIntoTheBackDatabase) {
-    transfer_.msgMap[9] = {fullRecord()};
+    transfer_.msgMap[9] = {fullMessage()};
     EXPECT_EQ(0U, transfer_.wtMsgToBackDB());
     EXPECT_EQ("1|2|body|3|4|5|6|7|8|9|properties|10|11|12|13;14|format|15|16|17|18;19|source||",
               backRows("select * from im_msg_9", 23));
-    std::string expected = createStatement("im_msg_9");
-    expected.replace(0, 12, "CREATE TABLE");
-    EXPECT_EQ(expected, backRows("select sql from sqlite_master where name = 'im_msg_9'"));
+    EXPECT_EQ(createdAs("im_msg_9"), backRows("select sql from sqlite_master where name = 'im_msg_9'"));
 }
 
 TEST_F(MessageStore, LeavesTheMainDatabaseAloneOnTheWayToTheBackDatabase) {
@@ -488,8 +444,7 @@ TEST_F(MessageStore, NeedsTheBackDatabase) {
 
 TEST_F(MessageStore, EndsAtATableThatTheBackDatabaseCannotCreate) {
     runSql(backPath(), {"create view im_msg_6 as select 1"});
-    for (const long long conversation : {5, 6, 7})
-        collect(conversation, {1});
+    collectInEach({5, 6, 7});
     EXPECT_EQ(kDatabaseFailed, transfer_.wtMsgToBackDB());
     EXPECT_EQ("im_msg_5", backRows(kTables));
 }

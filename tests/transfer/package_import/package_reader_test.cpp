@@ -11,11 +11,13 @@ namespace fs = std::filesystem;
 namespace test {
 namespace {
 
-constexpr unsigned kMissing = 0xff000022;
-constexpr unsigned kWrongVersion = 0xff000024;
-
 class PackageReader : public ImportFixture {
 protected:
+    /// Reads the package and gives the ids of conversation 5.
+    std::string idsRead() {
+        EXPECT_EQ(0U, transfer_.rdMsgFromFile());
+        return collectedIds(5);
+    }
     void removeFolder(const std::string& name) const { fs::remove_all(dir_.at(name)); }
 };
 
@@ -101,8 +103,7 @@ TEST_F(PackageReader, ReadsNothingWithoutFileZero) {
 TEST_F(PackageReader, StopsAtTheFirstMissingNumber) {
     writeFile(0, smallFile(5, 1));
     writeFile(2, smallFile(5, 2));
-    EXPECT_EQ(0U, transfer_.rdMsgFromFile());
-    EXPECT_EQ("1", collectedIds(5));
+    EXPECT_EQ("1", idsRead());
 }
 
 TEST_F(PackageReader, CountsTheFilesBeforeTheFirstGap) {
@@ -121,9 +122,8 @@ TEST_F(PackageReader, CountsPastNine) {
 }
 
 TEST_F(PackageReader, TakesNoNearMissOfAName) {
-    for (const char* name : {"msg_00.mg", "msg_.mg", "MSG_0.mg", "msg_0.mg ", "msg_-0.mg", "msg_0.MG"}) {
+    for (const char* name : {"msg_00.mg", "msg_.mg", "MSG_0.mg", "msg_0.mg ", "msg_-0.mg", "msg_0.MG"})
         dir_.write(messagesFolder_ + name, smallFile(5, 1));
-    }
     EXPECT_EQ(0U, transfer_.rdMsgFromFile());
     EXPECT_TRUE(transfer_.msgMap.empty());
 }
@@ -131,8 +131,7 @@ TEST_F(PackageReader, TakesNoNearMissOfAName) {
 TEST_F(PackageReader, ReadsTheFilesInTheOrderOfTheirNumbers) {
     for (int number = 11; number >= 0; --number)
         writeFile(number, smallFile(5, number));
-    EXPECT_EQ(0U, transfer_.rdMsgFromFile());
-    EXPECT_EQ("0 1 2 3 4 5 6 7 8 9 10 11", collectedIds(5));
+    EXPECT_EQ("0 1 2 3 4 5 6 7 8 9 10 11", idsRead());
 }
 
 // --- Long paths ---
@@ -159,8 +158,7 @@ TEST_F(DeepPackage, IsReadBeyondAHundredBytesWithItsProgress) {
     for (const int number : {0, 1, 2})
         write(number);
     EXPECT_EQ(3, transfer_.getMsgFileNum(dir_.at(folder_)));
-    EXPECT_EQ(0U, transfer_.rdMsgFromFile());
-    EXPECT_EQ("0 1 2", collectedIds(5));
+    EXPECT_EQ("0 1 2", idsRead());
     EXPECT_EQ(std::vector<std::string>{"2 100 3/3"}, listener_.heard);
 }
 
@@ -168,8 +166,7 @@ TEST_F(DeepPackage, IsReadUpTo259Bytes) {
     makeWithPathLength(259);
     write(0);
     EXPECT_EQ(1, transfer_.getMsgFileNum(dir_.at(folder_)));
-    EXPECT_EQ(0U, transfer_.rdMsgFromFile());
-    EXPECT_EQ("0", collectedIds(5));
+    EXPECT_EQ("0", idsRead());
 }
 
 TEST_F(DeepPackage, CountsAsWithoutFilesFrom260BytesOn) {
@@ -185,8 +182,7 @@ TEST_F(DeepPackage, EndsWhereTheNumberMakesThePathTooLong) {
     makeWithPathLength(259);
     for (int number = 0; number < 12; ++number)
         write(number);
-    EXPECT_EQ(0U, transfer_.rdMsgFromFile());
-    EXPECT_EQ("0 1 2 3 4 5 6 7 8 9", collectedIds(5));
+    EXPECT_EQ("0 1 2 3 4 5 6 7 8 9", idsRead());
     EXPECT_EQ(std::vector<std::string>{"2 100 10/10"}, listener_.heard);
 }
 
@@ -227,8 +223,7 @@ TEST_F(PackageReader, ComparesVersionsWithCase) {
 TEST_F(PackageReader, TakesAnEmptyVersionForAnEmptyVersion) {
     transfer_.packageVersion.clear();
     writeFile(0, fileOfVersion(R"("")", 1));
-    EXPECT_EQ(0U, transfer_.rdMsgFromFile());
-    EXPECT_EQ("1", collectedIds(5));
+    EXPECT_EQ("1", idsRead());
 }
 
 TEST_F(PackageReader, TellsAMissingVersionFromAnEmptyOne) {
@@ -255,8 +250,7 @@ TEST_F(PackageReader, ReadsTheRecentContactsToo) {
 TEST_F(PackageReader, KeepsEarlierContactsWhenThePackageHasNone) {
     transfer_.reContacts.push_back(contactOf(9, 1, 0));
     writeFile(0, smallFile(5, 1));
-    EXPECT_EQ(0U, transfer_.rdMsgFromFile());
-    EXPECT_EQ("1", collectedIds(5));
+    EXPECT_EQ("1", idsRead());
     EXPECT_EQ(1U, transfer_.reContacts.size());
 }
 
@@ -286,8 +280,7 @@ TEST_F(PackageReader, PassesOverFilesThatAreNoObjectOrHaveNoDays) {
     for (const std::string& file : bad)
         writeFile(number++, file);
     writeFile(number, smallFile(5, 1));
-    EXPECT_EQ(0U, transfer_.rdMsgFromFile());
-    EXPECT_EQ("1", collectedIds(5));
+    EXPECT_EQ("1", idsRead());
     EXPECT_EQ(static_cast<long long>(bad.size()), transfer_.report.skippedCount);
 }
 
@@ -315,23 +308,20 @@ TEST_F(PackageReader, PassesOverDaysAndMessagesThatAreNoObjects) {
 TEST_F(PackageReader, GroupsByConversationInFileOrder) {
     writeFile(0, fileJson(dayJson(messageJson(5, 3) + "," + messageJson(6, 2)) + "," + dayJson(messageJson(5, 1))));
     writeFile(1, smallFile(5, 2));
-    EXPECT_EQ(0U, transfer_.rdMsgFromFile());
-    EXPECT_EQ("3 1 2", collectedIds(5));
+    EXPECT_EQ("3 1 2", idsRead());
     EXPECT_EQ("2", collectedIds(6));
     EXPECT_EQ(4, transfer_.report.messagesRead);
 }
 
 TEST_F(PackageReader, KeepsMessagesOfTheSameId) {
     writeFile(0, fileJson(dayJson(messageJson(5, 1) + "," + messageJson(5, 1))));
-    EXPECT_EQ(0U, transfer_.rdMsgFromFile());
-    EXPECT_EQ("1 1", collectedIds(5));
+    EXPECT_EQ("1 1", idsRead());
 }
 
 TEST_F(PackageReader, AddsToWhatAnEarlierReadLeft) {
     writeFile(0, fileJson(dayJson(messageJson(5, 1) + "," + messageJson(5, 2))));
     EXPECT_EQ(0U, transfer_.rdMsgFromFile());
-    EXPECT_EQ(0U, transfer_.rdMsgFromFile());
-    EXPECT_EQ("1 2 1 2", collectedIds(5));
+    EXPECT_EQ("1 2 1 2", idsRead());
 }
 
 TEST_F(PackageReader, TakesConversationZeroForAMessageWithoutOne) {
@@ -399,8 +389,7 @@ TEST_F(PackageReader, ReportsTheLastFileWithTheHostsContext) {
 TEST_F(PackageReader, CountsAnUnreadableFirstFileInTheTotal) {
     writeFile(0, "not JSON");
     writeFile(1, smallFile(5, 1));
-    EXPECT_EQ(0U, transfer_.rdMsgFromFile());
-    EXPECT_EQ("1", collectedIds(5));
+    EXPECT_EQ("1", idsRead());
     EXPECT_EQ(Heard{"2 100 2/2"}, listener_.heard);
 }
 
@@ -458,8 +447,7 @@ TEST_F(PackageReader, ReadsFilesBeyondTheCountedOnesAndReportsThemAfterHalfASeco
         std::this_thread::sleep_for(std::chrono::milliseconds(520));
     });
     transfer_.progressListener = &listener;
-    EXPECT_EQ(0U, transfer_.rdMsgFromFile());
-    EXPECT_EQ("1 2", collectedIds(5));
+    EXPECT_EQ("1 2", idsRead());
     EXPECT_EQ((Heard{"2 100 1/1", "2 200 2/1"}), listener.heard);
 }
 
@@ -467,8 +455,7 @@ TEST_F(PackageReader, ReportsNotTwiceWithinHalfASecond) {
     writeFile(0, smallFile(5, 1));
     ActingListener listener([this] { writeFile(1, smallFile(5, 2)); });
     transfer_.progressListener = &listener;
-    EXPECT_EQ(0U, transfer_.rdMsgFromFile());
-    EXPECT_EQ("1 2", collectedIds(5));
+    EXPECT_EQ("1 2", idsRead());
     EXPECT_EQ(Heard{"2 100 1/1"}, listener.heard);
 }
 

@@ -13,10 +13,6 @@ namespace {
 
 using imsdk::st_dbReContactBean;
 
-constexpr unsigned kNotJson = 0xff000021;
-constexpr unsigned kMissing = 0xff000022;
-constexpr unsigned kWrongVersion = 0xff000024;
-
 constexpr long long kMost = std::numeric_limits<long long>::max();
 constexpr long long kLeast = std::numeric_limits<long long>::min();
 constexpr int kMostInt = std::numeric_limits<int>::max();
@@ -40,17 +36,14 @@ protected:
     }
     void keepEarlier() { transfer_.reContacts = {contactOf(9, 1, 0)}; }
     std::string targets() const {
-        std::string text;
-        for (const st_dbReContactBean& contact : transfer_.reContacts)
-            text += std::to_string(contact.targetID) + " ";
-        return text;
+        return listed(transfer_.reContacts, " ", [](const auto& one) { return std::to_string(one.targetID); });
     }
 };
 
 TEST_F(RecentContactFile, LeavesTheContactsAloneWhenItIsMissing) {
     keepEarlier();
     EXPECT_EQ(kMissing, read());
-    EXPECT_EQ("9 ", targets());
+    EXPECT_EQ("9", targets());
 }
 
 TEST_F(RecentContactFile, EmptiesTheContactsOnceItIsThere) {
@@ -73,9 +66,8 @@ TEST_F(RecentContactFile, NeedsAVersion) {
 }
 
 TEST_F(RecentContactFile, ComparesVersionsByteForByte) {
-    for (const char* version : {R"("1.0 ")", R"("1")", R"("1.00")", "1.0", "null", R"(["1.0"])"}) {
+    for (const char* version : {R"("1.0 ")", R"("1")", R"("1.00")", "1.0", "null", R"(["1.0"])"})
         EXPECT_EQ(kWrongVersion, readText(std::string(R"({"recontact":[],"version":)") + version + "}")) << version;
-    }
 }
 
 TEST_F(RecentContactFile, IsOfAnotherVersionWhenItIsJsonButNoObject) {
@@ -100,9 +92,8 @@ TEST_F(RecentContactFile, MayBeAFifoWithoutBlocking) {
 
 TEST_F(RecentContactFile, IsNotJsonWhereverItIsCut) {
     const std::string whole = contactsJson(R"({"targetID":5,"name":"n"})");
-    for (std::size_t length = 0; length < whole.size(); ++length) {
+    for (std::size_t length = 0; length < whole.size(); ++length)
         EXPECT_EQ(kNotJson, readText(whole.substr(0, length))) << length;
-    }
 }
 
 TEST_F(RecentContactFile, IsNotJsonAt3000Levels) {
@@ -120,37 +111,26 @@ TEST_F(RecentContactFile, HoldsNoContactsWithoutItsList) {
 
 TEST_F(RecentContactFile, IsReadInItsOrderWithDuplicates) {
     EXPECT_EQ(0U, readText(contactsJson(R"({"targetID":7},{"targetID":5},{"targetID":7})")));
-    EXPECT_EQ("7 5 7 ", targets());
+    EXPECT_EQ("7 5 7", targets());
 }
 
 TEST_F(RecentContactFile, ReplacesWhatWasReadBefore) {
     EXPECT_EQ(0U, readText(contactsJson(R"({"targetID":7})")));
     EXPECT_EQ(0U, readText(contactsJson(R"({"targetID":5})")));
-    EXPECT_EQ("5 ", targets());
+    EXPECT_EQ("5", targets());
 }
 
 TEST_F(RecentContactFile, PassesOverElementsThatAreNoObjects) {
     EXPECT_EQ(0U, readText(contactsJson(R"(null,5,"x",[],{"targetID":5})")));
-    EXPECT_EQ("5 ", targets());
+    EXPECT_EQ("5", targets());
 }
 
 TEST_F(RecentContactFile, FillsAContactKeyByKey) {
     EXPECT_EQ(0U, readText(contactsJson(
-                      R"({"targetID":11,"lastMsgid":12,"time":13,"type":14,"top":4,"wherefrom":"w","msgType":15,)"
-                      R"("activeType":16,"lastMsg":"m","msgProp":"p","name":"n","securityLevel":17})")));
-    st_dbReContactBean expected;
-    expected.targetID = 11;
-    expected.lastMsgid = 12;
-    expected.time = 13;
-    expected.type = 14;
-    expected.top = 4;
-    expected.wherefrom = "w";
-    expected.msgType = 15;
-    expected.activeType = 16;
-    expected.lastMsg = "m";
-    expected.msgProp = "p";
-    expected.name = "n";
-    expected.securityLevel = 17;
+                      R"({"targetID":5,"lastMsgid":2,"time":3,"type":-4,"top":4,"wherefrom":"where","msgType":300,)"
+                      R"("activeType":6,"lastMsg":"last/","msgProp":"prop","name":"name","securityLevel":8})")));
+    st_dbReContactBean expected = fullContact();
+    expected.sendUserID = 0;  // no package carries it
     ASSERT_EQ(1U, transfer_.reContacts.size());
     EXPECT_EQ(describe(expected), describe(transfer_.reContacts[0]));
 }
@@ -175,17 +155,15 @@ struct NumberCase {
 TEST_F(RecentContactFile, TurnsATopOf1IntoThePin) {
     constexpr NumberCase cases[] = {{"0", 0}, {"1", 4},   {"2", 2},   {"3", 3},   {"4", 4},
                                     {"5", 5}, {"-1", -1}, {"1.9", 4}, {"257", 4}, {"0.5", 0}};
-    for (const NumberCase& value : cases) {
+    for (const NumberCase& value : cases)
         EXPECT_EQ(value.expected, static_cast<int>(withKey("top", value.json).top)) << value.json;
-    }
 }
 
 TEST_F(RecentContactFile, CutsTypesToTheirLow8Bits) {
     constexpr NumberCase cases[] = {{"127", 127}, {"128", -128}, {"255", -1},   {"300", 44},  {"-129", 127},
                                     {"1e-5", 0},  {"7.9", 7},    {"1e300", -1}, {"-1e300", 0}};
-    for (const NumberCase& value : cases) {
+    for (const NumberCase& value : cases)
         EXPECT_EQ(value.expected, static_cast<int>(withKey("type", value.json).type)) << value.json;
-    }
 }
 
 TEST_F(RecentContactFile, KeepsIdsExactlyAndBoundsThem) {
@@ -216,14 +194,12 @@ TEST_F(RecentContactFile, BoundsNumbersOutsideTheirRange) {
 TEST_F(RecentContactFile, HasDefaultsForValuesOfAnotherType) {
     const std::string defaults = describe(st_dbReContactBean());
     for (const char* key : {"targetID", "lastMsgid", "time", "type", "top", "msgType", "activeType", "securityLevel"}) {
-        for (const char* json : {"null", "true", R"("5")", "[5]", "{}"}) {
+        for (const char* json : {"null", "true", R"("5")", "[5]", "{}"})
             EXPECT_EQ(defaults, describe(withKey(key, json))) << key << " " << json;
-        }
     }
     for (const char* key : {"wherefrom", "lastMsg", "msgProp", "name"}) {
-        for (const char* json : {"null", "true", "5", R"(["x"])", "{}"}) {
+        for (const char* json : {"null", "true", "5", R"(["x"])", "{}"})
             EXPECT_EQ(defaults, describe(withKey(key, json))) << key << " " << json;
-        }
     }
 }
 

@@ -7,31 +7,11 @@
 namespace test {
 namespace {
 
-constexpr unsigned kDatabaseFailed = 0xff00001f;
-
 std::string createStatement(const std::string& table = "im_reContact") {
     return "create table " + table + "(targetID BIGINT PRIMARY KEY,lastMsgid BIGINT,time BIGINT,type TINYINT," +
            std::string(20, ' ') +
            "top TINYINT,wherefrom VARCHAR(256),msgType TINYINT,activeType INTEGER,lastMsg VARCHAR(8000),msgProp "
            "VARCHAR(1024),name VARCHAR(128),sendUserID BIGINT,securityLevel INTEGER)";
-}
-
-imsdk::st_dbReContactBean fullContact() {
-    imsdk::st_dbReContactBean contact;
-    contact.targetID = 5;
-    contact.name = "name";
-    contact.lastMsgid = 2;
-    contact.time = 3;
-    contact.type = -4;
-    contact.top = 1;
-    contact.msgType = 300;
-    contact.activeType = 6;
-    contact.wherefrom = "where";
-    contact.lastMsg = "last";
-    contact.msgProp = "prop";
-    contact.sendUserID = 99;
-    contact.securityLevel = 8;
-    return contact;
 }
 
 class RecentContactRestore : public ImportFixture {
@@ -47,6 +27,10 @@ protected:
     std::string stored() const { return mainRows("select * from im_reContact", 13); }
     static std::string storedRow(long long time, int top) {
         return "5|50|" + std::to_string(time) + "|1|" + std::to_string(top) + "|w|2|3|old|p|stored|77|9";
+    }
+    void restore(const std::vector<imsdk::st_dbReContactBean>& contacts) {
+        transfer_.reContacts = contacts;
+        EXPECT_EQ(0U, transfer_.wtRecontactToDb());
     }
     int merge(const imsdk::st_dbReContactBean& contact) {
         record_ = contact;
@@ -110,9 +94,8 @@ TEST_F(RecentContactRestore, FailsOnAConnectionThatIsNotOpen) {
 // --- New contacts ---
 
 TEST_F(RecentContactRestore, InsertsEveryFieldButTheSender) {
-    transfer_.reContacts = {fullContact()};
-    EXPECT_EQ(0U, transfer_.wtRecontactToDb());
-    EXPECT_EQ("5|2|3|-4|1|where|300|6|last|prop|name||8", stored());
+    restore({fullContact()});
+    EXPECT_EQ("5|2|3|-4|4|where|300|6|last/|prop|name||8", stored());
     EXPECT_EQ("null", mainRows("select typeof(sendUserID) from im_reContact"));
     EXPECT_EQ(1, transfer_.report.contactsInserted);
 }
@@ -125,16 +108,14 @@ TEST_F(RecentContactRestore, GivesTheInsertsResult) {
 }
 
 TEST_F(RecentContactRestore, InsertsTheContactsInOrderAndTheirDuplicatesOnce) {
-    transfer_.reContacts = {contactOf(7, 1, 0), contactOf(5, 2, 0), contactOf(7, 9, 0)};
-    EXPECT_EQ(0U, transfer_.wtRecontactToDb());
+    restore({contactOf(7, 1, 0), contactOf(5, 2, 0), contactOf(7, 9, 0)});
     EXPECT_EQ("7|1\n5|2", mainRows("select targetID, time from im_reContact order by rowid", 2));
 }
 
 TEST_F(RecentContactRestore, InsertsTheLimitsOfItsNumbersAndEmptyTexts) {
     imsdk::st_dbReContactBean contact = contactOf(std::numeric_limits<long long>::min(), -1, -128);
     contact.lastMsgid = std::numeric_limits<long long>::max();
-    transfer_.reContacts = {contact};
-    EXPECT_EQ(0U, transfer_.wtRecontactToDb());
+    restore({contact});
     EXPECT_EQ("-9223372036854775808|9223372036854775807|-1|-128|text",
               mainRows("select targetID, lastMsgid, time, top, typeof(name) from im_reContact", 5));
     EXPECT_EQ(0U, transfer_.wtRecontactToDb());
@@ -144,8 +125,7 @@ TEST_F(RecentContactRestore, InsertsTheLimitsOfItsNumbersAndEmptyTexts) {
 TEST_F(RecentContactRestore, InsertsTextsThatLookLikeSqlAsTheyAre) {
     imsdk::st_dbReContactBean contact = contactOf(5, 1, 0);
     contact.name = "'); drop table im_reContact; -- ?";
-    transfer_.reContacts = {contact};
-    EXPECT_EQ(0U, transfer_.wtRecontactToDb());
+    restore({contact});
     EXPECT_EQ(contact.name, mainRows("select name from im_reContact"));
 }
 
@@ -153,8 +133,7 @@ TEST_F(RecentContactRestore, GoesOnAfterAContactThatTheTableRefuses) {
     EXPECT_EQ(0U, transfer_.wtRecontactToDb());
     runSql(mainPath(), {"create trigger picky before insert on im_reContact when new.targetID = 6 begin select "
                         "raise(abort, 'no'); end"});
-    transfer_.reContacts = {contactOf(5, 1, 0), contactOf(6, 1, 0), contactOf(7, 1, 0)};
-    EXPECT_EQ(0U, transfer_.wtRecontactToDb());
+    restore({contactOf(5, 1, 0), contactOf(6, 1, 0), contactOf(7, 1, 0)});
     EXPECT_EQ("5\n7", mainRows("select targetID from im_reContact order by targetID"));
 }
 
@@ -197,8 +176,7 @@ TEST_F(RecentContactRestore, SetsThePinInTheRecordToo) {
 
 TEST_F(RecentContactRestore, SetsThePinInTheCollectedContacts) {
     store(200, 4);
-    transfer_.reContacts = {contactOf(5, 100, 0)};
-    EXPECT_EQ(0U, transfer_.wtRecontactToDb());
+    restore({contactOf(5, 100, 0)});
     EXPECT_EQ(4, transfer_.reContacts[0].top);
 }
 
@@ -239,8 +217,7 @@ TEST_F(RecentContactRestore, TakesANullTimeAndTopForZero) {
 
 TEST_F(RecentContactRestore, GoesOnAfterTheUpdateThatFails) {
     store(100, 0);
-    transfer_.reContacts = {contactOf(5, 200, 0), contactOf(6, 1, 0)};
-    EXPECT_EQ(0U, transfer_.wtRecontactToDb());
+    restore({contactOf(5, 200, 0), contactOf(6, 1, 0)});
     EXPECT_EQ(storedRow(100, 0), mainRows("select * from im_reContact where targetID = 5", 13));
     EXPECT_EQ("1", mainRows("select count(*) from im_reContact where targetID = 6"));
 }
@@ -256,8 +233,7 @@ TEST_F(RecentContactRestore, WritesAllContactsInOneTransaction) {
 }
 
 TEST_F(RecentContactRestore, ChangesNothingTheSecondTime) {
-    transfer_.reContacts = {contactOf(5, 1, 4), contactOf(6, 2, 0)};
-    EXPECT_EQ(0U, transfer_.wtRecontactToDb());
+    restore({contactOf(5, 1, 4), contactOf(6, 2, 0)});
     const std::string once = stored();
     EXPECT_EQ(0U, transfer_.wtRecontactToDb());
     EXPECT_EQ(once, stored());

@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "tests/support/database.h"
+#include "tests/support/listed.h"
 #include "tests/support/temp_dir.h"
 #include "transfer/dbTrans.h"
-#include "transfer/tables/message_table.h"
 #include "transfer/tables/recent_contact_table.h"
 
 #include <gtest/gtest.h>
@@ -34,16 +34,7 @@ Row contactRow() {
 }
 
 std::string insertStatement(const std::string& table, const Row& row) {
-    std::string values;
-    for (const auto& [column, literal] : row)
-        values += (values.empty() ? "" : ",") + literal;
-    return "insert into " + table + " values(" + values + ")";
-}
-
-std::string createMessageTable(long long conversation) {
-    return tools::FixedText<1024>(chattransfer::kCreateMessageTable,
-                                  chattransfer::messageTableName(conversation).text())
-        .text();
+    return "insert into " + table + " values(" + listed(row, ",", [](const auto& one) { return one.second; }) + ")";
 }
 
 // Two accounts and the package between them.
@@ -56,7 +47,7 @@ public:
             for (const char* folder : {"audio", "file", "image"})
                 dir.makeDir(std::string(account) + "/" + folder);
         }
-        runSql(mainPath("from"), {chattransfer::kCreateRecentContactTable, createMessageTable(5)});
+        runSql(mainPath("from"), {chattransfer::kCreateRecentContactTable, createMessageTable("im_msg_5")});
         dir.makeDir("backup");
     }
 
@@ -238,8 +229,8 @@ class RoundTrip : public testing::Test {
 protected:
     // Several hundred messages over two years in each conversation, 300 of them on one day.
     RoundTrip() {
-        accounts_.store(createMessageTable(6));
-        accounts_.store(createMessageTable(1234567890123));
+        accounts_.store(createMessageTable("im_msg_6"));
+        accounts_.store(createMessageTable("im_msg_1234567890123"));
         for (const long long conversation : kConversations) {
             const std::string target = std::to_string(conversation);
             fill(target, 400, "2019 + x % 2, 1 + x % 12, 1 + x % 28");
@@ -381,9 +372,8 @@ TEST_F(RoundTrip, BringsThePackedLayoutWithoutContacts) {
     ASSERT_EQ(0U, transfer.rdMsgFromDB2(2019, 1, 1));
     ASSERT_EQ(0U, transfer.wtMsgToFile2());
     accounts_.importTo("to");
-    for (const char* table : {"im_msg_5", "im_msg_6", "im_msg_1234567890123"}) {
+    for (const char* table : {"im_msg_5", "im_msg_6", "im_msg_1234567890123"})
         EXPECT_EQ(expectedRows("from", table), rows("to", table)) << table;
-    }
     EXPECT_EQ("", contacts("to"));
 }
 

@@ -1,7 +1,4 @@
 // importFile2 and importFile3: the attachments that a message body or a note names go into the user's folders.
-#include <sys/stat.h>
-
-#include <cstdlib>
 #include <filesystem>
 
 #include "host/tools.h"
@@ -315,37 +312,8 @@ TEST_F(TreeAttachments, OfVoiceAndFilesStayWhenTheirFolderIsMissing) {
     EXPECT_EQ(1, report().attachmentsFailed);
 }
 
-// A folder on another file system than the one of TempDir; empty when this machine has none.
-class OtherFileSystem {
-public:
-    explicit OtherFileSystem(const std::string& than) {
-        struct stat here {};
-        struct stat there {};
-        std::string pattern = "/dev/shm/ct-XXXXXX";
-        if (mkdtemp(pattern.data()) == nullptr) return;
-        path_ = pattern;
-        stat(than.c_str(), &here);
-        stat(path_.c_str(), &there);
-        differs_ = here.st_dev != there.st_dev;
-    }
-    ~OtherFileSystem() {
-        std::error_code ignored;
-        if (!path_.empty()) fs::remove_all(path_, ignored);
-    }
-    OtherFileSystem(const OtherFileSystem&) = delete;
-    OtherFileSystem& operator=(const OtherFileSystem&) = delete;
-    OtherFileSystem(OtherFileSystem&&) = delete;
-    OtherFileSystem& operator=(OtherFileSystem&&) = delete;
-
-    std::string path() const { return differs_ ? path_ : ""; }
-
-private:
-    std::string path_;
-    bool differs_ = false;
-};
-
 TEST_F(TreeAttachments, MoveAcrossFileSystems) {
-    const OtherFileSystem other(home.path());
+    const test::OtherFileSystem other(home.path());
     if (other.path().empty()) GTEST_SKIP() << "this machine has one file system only";
     transfer.userAudioDir = other.path();
     transfer.userImageDir = other.path() + "/images/";

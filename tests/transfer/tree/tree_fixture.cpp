@@ -1,23 +1,19 @@
 #include "tests/transfer/tree/tree_fixture.h"
 
-#include <sys/stat.h>
-
 #include <array>
 #include <filesystem>
 
 #include "host/CAES.h"
 #include "tests/support/json_text.h"
+#include "tests/support/listed.h"
 
 namespace fs = std::filesystem;
 
 namespace test {
 namespace {
 
-std::string joined(const std::vector<std::string>& elements) {
-    std::string text;
-    for (const std::string& element : elements)
-        text += (text.empty() ? "" : ",") + element;
-    return "[" + text + "]";
+std::string array(const std::vector<std::string>& elements) {
+    return "[" + listed(elements, ",") + "]";
 }
 
 }  // namespace
@@ -39,12 +35,12 @@ std::string messageWithBody(long long id, int type, const std::string& body) {
 }
 
 std::string messageFile(const std::vector<std::string>& messages, const std::string& version) {
-    return recordFile("msgs", {R"({"date": {"year": 2021, "month": 5, "day": 9}, "msgs": )" + joined(messages) + "}"},
+    return recordFile("msgs", {R"({"date": {"year": 2021, "month": 5, "day": 9}, "msgs": )" + array(messages) + "}"},
                       version);
 }
 
 std::string recordFile(const std::string& key, const std::vector<std::string>& records, const std::string& version) {
-    return R"({"version": )" + quoted(version) + R"(, ")" + key + R"(": )" + joined(records) + "}";
+    return R"({"version": )" + quoted(version) + R"(, ")" + key + R"(": )" + array(records) + "}";
 }
 
 TreeTest::TreeTest() {
@@ -132,16 +128,6 @@ WorkingFolder::WorkingFolder(const std::string& path) : before_(fs::current_path
 WorkingFolder::~WorkingFolder() {
     std::error_code ignored;
     fs::current_path(before_, ignored);
-}
-
-void makeLink(const std::string& target, const std::string& path) {
-    fs::create_directories(fs::path(path).parent_path());
-    fs::create_symlink(target, path);
-}
-
-void makeFifo(const std::string& path) {
-    fs::create_directories(fs::path(path).parent_path());
-    ASSERT_EQ(0, mkfifo(path.c_str(), 0600)) << path;
 }
 
 }  // namespace test

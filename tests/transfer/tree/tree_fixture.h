@@ -6,8 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/codes.h"
 #include "tests/support/database.h"
 #include "tests/support/listener.h"
+#include "tests/support/posix_helpers.h"
 #include "tests/support/temp_dir.h"
 #include "transfer/dbTrans.h"
 
@@ -28,10 +30,7 @@ std::string messageFile(const std::vector<std::string>& messages, const std::str
 std::string recordFile(const std::string& key, const std::vector<std::string>& records,
                        const std::string& version = kVersion);
 
-/// The codes as the operations' int.
-inline constexpr unsigned kDatabaseFailed = 0xff00001f;
-inline constexpr unsigned kMissing = 0xff000022;
-inline constexpr unsigned kWrongVersion = 0xff000024;
+/// The code that an operation gave as an int.
 inline unsigned code(int result) {
     return static_cast<unsigned>(result);
 }
@@ -87,14 +86,9 @@ public:
     ~WorkingFolder();
     WorkingFolder(const WorkingFolder&) = delete;
     WorkingFolder& operator=(const WorkingFolder&) = delete;
-    WorkingFolder(WorkingFolder&&) = delete;
-    WorkingFolder& operator=(WorkingFolder&&) = delete;
 
 private:
     std::string before_;
 };
-
-void makeLink(const std::string& target, const std::string& path);
-void makeFifo(const std::string& path);
 
 }  // namespace test

@@ -22,6 +22,10 @@ protected:
     std::string tables() {
         return main("select name from sqlite_master where type='table' and name like 'im_msg%' order by name");
     }
+    std::string idsAfterImport() {
+        EXPECT_EQ(0U, import());
+        return ids("im_msg_2002");
+    }
     // Imports a file of one message of conversation 2002.
     void importMessage(const std::string& object) {
         addDecrypted("2002/x.mg", messageFile({object}));
@@ -143,9 +147,8 @@ TEST_F(TreeMessageImport, FilesOfOneConversationShareATable) {
 }
 
 TEST_F(TreeMessageImport, ReturnsToATableThatItHasLeft) {
-    for (int i = 0; i < 30; ++i) {
+    for (int i = 0; i < 30; ++i)
         addDecrypted(std::to_string(i) + "/chat_" + std::to_string(2000 + i % 3) + "/x.mg", messageFile({message(i)}));
-    }
     import();
     EXPECT_EQ("im_msg_2000\nim_msg_2001\nim_msg_2002", tables());
     EXPECT_EQ("10|10|10",
@@ -237,8 +240,7 @@ TEST_F(TreeMessageImport, ToleratesAPathThatIsListedTwice) {
     makeMainDatabase();
     addDecrypted("2002/x.mg", messageFile({message(1)}));
     addEncrypted("2002/x.mg", messageFile({message(1), message(2)}));
-    EXPECT_EQ(0U, import());
-    EXPECT_EQ("1\n2", ids("im_msg_2002"));
+    EXPECT_EQ("1\n2", idsAfterImport());
     EXPECT_EQ((std::vector<std::string>{"1 50 50/100", "1 90 90/100"}), listener.heard);
 }
 
@@ -248,8 +250,7 @@ TEST_F(TreeMessageImport, SkipsAFileThatIsNotJson) {
     addDecrypted("2002/x.mg", R"({"version": )");
     addDecrypted("2002/y.mg", "");
     addDecrypted("2002/z.mg", messageFile({message(1)}));
-    EXPECT_EQ(0U, import());
-    EXPECT_EQ("1", ids("im_msg_2002"));
+    EXPECT_EQ("1", idsAfterImport());
     EXPECT_EQ("is not JSON", skipReason("2002/x.mg.decrypt"));
     EXPECT_EQ("is not JSON", skipReason("2002/y.mg.decrypt"));
 }
@@ -258,8 +259,7 @@ TEST_F(TreeMessageImport, SkipsWhatIsNoRegularFile) {
     const std::string outside = home.write("outside", messageFile({message(1)}));
     test::makeLink(outside, tree("2002/link.mg.decrypt"));
     test::makeFifo(tree("2002/fifo.mg.decrypt"));
-    EXPECT_EQ(0U, import());
-    EXPECT_EQ("", ids("im_msg_2002"));
+    EXPECT_EQ("", idsAfterImport());
     EXPECT_EQ("is not a regular file", skipReason("link.mg.decrypt"));
     EXPECT_EQ("is not a regular file", skipReason("fifo.mg.decrypt"));
 }
@@ -370,8 +370,7 @@ TEST_F(TreeMessageImport, RefusesAFileWithoutTheExpectedVersion) {
 TEST_F(TreeMessageImport, AcceptsAnEmptyVersionWhenThatIsTheExpectedOne) {
     transfer.packageVersion = "";
     addDecrypted("2002/x.mg", messageFile({message(1)}, ""));
-    EXPECT_EQ(0U, import());
-    EXPECT_EQ("1", ids("im_msg_2002"));
+    EXPECT_EQ("1", idsAfterImport());
 }
 
 TEST_F(TreeMessageImport, KeepsWhatStoodBeforeAFileOfAnotherVersion) {
@@ -431,8 +430,7 @@ TEST_F(TreeMessageImport, ReadsAnEncryptedTreeIntoAKeyedDatabase) {
     makeMainDatabase();
     addEncrypted("2002/x.mg", messageFile({message(1)}));
     addEncrypted("3003/x.mg", messageFile({message(2)}));
-    EXPECT_EQ(0U, import());
-    EXPECT_EQ("1", ids("im_msg_2002"));
+    EXPECT_EQ("1", idsAfterImport());
     EXPECT_EQ("2", ids("im_msg_3003"));
     EXPECT_EQ("x.mg.decrypt", test::listing(tree("2002")));
 }
@@ -467,8 +465,7 @@ TEST_F(TreeMessageImport, MovesNothingWhileAnotherConnectionHoldsTheLock) {
     EXPECT_TRUE(exists(tree("imfiles/a.amr")));
     EXPECT_EQ("", tables());
     EXPECT_EQ(0, transfer.report.messagesInserted);
-    EXPECT_EQ(0U, import());
-    EXPECT_EQ("1", ids("im_msg_2002"));
+    EXPECT_EQ("1", idsAfterImport());
 }
 
 TEST_F(TreeMessageImport, CountsNoRowsOfATransactionThatWasLost) {

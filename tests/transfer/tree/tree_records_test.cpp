@@ -181,9 +181,8 @@ TEST_F(TreeRecords, NotesBringTheFilesOfEveryTypeThatCarriesThem) {
                                                     {28, R"({"nine": [{"mainUrl": "e", "thumbUrl": "f"}]})"},
                                                     {89, R"({"preImgUrl": "g", "fileUrl": "h"})"}};
     std::vector<std::string> notes;
-    for (const auto& [type, content] : contents) {
+    for (const auto& [type, content] : contents)
         notes.push_back(R"({"type": )" + std::to_string(type) + R"(, "content": )" + test::quoted(content) + "}");
-    }
     for (const char* name : {"a", "b", "c", "d", "e", "f", "g", "h"})
         addAttachment(name, name);
     addDecrypted("x.nt", recordFile("note", notes));

@@ -1,6 +1,5 @@
 // getfiles, getsubdirs, getTargetIDFromePath, unixdel_dir: finding and decrypting the files of a tree.
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -136,9 +135,8 @@ TEST_F(TreeWalk, DecryptsAFileWhoseWholeNameIsTheExtension) {
 TEST_F(TreeWalk, FindsNothingForAnExtensionThatIsNotThreeBytesLong) {
     addEncrypted("7/x.mg", "secret");
     addDecrypted("7/y.mg", "text");
-    for (const char* extension : {"", ".", ".m", ".mgx", "x.mg", "a very long extension"}) {
+    for (const char* extension : {"", ".", ".m", ".mgx", "x.mg", "a very long extension"})
         EXPECT_EQ(Paths{}, walk(extension)) << extension;
-    }
     EXPECT_EQ("x.mg y.mg.decrypt", test::listing(tree("7")));
 }
 
@@ -229,31 +227,12 @@ TEST_F(TreeWalk, GoesDepthFirstInTheOrderOfTheSystem) {
     EXPECT_EQ(expected, found);
 }
 
-// Lowers the number of files that the process may have open at a time.
-class FewFiles {
-public:
-    explicit FewFiles(rlim_t count) {
-        getrlimit(RLIMIT_NOFILE, &before_);
-        rlimit few = before_;
-        few.rlim_cur = count;
-        setrlimit(RLIMIT_NOFILE, &few);
-    }
-    ~FewFiles() { setrlimit(RLIMIT_NOFILE, &before_); }
-    FewFiles(const FewFiles&) = delete;
-    FewFiles& operator=(const FewFiles&) = delete;
-    FewFiles(FewFiles&&) = delete;
-    FewFiles& operator=(FewFiles&&) = delete;
-
-private:
-    rlimit before_{};
-};
-
 TEST_F(TreeWalk, GoesDownAnyDepthWithFewOpenFiles) {
     std::string deep;
     for (int i = 0; i < 500; ++i)
         deep += "d/";
     addDecrypted(deep + "x.mg", "text");
-    const FewFiles limit(32);
+    const test::OpenFileLimit limit(32);
     EXPECT_EQ(Paths{deep + "x.mg.decrypt"}, walk());
 }
 

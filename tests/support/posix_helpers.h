@@ -1,4 +1,4 @@
-// Places and limits of the operating system that the tests of the file utilities need.
+// Places and limits of the operating system.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -8,20 +8,23 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
 
 namespace test {
 
-/// A symbolic link at `path`; gives `path`.
+/// A symbolic link at `path`, missing folders included; gives `path`.
 inline std::string makeLink(const std::string& target, const std::string& path) {
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
     std::filesystem::create_symlink(target, path);
     return path;
 }
 
-/// A FIFO that nobody writes to: opening it the plain way would wait for ever.
+/// A FIFO that nobody writes to, missing folders included: opening it the plain way would wait for ever.
 inline std::string makeFifo(const std::string& path) {
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
     if (mkfifo(path.c_str(), 0600) != 0) throw std::runtime_error("cannot make a FIFO at " + path);
     return path;
 }
@@ -33,8 +36,6 @@ public:
     ~NoUmask() { umask(before_); }
     NoUmask(const NoUmask&) = delete;
     NoUmask& operator=(const NoUmask&) = delete;
-    NoUmask(NoUmask&&) = delete;
-    NoUmask& operator=(NoUmask&&) = delete;
 
 private:
     mode_t before_;
@@ -54,12 +55,53 @@ public:
     }
     FileSizeLimit(const FileSizeLimit&) = delete;
     FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    FileSizeLimit(FileSizeLimit&&) = delete;
-    FileSizeLimit& operator=(FileSizeLimit&&) = delete;
 
 private:
     rlimit before_{};
     void (*signalBefore_)(int);
+};
+
+/// The process may have only so many files open at a time.
+class OpenFileLimit {
+public:
+    explicit OpenFileLimit(rlim_t count) {
+        getrlimit(RLIMIT_NOFILE, &before_);
+        const rlimit limit{count, before_.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
+    ~OpenFileLimit() { setrlimit(RLIMIT_NOFILE, &before_); }
+    OpenFileLimit(const OpenFileLimit&) = delete;
+    OpenFileLimit& operator=(const OpenFileLimit&) = delete;
+
+private:
+    rlimit before_{};
+};
+
+/// A folder on another file system than the one of TempDir; empty when this machine has none.
+class OtherFileSystem {
+public:
+    explicit OtherFileSystem(const std::string& than) {
+        struct stat here {};
+        struct stat there {};
+        std::string pattern = "/dev/shm/ct-XXXXXX";
+        if (mkdtemp(pattern.data()) == nullptr) return;
+        path_ = pattern;
+        stat(than.c_str(), &here);
+        stat(path_.c_str(), &there);
+        differs_ = here.st_dev != there.st_dev;
+    }
+    ~OtherFileSystem() {
+        std::error_code ignored;
+        if (!path_.empty()) std::filesystem::remove_all(path_, ignored);
+    }
+    OtherFileSystem(const OtherFileSystem&) = delete;
+    OtherFileSystem& operator=(const OtherFileSystem&) = delete;
+
+    std::string path() const { return differs_ ? path_ : ""; }
+
+private:
+    std::string path_;
+    bool differs_ = false;
 };
 
 /// Permissions count: a test that runs as root gives its rights up for a while.
@@ -76,8 +118,6 @@ public:
     }
     OrdinaryUser(const OrdinaryUser&) = delete;
     OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-    OrdinaryUser(OrdinaryUser&&) = delete;
-    OrdinaryUser& operator=(OrdinaryUser&&) = delete;
 
 private:
     bool root_;
