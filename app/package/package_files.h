@@ -38,8 +38,8 @@ struct PackageFacts {
 /// Calls take(message) for every message, file by file.
 PackageFacts readPackage(const PackagePlace& place, const std::function<void(PackageMessage)>& take);
 
-/// Throws Failure when the package's first message file has another version: better before
-/// anything is made than half way through an import. The other files are left to the import.
+/// Throws Failure when the package's first message file has another version: better before anything is made than half
+/// way through an import. The other files are left to the import.
 void requireVersion(const PackagePlace& place, const std::string& version);
 
 /// Message files with a number after one that is missing.
