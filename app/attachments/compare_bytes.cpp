@@ -8,6 +8,7 @@
 #include "host/files/file_handle.h"
 
 namespace app {
+
 Bytes compareBytes(const std::string& one, const std::string& other) {
     const tools::detail::FileHandle first = tools::detail::openRegularFile(AT_FDCWD, one.c_str(), false);
     const tools::detail::FileHandle second = tools::detail::openRegularFile(AT_FDCWD, other.c_str(), false);

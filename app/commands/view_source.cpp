@@ -20,10 +20,10 @@
 namespace app {
 namespace {
 
-view::FileKind kindOf(std::string_view accountFolder) {
-    if (accountFolder == chattransfer::kImageFolder) return view::FileKind::picture;
-    if (accountFolder == chattransfer::kAudioFolder) return view::FileKind::voice;
-    return accountFolder == chattransfer::kVideoFolder ? view::FileKind::video : view::FileKind::file;
+view::MediaKind kindOf(std::string_view accountFolder) {
+    if (accountFolder == chattransfer::kImageFolder) return view::MediaKind::picture;
+    if (accountFolder == chattransfer::kAudioFolder) return view::MediaKind::voice;
+    return accountFolder == chattransfer::kVideoFolder ? view::MediaKind::video : view::MediaKind::file;
 }
 
 view::NamedFile namedFile(AttachmentFile file) {

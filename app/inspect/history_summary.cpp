@@ -7,7 +7,7 @@ namespace app {
 void HistorySummary::add(long long conversation, const imsdk::st_dbMessageBean& message) {
     const CivilDay day{message.year_, message.mon, message.day_};
     const auto [found, isNew] = conversations.try_emplace(conversation);
-    Conversation& counts = found->second;
+    ConversationSummary& counts = found->second;
     if (isNew) counts.first = counts.last = day;
     counts.first = std::min(counts.first, day);
     counts.last = std::max(counts.last, day);

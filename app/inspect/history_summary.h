@@ -13,7 +13,7 @@
 namespace app {
 
 struct HistorySummary {
-    struct Conversation {
+    struct ConversationSummary {
         std::string name;  ///< from the recent contacts; empty when they do not know it
         long long messages = 0;
         std::map<int, long long> byType;
@@ -23,7 +23,7 @@ struct HistorySummary {
 
     long long messages = 0;
     std::map<int, long long> byType;
-    std::map<long long, Conversation> conversations;
+    std::map<long long, ConversationSummary> conversations;
 
     /// Counts a message of the conversation.
     void add(long long conversation, const imsdk::st_dbMessageBean& message);

@@ -9,10 +9,12 @@ namespace app {
 namespace {
 
 struct ById {
-    static long long idOf(const PackageIndex::Entry& entry) { return asPackaged(entry.message.record.msgID); }
-    bool operator()(const PackageIndex::Entry& a, const PackageIndex::Entry& b) const { return idOf(a) < idOf(b); }
-    bool operator()(const PackageIndex::Entry& a, long long id) const { return idOf(a) < id; }
-    bool operator()(long long id, const PackageIndex::Entry& b) const { return id < idOf(b); }
+    static long long idOf(const PackageIndex::PackagedMessage& entry) { return asPackaged(entry.message.record.msgID); }
+    bool operator()(const PackageIndex::PackagedMessage& a, const PackageIndex::PackagedMessage& b) const {
+        return idOf(a) < idOf(b);
+    }
+    bool operator()(const PackageIndex::PackagedMessage& a, long long id) const { return idOf(a) < id; }
+    bool operator()(long long id, const PackageIndex::PackagedMessage& b) const { return id < idOf(b); }
 };
 
 }  // namespace
@@ -27,8 +29,8 @@ void PackageIndex::sort() {
         std::stable_sort(entries.begin(), entries.end(), ById());
 }
 
-std::vector<PackageIndex::Entry*> PackageIndex::candidates(const imsdk::st_dbMessageBean& row) {
-    std::vector<Entry*> found;
+std::vector<PackageIndex::PackagedMessage*> PackageIndex::candidates(const imsdk::st_dbMessageBean& row) {
+    std::vector<PackagedMessage*> found;
     const auto conversation = conversations_.find(asPackaged(row.targetID));
     if (conversation == conversations_.end()) return found;
     Entries& entries = conversation->second;
@@ -41,7 +43,7 @@ std::vector<PackageIndex::Entry*> PackageIndex::candidates(const imsdk::st_dbMes
 bool PackageIndex::idIsTaken(const Entries& entries, const PackageMessage& message) {
     const auto [first, last] =
         std::equal_range(entries.begin(), entries.end(), asPackaged(message.record.msgID), ById());
-    return std::any_of(first, last, [](const Entry& entry) { return entry.matched; });
+    return std::any_of(first, last, [](const PackagedMessage& entry) { return entry.matched; });
 }
 
 }  // namespace app

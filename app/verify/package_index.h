@@ -10,7 +10,7 @@ namespace app {
 
 class PackageIndex {
 public:
-    struct Entry {
+    struct PackagedMessage {
         PackageMessage message;
         bool matched = false;  ///< the account has it
     };
@@ -21,21 +21,21 @@ public:
     void sort();
 
     /// The messages with the id of `row` in the conversation of `row`, both as a package holds them.
-    std::vector<Entry*> candidates(const imsdk::st_dbMessageBean& row);
+    std::vector<PackagedMessage*> candidates(const imsdk::st_dbMessageBean& row);
 
     /// Calls visit(entry, idIsTaken) for each message that nothing matched; idIsTaken says that one with the same id
     /// was.
     template <class Visit>
     void forEachUnmatched(Visit visit) {
         for (const auto& [targetID, entries] : conversations_) {
-            for (const Entry& entry : entries) {
+            for (const PackagedMessage& entry : entries) {
                 if (!entry.matched) visit(entry.message, idIsTaken(entries, entry.message));
             }
         }
     }
 
 private:
-    using Entries = std::vector<Entry>;
+    using Entries = std::vector<PackagedMessage>;
 
     static bool idIsTaken(const Entries& entries, const PackageMessage& message);
 

@@ -114,10 +114,10 @@ void Verification::compareTable(const std::string& table) {
 void Verification::compareRow(const st_dbMessageBean& row) {
     ++counts_.accountMessages;
     if (settings_.direction != Direction::imported) forEachPackageFile(row.body, row.msgType, attachments_.adder());
-    const std::vector<PackageIndex::Entry*> candidates = index_.candidates(row);
+    const std::vector<PackageIndex::PackagedMessage*> candidates = index_.candidates(row);
     Comparison best;
-    PackageIndex::Entry* match = nullptr;
-    for (PackageIndex::Entry* candidate : candidates) {
+    PackageIndex::PackagedMessage* match = nullptr;
+    for (PackageIndex::PackagedMessage* candidate : candidates) {
         Comparison comparison = compareMessages(row, candidate->message, settings_.direction);
         const bool fits = comparison.differing.empty();
         if (match != nullptr && !fits) continue;

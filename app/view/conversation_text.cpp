@@ -8,15 +8,15 @@
 namespace app::view {
 namespace {
 
-constexpr const char* kindText(FileKind kind) {
+constexpr const char* kindText(MediaKind kind) {
     switch (kind) {
-        case FileKind::picture:
+        case MediaKind::picture:
             return "Picture";
-        case FileKind::voice:
+        case MediaKind::voice:
             return "Voice message";
-        case FileKind::video:
+        case MediaKind::video:
             return "Video";
-        case FileKind::file:
+        case MediaKind::file:
             break;
     }
     return "File";
@@ -25,7 +25,7 @@ constexpr const char* kindText(FileKind kind) {
 // A name says something only where people chose it.
 std::string fileText(const NamedFile& file) {
     std::string text = kindText(file.kind);
-    if (file.kind == FileKind::file) text += ": " + shownLine(file.shownName);
+    if (file.kind == MediaKind::file) text += ": " + shownLine(file.shownName);
     return text;
 }
 

@@ -31,11 +31,11 @@ struct Contact {
     bool pinned = false;
 };
 
-enum class FileKind { picture, voice, video, file };
+enum class MediaKind { picture, voice, video, file };
 
 /// A file that a message names.
 struct NamedFile {
-    FileKind kind;
+    MediaKind kind;
     bool isPreview;         ///< a smaller picture of the file before it, or the still of the video behind it
     std::string source;     ///< path below the attachments of the package or tree
     std::string shownName;  ///< what people know it as

@@ -71,10 +71,10 @@ public:
     void add() {
         for (std::size_t i = 0; i < files_.size(); ++i) {
             const bool followed = i + 1 < files_.size();
-            if (files_[i].kind == FileKind::picture && !files_[i].isPreview && followed && files_[i + 1].isPreview) {
+            if (files_[i].kind == MediaKind::picture && !files_[i].isPreview && followed && files_[i + 1].isPreview) {
                 addPictureOrPreview(files_[i], files_[i + 1]);
                 ++i;
-            } else if (files_[i].isPreview && followed && files_[i + 1].kind == FileKind::video) {
+            } else if (files_[i].isPreview && followed && files_[i + 1].kind == MediaKind::video) {
                 addOne(files_[i + 1], media_.copyOf(files_[i]));
                 ++i;
             } else {
@@ -96,11 +96,11 @@ private:
     void addCopy(const NamedFile& file, const std::string& copy, const std::string& still) {
         if (copy.empty()) {
             addMissing(page_, file);
-        } else if (file.kind == FileKind::picture) {
+        } else if (file.kind == MediaKind::picture) {
             addPicture(page_, copy, sender_);
-        } else if (file.kind == FileKind::voice) {
+        } else if (file.kind == MediaKind::voice) {
             addVoice(page_, file, copy);
-        } else if (file.kind == FileKind::video) {
+        } else if (file.kind == MediaKind::video) {
             addVideo(page_, file, copy, still);
         } else {
             addFileLink(page_, file, copy);
