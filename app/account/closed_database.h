@@ -17,10 +17,10 @@ enum class FileLook {
     encrypted,  ///< whole pages of what looks like noise
     foreign     ///< neither of them: no database
 };
-FileLook lookAt(const std::string& databasePath);
+[[nodiscard]] FileLook lookAt(const std::string& databasePath);
 
 /// The words for a database that `db` has just failed to open.
-FailureWords wordsForClosed(const imsdk::dbUtils& db, const std::string& path, bool withKey);
+[[nodiscard]] FailureWords wordsForClosed(const imsdk::dbUtils& db, const std::string& path, bool withKey);
 
 /// Takes the write lock of the open database and lets it go again: what cannot be written to should be known before the
 /// first file is. Throws a Failure that says why it cannot.

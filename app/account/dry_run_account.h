@@ -14,7 +14,7 @@ public:
     /// Copies the databases that `real` has; what it lacks is made in the copy only.
     DryRunAccount(const Account& real, const std::string& key);
 
-    const Account& account() const { return copy_; }
+    [[nodiscard]] const Account& account() const { return copy_; }
 
 private:
     void copyDatabase(const std::string& from, const std::string& to, const std::string& key) const;

@@ -9,9 +9,9 @@ namespace app {
 enum class KeyPurpose { unlock, choose };
 
 /// True when there is a terminal to ask on.
-bool canAskForKey();
+[[nodiscard]] bool canAskForKey();
 
 /// Throws Failure when there is no terminal, the prompt is cancelled, or the two texts differ.
-SecretText askForKey(KeyPurpose purpose);
+[[nodiscard]] SecretText askForKey(KeyPurpose purpose);
 
 }  // namespace app

@@ -10,7 +10,7 @@ namespace app {
 
 /// Makes what the account lacks: its folders, for their owner only, and its databases, encrypted when there is a key.
 /// What is there stays as it is. Returns the paths of the databases made. Throws Failure.
-std::vector<std::string> makeMissingParts(const Account& account, const std::string& key);
+[[nodiscard]] std::vector<std::string> makeMissingParts(const Account& account, const std::string& key);
 
 /// The same, with a printed line for each database made, so that nobody takes a new database for the one that the
 /// client uses. Throws Failure.

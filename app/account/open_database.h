@@ -7,7 +7,7 @@
 namespace app {
 
 /// The connection of that database.
-inline imsdk::dbUtils& connection(dbTrans& transfer, Database which) {
+[[nodiscard]] inline imsdk::dbUtils& connection(dbTrans& transfer, Database which) {
     return which == Database::main ? transfer.mainDb : transfer.backDb;
 }
 

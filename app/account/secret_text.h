@@ -24,8 +24,8 @@ public:
         return *this;
     }
 
-    bool empty() const { return text_.empty(); }
-    const std::string& text() const { return text_; }
+    [[nodiscard]] bool empty() const { return text_.empty(); }
+    [[nodiscard]] const std::string& text() const { return text_; }
 
 private:
     // A short text lies inside the string object: after the exchange its bytes are still in the other one.

@@ -43,8 +43,8 @@ struct AttachmentCounts {
     long long onlyInAccount = 0;
     long long both = 0;
 
-    long long inSource() const { return onlyInSource + both; }
-    long long inAccount() const { return onlyInAccount + both; }
+    [[nodiscard]] long long inSource() const { return onlyInSource + both; }
+    [[nodiscard]] long long inAccount() const { return onlyInAccount + both; }
 };
 
 /// A set of attachments, each once.
@@ -57,34 +57,34 @@ public:
     void add(AttachmentFile file);
 
     /// A function that adds what it is called with.
-    auto adder() {
+    [[nodiscard]] auto adder() {
         return [this](AttachmentFile file) { add(std::move(file)); };
     }
 
     /// Calls visit(file, place) for each attachment.
     template <class Visit>
-    AttachmentCounts forEach(Visit visit) const {
+    [[nodiscard]] AttachmentCounts forEach(Visit visit) const {
         AttachmentCounts counts;
         for (const AttachmentFile& file : files_)
             visit(file, countedPlace(file, counts));
         return counts;
     }
 
-    AttachmentCounts count() const;
+    [[nodiscard]] AttachmentCounts count() const;
 
     /// Holds the two copies of a file that is on both sides against each other.
-    Bytes compareCopies(const AttachmentFile& file) const;
+    [[nodiscard]] Bytes compareCopies(const AttachmentFile& file) const;
 
     /// True when another attachment has the same path in the source, or the same name in the account.
-    bool sharesSource(const AttachmentFile& file) const { return usesOfSource_.at(file.source) > 1; }
-    bool sharesAccountName(const AttachmentFile& file) const {
+    [[nodiscard]] bool sharesSource(const AttachmentFile& file) const { return usesOfSource_.at(file.source) > 1; }
+    [[nodiscard]] bool sharesAccountName(const AttachmentFile& file) const {
         return usesOfAccountName_.at(file.folder + file.accountName) > 1;
     }
 
 private:
-    AttachmentPlace placeOf(const AttachmentFile& file) const;
-    AttachmentPlace countedPlace(const AttachmentFile& file, AttachmentCounts& counts) const;
-    std::string accountPathOf(const AttachmentFile& file) const;
+    [[nodiscard]] AttachmentPlace placeOf(const AttachmentFile& file) const;
+    [[nodiscard]] AttachmentPlace countedPlace(const AttachmentFile& file, AttachmentCounts& counts) const;
+    [[nodiscard]] std::string accountPathOf(const AttachmentFile& file) const;
 
     std::string sourceFolder_;
     std::string accountRoot_;

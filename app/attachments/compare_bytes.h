@@ -7,6 +7,6 @@ namespace app {
 enum class Bytes { equal, different, unreadable };
 
 /// Holds the bytes of two regular files against each other.
-Bytes compareBytes(const std::string& one, const std::string& other);
+[[nodiscard]] Bytes compareBytes(const std::string& one, const std::string& other);
 
 }  // namespace app

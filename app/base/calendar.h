@@ -16,12 +16,12 @@ bool operator<(const CivilDay& a, const CivilDay& b);
 bool operator==(const CivilDay& a, const CivilDay& b);
 
 /// The calendar day with the number `days`.
-CivilDay civilDay(long long days);
+[[nodiscard]] CivilDay civilDay(long long days);
 
 /// The day as "2024-06-30".
-std::string dayText(const CivilDay& day);
+[[nodiscard]] std::string dayText(const CivilDay& day);
 
 /// 28 to 31.
-int daysOfMonth(int year, int month);
+[[nodiscard]] int daysOfMonth(int year, int month);
 
 }  // namespace app

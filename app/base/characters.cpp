@@ -26,7 +26,7 @@ Character nextCharacter(std::string_view& text) {
 std::string cutShort(std::string text, std::size_t most, std::string_view ending) {
     std::string_view rest = text;
     for (std::size_t count = 0; count < most && !rest.empty(); ++count)
-        nextCharacter(rest);
+        static_cast<void>(nextCharacter(rest));  // passed over
     if (rest.empty()) return text;
     return text.replace(text.size() - rest.size(), rest.size(), ending);
 }

@@ -8,7 +8,7 @@
 namespace app {
 
 /// A result code as users see it, for example "0xff00001f".
-std::string hexCode(unsigned int code);
+[[nodiscard]] std::string hexCode(unsigned int code);
 
 /// The words of one failure. Paths and reasons may come from foreign data: they are made printable when shown.
 struct FailureWords {
@@ -23,7 +23,7 @@ class Failure : public std::runtime_error {
 public:
     explicit Failure(FailureWords words) : std::runtime_error(words.what), words_(std::move(words)) {}
 
-    const FailureWords& words() const { return words_; }
+    [[nodiscard]] const FailureWords& words() const { return words_; }
 
 private:
     FailureWords words_;
@@ -35,7 +35,7 @@ void printFailure(std::ostream& out, const FailureWords& words);
 void warn(const std::string& text);
 
 /// The system's words for an errno value.
-std::string systemWords(int error);
+[[nodiscard]] std::string systemWords(int error);
 
 /// What to do where something cannot be written.
 inline constexpr const char* kCheckThePlace = "check that the place can be written to and is not full";

@@ -11,7 +11,7 @@ namespace app {
 /// What is shown for a file that says none.
 inline constexpr const char* kNoVersion = "(none)";
 
-inline std::string versionOf(const JSON_Object* file) {
+[[nodiscard]] inline std::string versionOf(const JSON_Object* file) {
     const char* version = json_object_get_string(file, chattransfer::kVersionKey);
     return version != nullptr ? std::string(version, json_object_get_string_len(file, chattransfer::kVersionKey))
                               : kNoVersion;

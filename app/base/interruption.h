@@ -38,6 +38,6 @@ public:
 void interruptible(const std::function<void()>& work, const std::function<FailureWords()>& words);
 
 /// The words of work that leaves nothing behind when it is left.
-FailureWords wordsForNothingDone();
+[[nodiscard]] FailureWords wordsForNothingDone();
 
 }  // namespace app

@@ -13,14 +13,14 @@ void set(JSON_Object* object, const char* key, long long number);
 void set(JSON_Object* object, const char* key, const std::string& text);
 
 /// What is added belongs to the object or array.
-JSON_Object* addObject(JSON_Object* object, const char* key);
-JSON_Array* addArray(JSON_Object* object, const char* key);
-JSON_Object* appendObject(JSON_Array* array);
+[[nodiscard]] JSON_Object* addObject(JSON_Object* object, const char* key);
+[[nodiscard]] JSON_Array* addArray(JSON_Object* object, const char* key);
+[[nodiscard]] JSON_Object* appendObject(JSON_Array* array);
 void appendText(JSON_Array* array, const std::string& text);
 
-std::string textOf(const tools::JsonDocument& document);
+[[nodiscard]] std::string textOf(const tools::JsonDocument& document);
 
 /// For people: in lines.
-std::string prettyTextOf(const tools::JsonDocument& document);
+[[nodiscard]] std::string prettyTextOf(const tools::JsonDocument& document);
 
 }  // namespace app

@@ -8,21 +8,21 @@ namespace app {
 
 /// The absolute path with links and ".." resolved as far as it exists, without a "/" at its end. Commands change their
 /// working directory, and the name of a folder is looked at.
-inline std::filesystem::path resolvedPath(const std::string& given) {
+[[nodiscard]] inline std::filesystem::path resolvedPath(const std::string& given) {
     const std::filesystem::path path = std::filesystem::weakly_canonical(std::filesystem::absolute(given));
     return path.has_filename() || !path.has_relative_path() ? path : path.parent_path();
 }
 
 /// True for a folder, also behind a link.
-bool isFolder(const std::filesystem::path& path);
+[[nodiscard]] bool isFolder(const std::filesystem::path& path);
 
 /// The folders directly in `folder`, by name, as "a, b, ..."; empty when there is none.
-std::string foldersIn(const std::filesystem::path& folder);
+[[nodiscard]] std::string foldersIn(const std::filesystem::path& folder);
 
 /// What stands behind the last "/" of the path: all of it when there is none, nothing when it ends in one.
-std::string lastComponent(const std::string& path);
+[[nodiscard]] std::string lastComponent(const std::string& path);
 
 /// The bytes of all regular files below `folder`; what cannot be read counts for nothing.
-unsigned long long sizeOfFolder(const std::string& folder);
+[[nodiscard]] unsigned long long sizeOfFolder(const std::string& folder);
 
 }  // namespace app

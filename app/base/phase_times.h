@@ -29,7 +29,7 @@ public:
         open_ = false;
     }
 
-    const std::vector<Phase>& phases() const { return phases_; }
+    [[nodiscard]] const std::vector<Phase>& phases() const { return phases_; }
 
 private:
     std::vector<Phase> phases_;

@@ -6,6 +6,6 @@ namespace app {
 inline constexpr const char* kProgramName = "chat-transfer";
 
 /// The version of this build, such as "1.2.3".
-const char* programVersion();
+[[nodiscard]] const char* programVersion();
 
 }  // namespace app

@@ -45,7 +45,7 @@ public:
 private:
     void enter(const std::string& phase);
     void advance(int percent);
-    std::string remaining() const;
+    [[nodiscard]] std::string remaining() const;
     void draw(const std::string& text);
     void print(const std::string& text);
 

@@ -7,7 +7,9 @@ namespace app {
 /// Measures from its construction.
 class Stopwatch {
 public:
-    double seconds() const { return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count(); }
+    [[nodiscard]] double seconds() const {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+    }
 
 private:
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();

@@ -20,7 +20,7 @@ public:
     void print(std::ostream& out) const;
 
 private:
-    std::size_t widthOf(std::size_t column) const;
+    [[nodiscard]] std::size_t widthOf(std::size_t column) const;
 
     std::vector<Align> columns_;
     std::vector<std::vector<std::string>> rows_;

@@ -22,7 +22,7 @@ public:
     /// do with attachments. Throws Failure.
     ImportTarget(const Account& account, dbTrans& transfer, bool dryRun);
 
-    const Account& account() const { return copy_ ? copy_->account() : account_; }
+    [[nodiscard]] const Account& account() const { return copy_ ? copy_->account() : account_; }
 
 private:
     const Account& account_;
@@ -37,7 +37,7 @@ public:
     /// Failure.
     ImportSource(const TreePlace& tree, const std::string& user, dbTrans& transfer, bool dryRun);
 
-    const TreePlace& place() const { return copy_ ? copy_->place() : tree_; }
+    [[nodiscard]] const TreePlace& place() const { return copy_ ? copy_->place() : tree_; }
 
     /// Once the files are decrypted: makes those of a copy count as those of the tree would.
     void settle(TreeImportFiles& files) const;
@@ -48,9 +48,9 @@ private:
 };
 
 /// The line above the summary: what was written to, or would be.
-std::string importedInto(const std::string& database, bool dryRun);
+[[nodiscard]] std::string importedInto(const std::string& database, bool dryRun);
 
 /// What an interrupted import ends with. `written`: what it has written so far; a dry run has written nothing.
-FailureWords wordsForInterruptedImport(const std::string& written, bool dryRun);
+[[nodiscard]] FailureWords wordsForInterruptedImport(const std::string& written, bool dryRun);
 
 }  // namespace app

@@ -137,7 +137,7 @@ int runSample(const SampleOptions& options, RunReport& run) {
     const SecretText key = findKey(options.key, account);
     dbTrans transfer;
     transfer.dbKey = key.text();
-    makeMissingParts(account, key.text());
+    static_cast<void>(makeMissingParts(account, key.text()));  // all of them
     openDatabase(transfer, account, Database::main);
 
     ProgressBar progress(run.phases);

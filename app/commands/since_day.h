@@ -11,10 +11,10 @@ struct SinceDay {
     std::string text;  ///< "YYYY-MM-DD" or empty
 
     /// Without a text, a day that lies before every message, those of the year 0 included.
-    CivilDay day() const;
+    [[nodiscard]] CivilDay day() const;
 };
 
 /// Why `text` names no day; empty when it does.
-std::string faultOfDay(const std::string& text);
+[[nodiscard]] std::string faultOfDay(const std::string& text);
 
 }  // namespace app

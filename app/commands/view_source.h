@@ -20,9 +20,9 @@ struct ViewSource {
 };
 
 /// Reads a package. Throws Failure when there is something, and nothing of it can be read.
-ViewSource readPackageForView(const PackagePlace& place, const std::string& user);
+[[nodiscard]] ViewSource readPackageForView(const PackagePlace& place, const std::string& user);
 
 /// Reads a tree. Throws Failure when it has encrypted files and `key` is empty, or when nothing of it can be read.
-ViewSource readTreeForView(const TreeSource& tree, const std::string& key);
+[[nodiscard]] ViewSource readTreeForView(const TreeSource& tree, const std::string& key);
 
 }  // namespace app

@@ -32,7 +32,7 @@ struct HistorySummary {
     void addNames(const std::vector<imsdk::st_dbReContactBean>& contacts);
 
     /// The first and the last day; none without messages.
-    std::optional<std::pair<CivilDay, CivilDay>> days() const;
+    [[nodiscard]] std::optional<std::pair<CivilDay, CivilDay>> days() const;
 };
 
 }  // namespace app

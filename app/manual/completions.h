@@ -8,8 +8,8 @@
 
 namespace app {
 
-std::string bashCompletion(const std::string& program, const std::vector<DescribedCommand>& commands);
-std::string zshCompletion(const std::string& program, const std::vector<DescribedCommand>& commands);
-std::string fishCompletion(const std::string& program, const std::vector<DescribedCommand>& commands);
+[[nodiscard]] std::string bashCompletion(const std::string& program, const std::vector<DescribedCommand>& commands);
+[[nodiscard]] std::string zshCompletion(const std::string& program, const std::vector<DescribedCommand>& commands);
+[[nodiscard]] std::string fishCompletion(const std::string& program, const std::vector<DescribedCommand>& commands);
 
 }  // namespace app

@@ -19,7 +19,7 @@ struct DescribedOption {
     bool required = false;
 
     /// The values that can be chosen from, when `value` lists them: "days" and "packed" of "days|packed".
-    std::vector<std::string> choices() const;
+    [[nodiscard]] std::vector<std::string> choices() const;
 };
 
 struct DescribedCommand {
@@ -30,6 +30,6 @@ struct DescribedCommand {
 };
 
 /// The subcommands of a program, in the order of its help.
-std::vector<DescribedCommand> describe(const CLI::App& program);
+[[nodiscard]] std::vector<DescribedCommand> describe(const CLI::App& program);
 
 }  // namespace app

@@ -16,6 +16,6 @@ struct ManualHead {
     std::string notes;  ///< lines that stay as they are: examples, exit codes
 };
 
-std::string manualPage(const ManualHead& head, const std::vector<DescribedCommand>& commands);
+[[nodiscard]] std::string manualPage(const ManualHead& head, const std::vector<DescribedCommand>& commands);
 
 }  // namespace app

@@ -14,17 +14,17 @@ enum class Layout { days, packed };
 void requireWholeSelection(const TransferReport& report, const std::string& database);
 
 /// Messages without a year: a selection by day never matches them.
-long long countUndated(dbTrans& transfer);
+[[nodiscard]] long long countUndated(dbTrans& transfer);
 
 /// How many of the selected messages the layout puts into files: all of them for `days`; for `packed` what follows the
 /// last full file inside the last day is left out.
-long long expectedMessages(const dbTrans& transfer, Layout layout);
+[[nodiscard]] long long expectedMessages(const dbTrans& transfer, Layout layout);
 
 /// True when all expected messages and, for `days`, all recent contacts stand in the package.
-bool holdsAll(const dbTrans& transfer, Layout layout);
+[[nodiscard]] bool holdsAll(const dbTrans& transfer, Layout layout);
 
 /// Attachments that could not be copied, without images that have no folder in their name: those have no place in a
 /// package.
-long long unexpectedlyFailedAttachments(const dbTrans& transfer);
+[[nodiscard]] long long unexpectedlyFailedAttachments(const dbTrans& transfer);
 
 }  // namespace app

@@ -15,14 +15,14 @@ struct ExportSize {
     unsigned long long messageBytes = 0;
     unsigned long long attachmentBytes = 0;
 
-    unsigned long long bytes() const { return messageBytes + attachmentBytes; }
+    [[nodiscard]] unsigned long long bytes() const { return messageBytes + attachmentBytes; }
 };
 
 /// Of the messages that `transfer` has selected.
-ExportSize sizeOfExport(const dbTrans& transfer, const Account& account);
+[[nodiscard]] ExportSize sizeOfExport(const dbTrans& transfer, const Account& account);
 
 /// "20,000 messages and 382 attachments, about 21.0 MB".
-std::string inWords(const ExportSize& size);
+[[nodiscard]] std::string inWords(const ExportSize& size);
 
 /// Throws a Failure when the file system of `folder` has no room for the package.
 void requireRoom(const ExportSize& size, const std::string& folder);

@@ -36,16 +36,17 @@ struct PackageFacts {
 };
 
 /// Calls take(message) for every message, file by file.
-PackageFacts readPackage(const PackagePlace& place, const std::function<void(PackageMessage)>& take);
+[[nodiscard]] PackageFacts readPackage(const PackagePlace& place, const std::function<void(PackageMessage)>& take);
 
 /// Throws Failure when the package's first message file has another version: better before anything is made than half
 /// way through an import. The other files are left to the import.
 void requireVersion(const PackagePlace& place, const std::string& version);
 
 /// Message files with a number after one that is missing.
-long long countFilesBehindGap(const PackagePlace& place);
+[[nodiscard]] long long countFilesBehindGap(const PackagePlace& place);
 
 /// How many files of the package an import could not read; `report` and `folder` are its report and message folder.
-long long countUnreadableFiles(const PackagePlace& place, const TransferReport& report, const std::string& folder);
+[[nodiscard]] long long countUnreadableFiles(const PackagePlace& place, const TransferReport& report,
+                                             const std::string& folder);
 
 }  // namespace app

@@ -14,10 +14,10 @@ class Account {
 public:
     explicit Account(const std::string& folder);
 
-    const std::string& root() const { return root_; }
-    std::string database(Database which) const;
-    std::string pluginDatabase() const;
-    std::vector<std::string> databases() const;
+    [[nodiscard]] const std::string& root() const { return root_; }
+    [[nodiscard]] std::string database(Database which) const;
+    [[nodiscard]] std::string pluginDatabase() const;
+    [[nodiscard]] std::vector<std::string> databases() const;
 
 private:
     std::string root_;
@@ -25,6 +25,6 @@ private:
 
 /// Whether the database may be made. A link that leads nowhere is the user's (the disk that it leads to may be away),
 /// and where nobody can look there may be a database already.
-bool isFree(const std::string& database);
+[[nodiscard]] bool isFree(const std::string& database);
 
 }  // namespace app

@@ -32,7 +32,7 @@ struct StagedThing {
 };
 
 /// The tree that encrypt-tree and decrypt-tree make.
-StagedThing stagedTree();
+[[nodiscard]] StagedThing stagedTree();
 
 /// A hidden folder beside the final one, which gets its name only when everything is whole and on the disk. It goes
 /// when this object does; a crash leaves it at most, and the next one of its name in the same place removes it.
@@ -48,10 +48,10 @@ public:
     FolderStaging& operator=(FolderStaging&&) = delete;
 
     /// The hidden folder, ending in "/".
-    std::string folder() const { return hidden_ + "/"; }
+    [[nodiscard]] std::string folder() const { return hidden_ + "/"; }
     /// The folder that is to hold the target.
-    const std::string& place() const { return place_; }
-    const std::string& target() const { return target_; }
+    [[nodiscard]] const std::string& place() const { return place_; }
+    [[nodiscard]] const std::string& target() const { return target_; }
 
     /// Makes the hidden folder the working directory: paths below it stay short, however long the target's path is.
     void enter() const;

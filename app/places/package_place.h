@@ -11,11 +11,11 @@ struct PackagePlace {
     std::string messages;     ///< the user's message folder, ending in "/"
     std::string attachments;  ///< the user's attachment folder, ending in "/"
 
-    std::string root() const;  ///< qelmsg_0 itself, without a "/" at its end
+    [[nodiscard]] std::string root() const;  ///< qelmsg_0 itself, without a "/" at its end
 };
 
 /// `folder` is the folder that holds qelmsg_0, or qelmsg_0 itself. Throws a Failure that lists the users of the package
 /// when this one has no folder in it.
-PackagePlace findPackage(const std::string& folder, const std::string& user);
+[[nodiscard]] PackagePlace findPackage(const std::string& folder, const std::string& user);
 
 }  // namespace app

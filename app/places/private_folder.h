@@ -15,7 +15,7 @@ public:
     PrivateFolder(PrivateFolder&&) = delete;
     PrivateFolder& operator=(PrivateFolder&&) = delete;
 
-    const std::string& path() const { return path_; }
+    [[nodiscard]] const std::string& path() const { return path_; }
 
 private:
     std::string path_;

@@ -12,10 +12,10 @@ struct TreePlace {
 };
 
 /// The folder that a tree of this user has below `folder`, whether it is there or not.
-std::string treeFolderIn(const std::string& folder, const std::string& user);
+[[nodiscard]] std::string treeFolderIn(const std::string& folder, const std::string& user);
 
 /// `folder` is the folder that holds qelbackup, or qelbackup itself. Throws a Failure that says what was looked for and
 /// lists the users whose trees are there instead.
-TreePlace findTree(const std::string& folder, const std::string& user);
+[[nodiscard]] TreePlace findTree(const std::string& folder, const std::string& user);
 
 }  // namespace app

@@ -15,9 +15,9 @@ inline constexpr long long kNamedAtMost = 20;
 void printLeftOut(const TransferReport& report, std::ostream& out);
 
 /// True for a left-out attachment; false for files, tables and records of a package or account.
-bool isAttachment(const TransferReport::Skipped& skipped);
+[[nodiscard]] bool isAttachment(const TransferReport::Skipped& skipped);
 
 /// The first left-out thing other than an attachment, with its reason; empty when there is none.
-std::string firstReasonBesideAttachments(const TransferReport& report);
+[[nodiscard]] std::string firstReasonBesideAttachments(const TransferReport& report);
 
 }  // namespace app

@@ -5,8 +5,8 @@
 
 namespace app {
 
-long long refusedContacts(const dbTrans& transfer);
-long long refusedNotes(const dbTrans& transfer);
-long long refusedRooms(const dbTrans& transfer);
+[[nodiscard]] long long refusedContacts(const dbTrans& transfer);
+[[nodiscard]] long long refusedNotes(const dbTrans& transfer);
+[[nodiscard]] long long refusedRooms(const dbTrans& transfer);
 
 }  // namespace app

@@ -35,7 +35,7 @@ public:
     std::vector<Finding> changedByRule;
 
     /// Seconds since the beginning of the run.
-    double seconds() const { return watch_.seconds(); }
+    [[nodiscard]] double seconds() const { return watch_.seconds(); }
 
     /// Prints the table that ends a command's output, below a line that says what was done.
     void printSummary(const std::string& heading) const;
@@ -44,7 +44,7 @@ public:
     void warn(const std::string& text);
 
     /// Warns of each number of things that is not 0. True when there was one.
-    bool warnOf(const std::vector<std::pair<long long, const char*>>& things);
+    [[nodiscard]] bool warnOf(const std::vector<std::pair<long long, const char*>>& things);
 
     /// Prints what was left out, and keeps it for the report.
     void leaveOut(const TransferReport& report);
@@ -54,10 +54,10 @@ public:
     void end(int exitCode, FailureWords failure);
 
     /// The document.
-    std::string json() const;
+    [[nodiscard]] std::string json() const;
 
 private:
-    const char* outcome() const;
+    [[nodiscard]] const char* outcome() const;
 
     std::string command_;
     std::time_t begun_ = std::time(nullptr);
@@ -70,7 +70,7 @@ private:
 };
 
 /// True for the text of such a document.
-bool isRunReport(const std::string& text);
+[[nodiscard]] bool isRunReport(const std::string& text);
 
 /// Runs work(), and then fill(), which puts what was done into the report: also when work() is left by an exception.
 template <class Work, class Fill>

@@ -32,7 +32,7 @@ public:
     void addIfAny(const std::string& key, const std::string& label, long long number);
     void addSize(const std::string& key, const std::string& label, unsigned long long bytes);
 
-    const std::vector<Row>& rows() const { return rows_; }
+    [[nodiscard]] const std::vector<Row>& rows() const { return rows_; }
 
     /// The rows with their values, and behind them how long the command took.
     void print(std::ostream& out, double seconds) const;

@@ -10,7 +10,7 @@ class Random {
 public:
     explicit Random(std::uint64_t seed) : state_(seed) {}
 
-    std::uint64_t next() {
+    [[nodiscard]] std::uint64_t next() {
         state_ += 0x9E3779B97F4A7C15U;
         std::uint64_t mixed = state_;
         mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9U;
@@ -19,14 +19,14 @@ public:
     }
 
     /// A number of [0, bound); `bound` is at least 1. The slight bias of the remainder does not matter for samples.
-    std::uint64_t below(std::uint64_t bound) { return next() % bound; }
+    [[nodiscard]] std::uint64_t below(std::uint64_t bound) { return next() % bound; }
 
     /// True once in `many` times.
-    bool oneIn(std::uint64_t many) { return below(many) == 0; }
+    [[nodiscard]] bool oneIn(std::uint64_t many) { return below(many) == 0; }
 
     /// An element of an array.
     template <class List>
-    typename List::value_type pick(const List& list) {
+    [[nodiscard]] typename List::value_type pick(const List& list) {
         return list[static_cast<std::size_t>(below(list.size()))];
     }
 

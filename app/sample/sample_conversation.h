@@ -17,7 +17,7 @@ struct SampleConversation {
     long long id = 0;
     long long ownId = 0;                 ///< the account's user
     std::vector<long long> others = {};  ///< one in a private conversation, several in a group
-    bool group() const { return others.size() > 1; }
+    [[nodiscard]] bool group() const { return others.size() > 1; }
 };
 
 /// Writes the files of an attachment message and gives its body; `day` is "2024-06-15". Throws Failure.
@@ -29,19 +29,20 @@ class SampleWriter {
 public:
     SampleWriter(SamplePlan plan, AttachmentTurns turns, AttachmentMaker makeAttachment);
 
-    SampleConversation conversation(long long number, long long id, long long ownId) const;
+    [[nodiscard]] SampleConversation conversation(long long number, long long id, long long ownId) const;
 
     /// The messages in the order of time; their attachments are written. Throws Failure.
-    std::vector<imsdk::st_dbMessageBean> messages(const SampleConversation& conversation, long long count);
+    [[nodiscard]] std::vector<imsdk::st_dbMessageBean> messages(const SampleConversation& conversation,
+                                                                long long count);
 
     /// The conversation's line in the list of recent contacts. `last` is null for a conversation without messages.
-    imsdk::st_dbReContactBean contact(const SampleConversation& conversation,
-                                      const imsdk::st_dbMessageBean* last) const;
+    [[nodiscard]] imsdk::st_dbReContactBean contact(const SampleConversation& conversation,
+                                                    const imsdk::st_dbMessageBean* last) const;
 
 private:
     void fill(imsdk::st_dbMessageBean& message, const SampleConversation& conversation, Random& random);
     void attach(imsdk::st_dbMessageBean& message, int msgType, Random& random);
-    Random randomOf(long long conversation, unsigned long long stream) const;
+    [[nodiscard]] Random randomOf(long long conversation, unsigned long long stream) const;
 
     SamplePlan plan_;
     AttachmentTurns turns_;

@@ -12,15 +12,15 @@ struct SamplePhoto {
     std::string picture;
     std::string thumbnail;  ///< the same, smaller
 };
-SamplePhoto pickPhoto(Random& random);
+[[nodiscard]] SamplePhoto pickPhoto(Random& random);
 
 /// A WAV file with half a second of a fading tone.
-std::string pickVoice(Random& random);
+[[nodiscard]] std::string pickVoice(Random& random);
 
 /// An MP4 file of one second.
-std::string pickVideo(Random& random);
+[[nodiscard]] std::string pickVideo(Random& random);
 
 /// A PDF file of one page.
-std::string pickDocument(Random& random);
+[[nodiscard]] std::string pickDocument(Random& random);
 
 }  // namespace app

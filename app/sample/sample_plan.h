@@ -14,13 +14,13 @@ struct SamplePlan {
 };
 
 /// How many messages each conversation gets: a few get many, many get few, and all get one as long as there are enough.
-std::vector<long long> conversationSizes(const SamplePlan& plan);
+[[nodiscard]] std::vector<long long> conversationSizes(const SamplePlan& plan);
 
 /// The ids of the conversations: different numbers of 16 digits below 2^53, beyond which a package rounds ids.
-std::vector<long long> conversationIds(const SamplePlan& plan);
+[[nodiscard]] std::vector<long long> conversationIds(const SamplePlan& plan);
 
 /// `count` different times in milliseconds since 1970, ascending, in waking hours of the plan's days.
-std::vector<long long> messageTimes(const SamplePlan& plan, long long conversation, long long count);
+[[nodiscard]] std::vector<long long> messageTimes(const SamplePlan& plan, long long conversation, long long count);
 
 /// What kinds of attachment messages a sample has: they take turns.
 struct AttachmentKinds {
@@ -29,7 +29,7 @@ struct AttachmentKinds {
 };
 
 /// Voice, image and file messages; an image comes with its thumbnail.
-AttachmentKinds packageAttachments();
+[[nodiscard]] AttachmentKinds packageAttachments();
 
 /// Says which messages carry attachments: about one in a hundred, and never more than 2,000 files in all.
 class AttachmentTurns {
@@ -40,7 +40,7 @@ public:
     AttachmentTurns(AttachmentKinds kinds, long long stride);
 
     /// The type of the next message: a type that carries attachments, or 0.
-    int next();
+    [[nodiscard]] int next();
 
 private:
     AttachmentKinds kinds_;

@@ -8,13 +8,13 @@
 namespace app {
 
 /// One short message.
-std::string makeText(Random& random);
+[[nodiscard]] std::string makeText(Random& random);
 
 /// Twenty lines of text.
-std::string makeNotes(Random& random);
+[[nodiscard]] std::string makeNotes(Random& random);
 
 /// The name of a person or of a group.
-std::string personName(Random& random);
-std::string groupName(Random& random);
+[[nodiscard]] std::string personName(Random& random);
+[[nodiscard]] std::string groupName(Random& random);
 
 }  // namespace app

@@ -30,12 +30,12 @@ struct TreeSampleCounts {
 
 /// How many messages each conversation of a tree gets: an import cuts conversations of more than 5,000 messages back,
 /// so that none gets more than 4,000 as long as others have room.
-std::vector<long long> treeConversationSizes(const SamplePlan& plan);
+[[nodiscard]] std::vector<long long> treeConversationSizes(const SamplePlan& plan);
 
 /// Writes a conversation's messages into numbered files of a new folder, `perFile` in each. Returns the number of
 /// files. Throws Failure.
-long long writeMessageFiles(const std::string& folder, const std::string& version, long long perFile,
-                            const std::vector<imsdk::st_dbMessageBean>& messages);
+[[nodiscard]] long long writeMessageFiles(const std::string& folder, const std::string& version, long long perFile,
+                                          const std::vector<imsdk::st_dbMessageBean>& messages);
 
 class TreeSample {
 public:
@@ -45,7 +45,7 @@ public:
     /// Calls progress(done) after each conversation. Throws Failure.
     void write(const std::function<void(std::size_t)>& progress);
 
-    const TreeSampleCounts& counts() const { return counts_; }
+    [[nodiscard]] const TreeSampleCounts& counts() const { return counts_; }
 
 private:
     void writeConversation(const SampleConversation& conversation, long long size);

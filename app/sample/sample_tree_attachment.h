@@ -11,7 +11,7 @@
 namespace app {
 
 /// Voice, file, image, pictures and video messages.
-AttachmentKinds treeAttachments();
+[[nodiscard]] AttachmentKinds treeAttachments();
 
 class TreeAttachmentMaker {
 public:
@@ -20,11 +20,11 @@ public:
 
     /// Writes the files of a message or note of the type and gives its body with the keys `keys`. The files are named
     /// after `id`, in folders named after `day`. Throws Failure.
-    std::string make(int type, const chattransfer::TreeFileKeys& keys, const std::string& id, const std::string& day,
-                     Random& random) const;
+    [[nodiscard]] std::string make(int type, const chattransfer::TreeFileKeys& keys, const std::string& id,
+                                   const std::string& day, Random& random) const;
 
 private:
-    std::string write(const std::string& name, const std::string& bytes) const;
+    [[nodiscard]] std::string write(const std::string& name, const std::string& bytes) const;
 
     std::string folder_;
 };

@@ -15,7 +15,7 @@ class DryRunTree {
 public:
     DryRunTree(TreePlace real, const std::string& user);
 
-    const TreePlace& place() const { return copy_; }
+    [[nodiscard]] const TreePlace& place() const { return copy_; }
 
     /// Adds what could not be copied to the files that an import cannot read, and makes the one file of recent contacts
     /// count that counts in the real tree: which one that is depends on the order in which the system lists a folder.

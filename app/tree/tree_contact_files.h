@@ -11,7 +11,8 @@ namespace app {
 
 /// The file that an import would take now, the last one in the order in which the system lists the tree. Null when
 /// there is none.
-const TreeContactFile* lastListedFile(const TreeSource& source, const std::vector<TreeContactFile>& files);
+[[nodiscard]] const TreeContactFile* lastListedFile(const TreeSource& source,
+                                                    const std::vector<TreeContactFile>& files);
 
 /// Says, where there are several files, that only one counts, and lists them with `mark` at the chosen one.
 void printContactFiles(std::ostream& out, const std::vector<TreeContactFile>& files, const TreeContactFile* chosen,

@@ -16,12 +16,12 @@ struct TreeSource {
     std::string root;  ///< absolute, without a "/" at its end
     std::string user;  ///< name of the user's folder: the user's own id
 
-    std::string attachments() const;  ///< ends in "/"
+    [[nodiscard]] std::string attachments() const;  ///< ends in "/"
 };
 
 /// The tree that `folder` means: the user's tree in it, or `folder` itself when it holds a tree directly. Unless a tree
 /// is `wanted`, a package in the folder goes first; an empty root says that there is no tree then. Throws Failure.
-TreeSource findTreeSource(const std::string& folder, const std::string& user, bool wanted);
+[[nodiscard]] TreeSource findTreeSource(const std::string& folder, const std::string& user, bool wanted);
 
 /// How many files of one kind there are.
 struct TreeFileCounts {
@@ -29,7 +29,7 @@ struct TreeFileCounts {
     long long decrypted = 0;  ///< decrypted copies, as an import leaves them
     long long plain = 0;      ///< never encrypted
 
-    long long all() const { return encrypted + decrypted + plain; }
+    [[nodiscard]] long long all() const { return encrypted + decrypted + plain; }
 };
 
 struct TreeMessage {
@@ -57,6 +57,7 @@ struct TreeFacts {
 /// Calls take(message) for every message, file by file. With a key, encrypted files are decrypted one at a time into a
 /// private folder; without one they are only counted. A decrypted copy beside an encrypted file that could be read is
 /// passed over, since an import replaces it. Ctrl-C ends it between two files: throws Interrupted.
-TreeFacts readTree(const TreeSource& source, const std::string& key, const std::function<void(TreeMessage)>& take);
+[[nodiscard]] TreeFacts readTree(const TreeSource& source, const std::string& key,
+                                 const std::function<void(TreeMessage)>& take);
 
 }  // namespace app

@@ -23,7 +23,7 @@ struct ConversionCounts {
 ///
 /// What cannot be encrypted or written ends the conversion with a Failure; what cannot be decrypted is left out. Ctrl-C
 /// ends it between two files: throws Interrupted.
-ConversionCounts convertTree(CipherDirection direction, const std::string& from, const std::string& to,
-                             const std::string& key, ProgressBar& progress);
+[[nodiscard]] ConversionCounts convertTree(CipherDirection direction, const std::string& from, const std::string& to,
+                                           const std::string& key, ProgressBar& progress);
 
 }  // namespace app

@@ -31,26 +31,26 @@ struct TreeListing {
 
 /// Lists everything below `root`, which may itself be a link. Links below it are never followed, and folders nested
 /// deeper than kDeepestFolder count as unreadable.
-TreeListing listTree(const std::string& root);
+[[nodiscard]] TreeListing listTree(const std::string& root);
 
 inline constexpr int kDeepestFolder = 200;
 
 /// True for a name that ends in .mg, .ct, .nt or .rm.
-bool hasRecordEnding(std::string_view name);
+[[nodiscard]] bool hasRecordEnding(std::string_view name);
 
 /// True for a name that ends as decrypted copies do.
-bool hasDecryptedEnding(std::string_view name);
+[[nodiscard]] bool hasDecryptedEnding(std::string_view name);
 
 /// True for the name of an encrypted record file: one that ends in .mg, .ct, .nt or .rm and is no attachment.
-bool isRecordFile(const std::string& name);
+[[nodiscard]] bool isRecordFile(const std::string& name);
 
 /// True for the name of a record file's decrypted copy, such as "2002/a.mg.decrypt".
-bool isDecryptedCopy(const std::string& name);
+[[nodiscard]] bool isDecryptedCopy(const std::string& name);
 
 /// "2002/a.mg" for "2002/a.mg.decrypt".
-std::string nameWithoutDecrypted(const std::string& name);
+[[nodiscard]] std::string nameWithoutDecrypted(const std::string& name);
 
 /// True when the file `path` begins like an encrypted one, whatever its name.
-bool isEncrypted(const std::string& path);
+[[nodiscard]] bool isEncrypted(const std::string& path);
 
 }  // namespace app

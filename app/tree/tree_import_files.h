@@ -17,22 +17,22 @@ struct TreeImportFiles {
     long long notDecrypted = 0;  ///< files that cannot be decrypted, and folders that cannot be searched
     TransferReport report;       ///< names them
 
-    std::vector<std::string> all() const;
-    long long conversations(dbTrans& transfer) const;
+    [[nodiscard]] std::vector<std::string> all() const;
+    [[nodiscard]] long long conversations(dbTrans& transfer) const;
 };
 
 enum class TreeKinds { messages, all };
 
 /// Decrypts the files of the transfer's tree, ahead of the import, which then finds them decrypted: with a key that
 /// does not fit, nothing has to be made. Throws Failure when files are there and none of them can be read.
-TreeImportFiles decryptFiles(dbTrans& transfer, TreeKinds kinds);
+[[nodiscard]] TreeImportFiles decryptFiles(dbTrans& transfer, TreeKinds kinds);
 
 /// Throws Failure when the first message file has another version than the transfer expects: better before anything is
 /// made than half way through an import.
 void requireTreeVersion(const TreeImportFiles& files, const dbTrans& transfer);
 
 /// How many of the named files could be decrypted, but not understood. More may be when the report has overflowed.
-long long countNotParsed(const TransferReport& report, const std::string& root);
+[[nodiscard]] long long countNotParsed(const TransferReport& report, const std::string& root);
 
 /// Removes the decrypted copies of which everything has arrived, after a whole import into the main database: they are
 /// the only copies, so a doubt keeps them.

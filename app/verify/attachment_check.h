@@ -8,10 +8,11 @@
 namespace app {
 
 /// The attachments of a package and of an account.
-AttachmentCounts checkPackageAttachments(const AttachmentFiles& files, Direction direction, VerifyReport& report);
+[[nodiscard]] AttachmentCounts checkPackageAttachments(const AttachmentFiles& files, Direction direction,
+                                                       VerifyReport& report);
 
 /// Those of a tree. An import moves attachments: the account must have them. Where the tree has a copy too (it is not
 /// the one that was imported, or the account had a file of that name before), both must have the same bytes.
-AttachmentCounts checkTreeAttachments(const AttachmentFiles& files, VerifyReport& report);
+[[nodiscard]] AttachmentCounts checkTreeAttachments(const AttachmentFiles& files, VerifyReport& report);
 
 }  // namespace app

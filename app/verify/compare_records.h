@@ -23,12 +23,13 @@ struct Comparison {
     std::set<Rule> rules;                ///< rules that explain others
 };
 
-Comparison compareMessages(const imsdk::st_dbMessageBean& row, const PackageMessage& message, Direction direction);
+[[nodiscard]] Comparison compareMessages(const imsdk::st_dbMessageBean& row, const PackageMessage& message,
+                                         Direction direction);
 
-Comparison compareContacts(const imsdk::st_dbReContactBean& row, const imsdk::st_dbReContactBean& contact,
-                           Direction direction);
+[[nodiscard]] Comparison compareContacts(const imsdk::st_dbReContactBean& row, const imsdk::st_dbReContactBean& contact,
+                                         Direction direction);
 
 /// `id` as a package holds it: numbers above 2^53 lose their low bits.
-long long asPackaged(long long id);
+[[nodiscard]] long long asPackaged(long long id);
 
 }  // namespace app

@@ -21,7 +21,7 @@ public:
     void sort();
 
     /// The messages with the id of `row` in the conversation of `row`, both as a package holds them.
-    std::vector<PackagedMessage*> candidates(const imsdk::st_dbMessageBean& row);
+    [[nodiscard]] std::vector<PackagedMessage*> candidates(const imsdk::st_dbMessageBean& row);
 
     /// Calls visit(entry, idIsTaken) for each message that nothing matched; idIsTaken says that one with the same id
     /// was.
@@ -37,7 +37,7 @@ public:
 private:
     using Entries = std::vector<PackagedMessage>;
 
-    static bool idIsTaken(const Entries& entries, const PackageMessage& message);
+    [[nodiscard]] static bool idIsTaken(const Entries& entries, const PackageMessage& message);
 
     std::map<long long, Entries> conversations_;
 };

@@ -37,11 +37,11 @@ public:
 
     void run();
 
-    const VerifyReport& report() const { return report_; }
-    const TreeVerifyCounts& counts() const { return counts_; }
-    const TreeFacts& facts() const { return facts_; }
+    [[nodiscard]] const VerifyReport& report() const { return report_; }
+    [[nodiscard]] const TreeVerifyCounts& counts() const { return counts_; }
+    [[nodiscard]] const TreeFacts& facts() const { return facts_; }
     /// The file of recent contacts, in facts(), that was held against the account. Null when there is none.
-    const TreeContactFile* contactFile() const { return contactFile_; }
+    [[nodiscard]] const TreeContactFile* contactFile() const { return contactFile_; }
 
 private:
     // Messages of the tree with one id; the first of them is the one that an import stores.
@@ -54,14 +54,14 @@ private:
         long long oldest;  ///< the smallest time_
     };
 
-    imsdk::dbUtils& db();
+    [[nodiscard]] imsdk::dbUtils& db();
     void readTreeFiles();
     void compareConversation(long long conversation, Messages& messages);
     void compareRow(const Table& table, const imsdk::st_dbMessageBean& row,
                     const std::vector<PackageMessage>& messages);
     void noteMissing(const Table& table, const imsdk::st_dbMessageBean& message);
     void compareContacts();
-    const TreeContactFile* fileThatCounts(const Contacts& stored) const;
+    [[nodiscard]] const TreeContactFile* fileThatCounts(const Contacts& stored) const;
     void compareContactsOf(const TreeContactFile& file, const Contacts& stored);
     void compareNotes();
     void compareRooms();

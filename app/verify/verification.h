@@ -39,12 +39,12 @@ public:
 
     void run(ProgressBar& progress);
 
-    const VerifyReport& report() const { return report_; }
-    const VerifyCounts& counts() const { return counts_; }
+    [[nodiscard]] const VerifyReport& report() const { return report_; }
+    [[nodiscard]] const VerifyCounts& counts() const { return counts_; }
 
 private:
-    imsdk::dbUtils& db();
-    bool isSelected(const imsdk::st_dbMessageBean& message) const;
+    [[nodiscard]] imsdk::dbUtils& db();
+    [[nodiscard]] bool isSelected(const imsdk::st_dbMessageBean& message) const;
     void readPackageFiles();
     void compareTable(const std::string& table);
     void compareRow(const imsdk::st_dbMessageBean& row);

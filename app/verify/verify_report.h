@@ -52,15 +52,15 @@ public:
     void add(Finding finding, const std::string& line);
     void add(Rule rule) { ++rules_[rule]; }
 
-    bool hasFindings() const { return !findings_.empty(); }
-    bool hasRules() const { return !rules_.empty(); }
+    [[nodiscard]] bool hasFindings() const { return !findings_.empty(); }
+    [[nodiscard]] bool hasRules() const { return !rules_.empty(); }
 
     /// Prints each kind with its count and at most `most` lines.
     void print(std::ostream& out, long long most) const;
 
     /// The same for the report of the run.
-    std::vector<RunReport::Finding> findings(long long most) const;
-    std::vector<RunReport::Finding> changedByRule() const;
+    [[nodiscard]] std::vector<RunReport::Finding> findings(long long most) const;
+    [[nodiscard]] std::vector<RunReport::Finding> changedByRule() const;
 
 private:
     struct Lines {

@@ -9,7 +9,7 @@
 namespace app {
 
 /// Holds the tree against the account, whose key `transfer` has, and prints how much was compared.
-VerifyReport verifyTree(const TreeSource& source, const Account& account, Database database, dbTrans& transfer,
-                        RunReport& run);
+[[nodiscard]] VerifyReport verifyTree(const TreeSource& source, const Account& account, Database database,
+                                      dbTrans& transfer, RunReport& run);
 
 }  // namespace app

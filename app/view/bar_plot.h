@@ -14,12 +14,12 @@ struct Bar {
 };
 
 /// Upright bars over an axis: for days and hours. `name` is a word that no other plot of the page has.
-Markup columnPlot(const std::string& name, const std::string& title, const std::vector<Bar>& bars);
+[[nodiscard]] Markup columnPlot(const std::string& name, const std::string& title, const std::vector<Bar>& bars);
 
 /// Lying bars with their labels before them: for conversations and types.
-Markup rowPlot(const std::string& title, const std::vector<Bar>& bars);
+[[nodiscard]] Markup rowPlot(const std::string& title, const std::vector<Bar>& bars);
 
 /// A step for the marks of an axis from 0 to `most`: 1, 2 or 5 times a power of ten, and no more than five of them.
-long long stepFor(long long most);
+[[nodiscard]] long long stepFor(long long most);
 
 }  // namespace app::view

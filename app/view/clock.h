@@ -15,21 +15,21 @@ struct ClockTime {
 
 /// The time of day in the zone of this machine; none for a time that is unknown or beyond the calendar. `time` is in
 /// milliseconds since 1970.
-std::optional<ClockTime> clockOf(long long time);
+[[nodiscard]] std::optional<ClockTime> clockOf(long long time);
 
 /// "14:05".
-std::string clockText(ClockTime time);
+[[nodiscard]] std::string clockText(ClockTime time);
 
 /// True for a day of the years 1 to 9999 that the calendar has.
-bool isCalendarDay(const CivilDay& day);
+[[nodiscard]] bool isCalendarDay(const CivilDay& day);
 
 /// "Sunday, 30 June 2024"; the bare numbers for what is no day of the calendar.
-std::string longDayText(const CivilDay& day);
+[[nodiscard]] std::string longDayText(const CivilDay& day);
 
 /// "June 2024", or "no month" for what is no day of the calendar.
-std::string monthText(const CivilDay& day);
+[[nodiscard]] std::string monthText(const CivilDay& day);
 
 /// "2024-06-30".
-std::string shortDayText(const CivilDay& day);
+[[nodiscard]] std::string shortDayText(const CivilDay& day);
 
 }  // namespace app::view

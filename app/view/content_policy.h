@@ -13,9 +13,9 @@ enum class PageKind {
 
 /// The policy for the page's meta element. Nothing is allowed but our own style sheet and script, known by their
 /// digests, and on pages of conversations pictures and sounds from the disk.
-std::string contentPolicy(PageKind kind);
+[[nodiscard]] std::string contentPolicy(PageKind kind);
 
 /// The bytes that `hex` spells, in base64.
-std::string base64OfHex(const std::string& hex);
+[[nodiscard]] std::string base64OfHex(const std::string& hex);
 
 }  // namespace app::view

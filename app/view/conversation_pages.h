@@ -12,10 +12,10 @@
 namespace app::view {
 
 /// The folder of a conversation's pages, ending in "/": "conversations/5/".
-std::string folderOfConversation(long long id);
+[[nodiscard]] std::string folderOfConversation(long long id);
 
 /// The name of one of its pages in that folder; pages count from 1.
-std::string pageName(std::size_t page);
+[[nodiscard]] std::string pageName(std::size_t page);
 
 /// Writes all pages of the conversation, one after another: only one is in memory. The messages are sorted, and `pages`
 /// are theirs. Throws Failure.

@@ -8,22 +8,22 @@
 namespace app::view {
 
 /// The contact's name, or the id where there is none, as shortLine() gives it: a name stands beside each message.
-std::string nameOf(const History& history, long long id);
+[[nodiscard]] std::string nameOf(const History& history, long long id);
 
 /// True for a message of the user whose history it is.
-bool isOwn(const History& history, const Message& message);
+[[nodiscard]] bool isOwn(const History& history, const Message& message);
 
 /// "You", or the sender's name.
-std::string senderOf(const History& history, const Message& message);
+[[nodiscard]] std::string senderOf(const History& history, const Message& message);
 
 /// "2024-06-30 14:05"; the day alone where the time is unknown.
-std::string whenText(const Message& message);
+[[nodiscard]] std::string whenText(const Message& message);
 
 /// What a message says: its text, or for one that carries files what they are, such as "File: plan.pdf". As shownText()
 /// gives it.
-std::string textOf(const History& history, const Message& message);
+[[nodiscard]] std::string textOf(const History& history, const Message& message);
 
 /// "Text", "Voice", "Picture", "File", "Pictures", "Video", or "Type 7".
-std::string typeText(int type);
+[[nodiscard]] std::string typeText(int type);
 
 }  // namespace app::view

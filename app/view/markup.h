@@ -38,7 +38,7 @@ public:
         return *this;
     }
 
-    const std::string& html() const { return html_; }
+    [[nodiscard]] const std::string& html() const { return html_; }
 
 private:
     std::string html_;

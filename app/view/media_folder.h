@@ -24,13 +24,13 @@ public:
         : source_(std::move(source)), target_(std::move(target)) {}
 
     /// The name of the file's copy, such as "12.png"; empty when there is none. Each file is copied once.
-    std::string copyOf(const NamedFile& file);
+    [[nodiscard]] std::string copyOf(const NamedFile& file);
 
     /// Of all files that were asked for.
-    const MediaCounts& counts() const { return counts_; }
+    [[nodiscard]] const MediaCounts& counts() const { return counts_; }
 
 private:
-    std::string copy(const NamedFile& file);
+    [[nodiscard]] std::string copy(const NamedFile& file);
 
     tools::ConfinedFolder source_;
     tools::ConfinedFolder target_;
@@ -40,6 +40,6 @@ private:
 
 /// The ending that the copy of a file gets: the file's own where it is on the list of those that a browser never takes
 /// for a page, else ".bin".
-std::string safeEnding(const NamedFile& file);
+[[nodiscard]] std::string safeEnding(const NamedFile& file);
 
 }  // namespace app::view

@@ -17,9 +17,10 @@ struct DayOfConversation {
 };
 
 /// The days in order. `messages` are sorted by day, `pages` are theirs.
-std::vector<DayOfConversation> daysOf(const std::vector<Message>& messages, const std::vector<PageRange>& pages);
+[[nodiscard]] std::vector<DayOfConversation> daysOf(const std::vector<Message>& messages,
+                                                    const std::vector<PageRange>& pages);
 
 /// The name of the day's heading on its page, such as "d2024-06-30".
-std::string dayAnchor(const CivilDay& day);
+[[nodiscard]] std::string dayAnchor(const CivilDay& day);
 
 }  // namespace app::view

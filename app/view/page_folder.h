@@ -12,7 +12,7 @@ public:
     /// `path` exists, is ours alone, and ends in "/".
     explicit PageFolder(std::string path) : path_(std::move(path)) {}
 
-    const std::string& path() const { return path_; }
+    [[nodiscard]] const std::string& path() const { return path_; }
 
     /// Makes a folder with its parents, for its owner only. Throws Failure.
     void makeFolder(const std::string& name);
@@ -21,7 +21,7 @@ public:
     /// only when all of it is there. Throws Failure.
     void write(const std::string& name, std::string_view bytes);
 
-    long long files() const { return files_; }
+    [[nodiscard]] long long files() const { return files_; }
 
 private:
     std::string path_;

@@ -15,6 +15,6 @@ enum class PagePlace {
 };
 
 /// The whole page. `title` is plain text, as shownLine() gives it; `content` goes into the main landmark.
-std::string wholePage(PageKind kind, PagePlace place, const std::string& title, const Markup& content);
+[[nodiscard]] std::string wholePage(PageKind kind, PagePlace place, const std::string& title, const Markup& content);
 
 }  // namespace app::view

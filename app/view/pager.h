@@ -22,10 +22,11 @@ struct PageRange {
 };
 
 /// The pages of a conversation, in order; at least one message on each.
-std::vector<PageRange> pagesOf(const std::vector<Message>& messages);
+[[nodiscard]] std::vector<PageRange> pagesOf(const std::vector<Message>& messages);
 
 /// Links from page `page` of `pages` (both count from 1) to the first, previous, next and last one; nothing for a
 /// single page. nameOf(number) is the name of a page's file.
-Markup pagerOf(std::size_t page, std::size_t pages, const std::function<std::string(std::size_t)>& nameOf);
+[[nodiscard]] Markup pagerOf(std::size_t page, std::size_t pages,
+                             const std::function<std::string(std::size_t)>& nameOf);
 
 }  // namespace app::view

@@ -20,6 +20,6 @@ struct TimePlot {
     const char* title;
     std::vector<Bar> bars;
 };
-TimePlot messagesOverTime(const std::map<CivilDay, long long>& byDay);
+[[nodiscard]] TimePlot messagesOverTime(const std::map<CivilDay, long long>& byDay);
 
 }  // namespace app::view

@@ -22,7 +22,7 @@ using ViewProgress = std::function<void(long long done, long long all)>;
 
 /// Writes the pages of `history` into `folder`, which exists, is empty and ends in "/"; its conversations are sorted on
 /// the way. `attachments` holds the files that messages name. Throws Failure.
-ViewCounts writeView(History& history, tools::ConfinedFolder attachments, const std::string& folder,
-                     const ViewProgress& progress);
+[[nodiscard]] ViewCounts writeView(History& history, tools::ConfinedFolder attachments, const std::string& folder,
+                                   const ViewProgress& progress);
 
 }  // namespace app::view
