@@ -3,31 +3,30 @@
 #include <new>
 
 namespace imsdk::detail {
-namespace {
 
-void keepText(std::variant<std::monostate, long long, std::string>& value, const char* text) {
-    if (text == nullptr) {
-        value = std::monostate();
-    } else if (auto* kept = std::get_if<std::string>(&value)) {
-        *kept = text;
-    } else {
-        value.emplace<std::string>(text);
-    }
-}
-
-}  // namespace
-
-int BoundValues::bindText(sqlite3_stmt* statement, int index, const char* text) {
-    return keepAndBind(statement, index, [text](Value& value) { keepText(value, text); });
+// No memory is a result, as it is for SQLite's own functions.
+int BoundValues::bindText(sqlite3_stmt* statement, int index, const char* text) try {
+    Value* value = at(index);
+    if (value == nullptr) return noted(index, sqlite3_bind_null(statement, index));
+    value->kind = text != nullptr ? Value::Kind::text : Value::Kind::null;
+    if (text != nullptr) value->text = text;
+    return noted(index, bind(statement, index, *value));
+} catch (const std::bad_alloc&) {
+    return noted(index, SQLITE_NOMEM);
 }
 
 int BoundValues::bindNumber(sqlite3_stmt* statement, int index, long long number) {
-    return keepAndBind(statement, index, [number](Value& value) { value = number; });
+    if (Value* value = at(index)) {
+        value->kind = Value::Kind::number;
+        value->number = number;
+    }
+    return noted(index, sqlite3_bind_int64(statement, index, number));
 }
 
 void BoundValues::bindAll(sqlite3_stmt* statement) {
-    for (int index = 1; index <= static_cast<int>(values_.size()); ++index) {
-        if (lost_.count(index) == 0 && bind(statement, index) != SQLITE_OK) lose(index);
+    values_.resize(static_cast<std::size_t>(sqlite3_bind_parameter_count(statement)));
+    for (int index = 1; const Value* value = at(index); ++index) {
+        if (value->kind != Value::Kind::null && bind(statement, index, *value) != SQLITE_OK) lose(index);
     }
 }
 
@@ -41,34 +40,30 @@ void BoundValues::clear() {
     spoiled_ = false;
 }
 
-// Throws nothing, as SQLite's own functions: no memory is a result.
-template <class Keep>
-int BoundValues::keepAndBind(sqlite3_stmt* statement, int index, Keep keep) try {
-    if (index < 1 || index > sqlite3_bind_parameter_count(statement)) {
-        lose(index);
-        // cppcheck-suppress invalidFunctionArg
-        return sqlite3_bind_null(statement, index);  // SQLite's own words for it
-    }
-    const auto place = static_cast<std::size_t>(index - 1);
-    if (place >= values_.size()) values_.resize(place + 1);
-    keep(values_[place]);
-    const int code = bind(statement, index);
+BoundValues::Value* BoundValues::at(int index) {
+    const auto place = static_cast<std::size_t>(index) - 1;
+    return place < values_.size() ? &values_[place] : nullptr;
+}
+
+int BoundValues::noted(int index, int code) {
     if (code != SQLITE_OK) {
         lose(index);
     } else if (!lost_.empty()) {
         lost_.erase(index);
     }
     return code;
-} catch (const std::bad_alloc&) {
-    lose(index);
-    return SQLITE_NOMEM;
 }
 
-int BoundValues::bind(sqlite3_stmt* statement, int index) {
-    const Value& value = values_[static_cast<std::size_t>(index - 1)];
-    if (const auto* text = std::get_if<std::string>(&value))
-        return sqlite3_bind_text64(statement, index, text->data(), text->size(), SQLITE_STATIC, SQLITE_UTF8);
-    if (const auto* number = std::get_if<long long>(&value)) return sqlite3_bind_int64(statement, index, *number);
+int BoundValues::bind(sqlite3_stmt* statement, int index, const Value& value) {
+    switch (value.kind) {
+        case Value::Kind::number:
+            return sqlite3_bind_int64(statement, index, value.number);
+        case Value::Kind::text:
+            return sqlite3_bind_text64(statement, index, value.text.data(), value.text.size(), SQLITE_STATIC,
+                                       SQLITE_UTF8);
+        case Value::Kind::null:
+            break;
+    }
     return sqlite3_bind_null(statement, index);
 }
 

@@ -3,10 +3,9 @@
 
 #include <sqlite3.h>
 
-#include <deque>
 #include <set>
 #include <string>
-#include <variant>
+#include <vector>
 
 namespace imsdk::detail {
 
@@ -16,28 +15,34 @@ class BoundValues {
 public:
     /// Keep the value and hand it to `statement`. The result is SQLite's; anything but SQLITE_OK leaves the placeholder
     /// without a usable value until it is bound anew.
-    [[nodiscard]] int bindText(sqlite3_stmt* statement, int index, const char* text);
-    [[nodiscard]] int bindNumber(sqlite3_stmt* statement, int index, long long number);
+    int bindText(sqlite3_stmt* statement, int index, const char* text);
+    int bindNumber(sqlite3_stmt* statement, int index, long long number);
 
-    /// Hands all values to a statement that was prepared anew.
+    /// Takes a statement that was prepared, for the first time or anew, from the text that the values belong to.
     void bindAll(sqlite3_stmt* statement);
 
     /// The placeholder was to get a value that nothing could take.
     void lose(int index) noexcept;
 
     /// Whether every value that was to be bound is.
-    [[nodiscard]] bool areWhole() const { return lost_.empty() && !spoiled_; }
+    bool areWhole() const { return lost_.empty() && !spoiled_; }
 
     void clear();
 
 private:
-    using Value = std::variant<std::monostate, long long, std::string>;  // NULL, a number or a text
+    struct Value {
+        enum class Kind { null, number, text };
 
-    template <class Keep>
-    [[nodiscard]] int keepAndBind(sqlite3_stmt* statement, int index, Keep keep);
-    [[nodiscard]] int bind(sqlite3_stmt* statement, int index);
+        Kind kind = Kind::null;
+        long long number = 0;
+        std::string text;
+    };
 
-    std::deque<Value> values_;
+    Value* at(int index);
+    int noted(int index, int code);
+    static int bind(sqlite3_stmt* statement, int index, const Value& value);
+
+    std::vector<Value> values_;  // one for each placeholder, once there is a statement: SQLite holds addresses of texts
     std::set<int> lost_;
     bool spoiled_ = false;  // there was no memory even to remember which one is lost
 };
