@@ -41,7 +41,7 @@ install(FILES host/dbUtils.h host/rehearsal.h host/tools.h host/CAES.h host/json
         DESTINATION "${include_dir}/host")
 install(FILES "${PROJECT_BINARY_DIR}/host/generated/chat_transfer/parson.h" DESTINATION "${include_dir}/chat_transfer")
 install(FILES c/chat_transfer.h DESTINATION "${include_dir}/c")
-install(FILES transfer/dbTrans.h transfer/error_codes.h transfer/progress_listener.h transfer/records.h
+install(FILES transfer/dbTrans.h transfer/error_codes.h transfer/omission.h transfer/progress_listener.h transfer/records.h
               transfer/transaction_guard.h transfer/transfer_report.h DESTINATION "${include_dir}/transfer")
 if(TARGET chat-transfer)
   install(TARGETS chat-transfer RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")

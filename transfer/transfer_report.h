@@ -9,12 +9,19 @@
 #include <string_view>
 #include <vector>
 
+#include "transfer/omission.h"
+
 /// Counts add up over the operations of one object until the host assigns a fresh TransferReport.
 struct TransferReport {
     /// A file, record or table that was left out.
     struct Skipped {
-        std::string what;    ///< path, table or attachment name, as foreign text gave it
-        std::string reason;  ///< in English words
+        std::string what;               ///< path, table or attachment name, as foreign text gave it
+        std::string reason;             ///< in English words, made from the kind and its detail
+        chattransfer::Omission kind{};  ///< what kind of thing it is and why it was left out, for programs
+
+        static Skipped of(std::string_view what, chattransfer::Omission kind, std::string_view detail = {}) {
+            return {std::string(what), chattransfer::sentenceOf(kind, detail), kind};
+        }
     };
 
     long long messagesSelected = 0;     ///< rows that an export read from the databases
@@ -46,8 +53,14 @@ struct TransferReport {
 
     static constexpr std::size_t kMostSkipped = 1000;
 
-    void skip(std::string_view what, std::string_view reason) {
+    void add(const Skipped& one) {
         ++skippedCount;
-        if (skipped.size() < kMostSkipped) skipped.push_back({std::string(what), std::string(reason)});
+        if (skipped.size() < kMostSkipped) skipped.push_back(one);
+    }
+
+    /// `detail` completes the sentence, where omission.h says so.
+    void skip(std::string_view what, chattransfer::Omission kind, std::string_view detail = {}) {
+        ++skippedCount;
+        if (skipped.size() < kMostSkipped) skipped.push_back(Skipped::of(what, kind, detail));
     }
 };

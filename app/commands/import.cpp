@@ -71,8 +71,7 @@ void summarise(Summary& summary, const dbTrans& transfer, const ImportOptions& o
 bool arrivedWhole(RunReport& run, const dbTrans& transfer, const ImportOptions& options, const PackagePlace& place) {
     const TransferReport& report = transfer.report;
     const bool lost = run.warnOf(
-        {{countUnreadableFiles(place, report, transfer.msgFileDir),
-          "of the package's files could not be read, see below"},
+        {{countUnreadableFiles(place, report), "of the package's files could not be read, see below"},
          {countFilesBehindGap(place), "message files stand behind a gap in the numbering and are never read"},
          {report.messagesRefused, "messages were refused by the database, see below"},
          {report.attachmentsFailed, "attachments could not be copied, see below"},

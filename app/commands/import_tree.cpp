@@ -25,7 +25,6 @@
 #include "transfer/dbTrans.h"
 #include "transfer/format/account_folders.h"
 #include "transfer/format/tree_format.h"
-#include "transfer/tree/tree_document.h"
 
 namespace app {
 namespace {
@@ -90,7 +89,7 @@ void setUserFolders(dbTrans& transfer, const Account& account) {
                        "nothing doubles"};
     const auto& skipped = transfer.report.skipped;
     const auto other = std::find_if(skipped.rbegin(), skipped.rend(), [](const TransferReport::Skipped& one) {
-        return one.reason.rfind(chattransfer::kOtherVersionReason, 0) == 0;
+        return one.kind == chattransfer::Omission::treeFileOtherVersion;
     });
     if (other != skipped.rend()) {
         words.path = other->what;
@@ -149,8 +148,7 @@ void summarise(Summary& summary, dbTrans& transfer, const ImportTreeOptions& opt
     summary.add("conversations.new", "Conversations new", transfer.report.tablesCreated);
     if (intoMain(options)) addRowsOfMain(summary, transfer);
     summary.add("files.notDecrypted", "Files not decryptable", files.notDecrypted);
-    summary.add("files.notParsed", "Files not parsable",
-                countNotParsed(transfer.report, chattransfer::treeRoot(transfer.backupPath, transfer.packageSubDir)));
+    summary.add("files.notParsed", "Files not parsable", countNotParsed(transfer.report));
     if (options.removeDecrypted) {
         const std::vector<std::string> all = files.all();
         summary.add("files.removed", "Decrypted copies removed", static_cast<long long>(all.size()) - countThere(all));
@@ -166,8 +164,7 @@ bool arrivedWhole(RunReport& run, const dbTrans& transfer, const TreeImportFiles
           "of the tree's files cannot be decrypted and stay as they are, see below; if they were encrypted with "
           "another "
           "key, they cannot go into this account"},
-         {countNotParsed(report, chattransfer::treeRoot(transfer.backupPath, transfer.packageSubDir)),
-          "of the tree's files cannot be understood, see below"},
+         {countNotParsed(report), "of the tree's files cannot be understood, see below"},
          {report.messagesRefused, "messages were refused by the database, see below"},
          {refusedContacts(transfer), "recent contacts were refused by the database"},
          {refusedNotes(transfer), "notes were refused by the database, see below"},

@@ -84,11 +84,11 @@ void requireSomething(const ViewSource& source) {
 }
 
 void noteDamage(const PackageFacts& facts, TransferReport& leftOut) {
-    for (const std::string& path : facts.unreadable)
-        leftOut.skip(path, "is not JSON of this format");
+    for (const TransferReport::Skipped& file : facts.unreadable)
+        leftOut.add(file);
     if (facts.filesBehindGap > 0) {
         leftOut.skip(counted(facts.filesBehindGap, "message file", "message files"),
-                     "behind a gap in the numbering, where no import reads either");
+                     chattransfer::Omission::messageFilesBehindGap);
     }
 }
 
@@ -123,7 +123,7 @@ ViewSource readTreeForView(const TreeSource& tree, const std::string& key) {
     }
     if (const TreeContactFile* file = lastListedFile(tree, facts.contactFiles)) maker.addContacts(file->contacts);
     for (const TransferReport::Skipped& file : facts.unreadable)
-        source.leftOut.skip(file.what, file.reason);
+        source.leftOut.add(file);
     source.notShown = static_cast<long long>(facts.notes.size()) + static_cast<long long>(facts.rooms.size());
     requireSomething(source);
     return source;

@@ -49,8 +49,8 @@ void addTotals(Summary& table, const PackageSummary& summary) {
 
 void printDamage(const PackageFacts& facts) {
     if (!facts.unreadable.empty()) std::cout << "\nFiles that cannot be read:\n";
-    for (const std::string& path : facts.unreadable)
-        std::cout << "  " << printable(path) << '\n';
+    for (const TransferReport::Skipped& file : facts.unreadable)
+        std::cout << "  " << printable(file.what) << '\n';
     if (facts.filesBehindGap == 0) return;
     std::cout << "\nThe numbering has a gap after " << counted(facts.messageFiles, "file", "files")
               << ": no import reads the " << grouped(facts.filesBehindGap) << " behind it.\n";
@@ -61,8 +61,8 @@ void addFacts(JSON_Object* object, const PackageFacts& facts) {
     set(object, "messageFiles", facts.messageFiles);
     set(object, "messageFilesBehindGap", facts.filesBehindGap);
     JSON_Array* unreadable = addArray(object, "unreadableFiles");
-    for (const std::string& path : facts.unreadable)
-        appendText(unreadable, path);
+    for (const TransferReport::Skipped& file : facts.unreadable)
+        appendText(unreadable, file.what);
     json_object_set_boolean(object, "hasRecentContacts", facts.hasContacts ? 1 : 0);
     set(object, "recentContacts", static_cast<long long>(facts.contacts.size()));
 }

@@ -18,17 +18,18 @@ bool isConversation(const std::string& table) {
                        [](char c) { return c >= '0' && c <= '9'; });
 }
 
-bool isForeignTable(const std::string& name) {
-    const bool named =
-        name.compare(0, std::strlen(chattransfer::kMessageTablePrefix), chattransfer::kMessageTablePrefix) == 0;
-    return named && !isConversation(name);
+// A table that only looks like a conversation's: leaving it out loses none.
+bool isForeignTable(const TransferReport::Skipped& skipped) {
+    const std::string& name = skipped.what;
+    return chattransfer::thingOf(skipped.kind) == chattransfer::OmittedThing::table &&
+           chattransfer::isMessageTable(name) && !isConversation(name);
 }
 
 }  // namespace
 
 void requireWholeSelection(const TransferReport& report, const std::string& database) {
     for (const TransferReport::Skipped& skipped : report.skipped) {
-        if (isForeignTable(skipped.what)) continue;
+        if (isForeignTable(skipped)) continue;
         throw Failure({chattransfer::kDatabaseFailed, "The account could not be read whole, and no package was made",
                        database, skipped.what + ": " + skipped.reason,
                        "when the client is running, close it and try again"});

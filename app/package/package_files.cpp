@@ -4,7 +4,6 @@
 
 #include "app/base/failure.h"
 #include "app/base/file_version.h"
-#include "app/report/left_out.h"
 #include "host/base/fixed_text.h"
 #include "host/files/folder_walk.h"
 #include "host/files/whole_file.h"
@@ -19,6 +18,7 @@
 namespace app {
 namespace {
 
+using chattransfer::Omission;
 using tools::JsonDocument;
 using Take = std::function<void(PackageMessage)>;
 
@@ -37,12 +37,16 @@ void takeDay(chattransfer::MessageDay& day, const Take& take) {
         take({std::move(message), lists});
 }
 
+void leaveOut(PackageFacts& facts, const std::string& path, Omission kind) {
+    facts.unreadable.push_back(TransferReport::Skipped::of(path, kind));
+}
+
 void readMessageFile(const std::string& path, PackageFacts& facts, const Take& take) {
     std::string text;
     chattransfer::MessageFileContent file;
     if (tools::readWholeFile(path, text)) file = chattransfer::readMessageFileText(text, chattransfer::ReadKeys::all);
     if (!file.hasDays) {
-        facts.unreadable.push_back(path);
+        leaveOut(facts, path, Omission::messageFileMalformed);
         return;
     }
     ++facts.versions[file.version.value_or(kNoVersion)];
@@ -58,7 +62,7 @@ void readContacts(const PackagePlace& place, PackageFacts& facts) {
     const JSON_Array* contacts = json_object_get_array(file, chattransfer::kRecentContactsKey);
     facts.hasContacts = contacts != nullptr;
     if (!facts.hasContacts) {
-        facts.unreadable.push_back(path);
+        leaveOut(facts, path, Omission::contactFileMalformed);
         return;
     }
     ++facts.versions[versionOf(file)];
@@ -73,6 +77,11 @@ bool isMessageFileName(const std::string& name) {
     if (name.size() <= kPrefix + kSuffix || name.compare(0, kPrefix, "msg_") != 0) return false;
     if (name.compare(name.size() - kSuffix, kSuffix, ".mg") != 0) return false;
     return std::all_of(name.begin() + kPrefix, name.end() - kSuffix, [](char c) { return c >= '0' && c <= '9'; });
+}
+
+bool isPackageFile(Omission kind) {
+    const chattransfer::OmittedThing thing = chattransfer::thingOf(kind);
+    return thing == chattransfer::OmittedThing::messageFile || thing == chattransfer::OmittedThing::contactFile;
 }
 
 int countConsecutive(const PackagePlace& place) {
@@ -91,7 +100,7 @@ PackageFacts readPackage(const PackagePlace& place, const Take& take) {
     for (int number = 0; number < facts.messageFiles; ++number)
         readMessageFile(messagePath(place, number), facts, take);
     const std::string next = messagePath(place, facts.messageFiles);
-    if (tools::presenceOf(next) == tools::Presence::unknown) facts.unreadable.push_back(next);
+    if (tools::presenceOf(next) == tools::Presence::unknown) leaveOut(facts, next, Omission::messageFileUncertain);
     readContacts(place, facts);
     return facts;
 }
@@ -112,15 +121,13 @@ long long countFilesBehindGap(const PackagePlace& place) {
     return std::max(0LL, files - countConsecutive(place));
 }
 
-long long countUnreadableFiles(const PackagePlace& place, const TransferReport& report, const std::string& folder) {
+long long countUnreadableFiles(const PackagePlace& place, const TransferReport& report) {
     // The report names only the first thousand things: beyond that the files are looked at once more.
     if (report.skippedCount > static_cast<long long>(TransferReport::kMostSkipped)) {
         return static_cast<long long>(readPackage(place, [](const PackageMessage&) {}).unreadable.size());
     }
     return std::count_if(report.skipped.begin(), report.skipped.end(),
-                         [&folder](const TransferReport::Skipped& skipped) {
-                             return !isAttachment(skipped) && skipped.what.compare(0, folder.size(), folder) == 0;
-                         });
+                         [](const TransferReport::Skipped& skipped) { return isPackageFile(skipped.kind); });
 }
 
 }  // namespace app

@@ -27,11 +27,11 @@ struct PackageMessage {
 
 /// What was found besides the messages themselves.
 struct PackageFacts {
-    int messageFiles = 0;                 ///< numbered from 0 without a gap
-    std::map<std::string, int> versions;  ///< how many files say which version; missing ones as "(none)"
-    std::vector<std::string> unreadable;  ///< message files that are not of the format
-    long long filesBehindGap = 0;         ///< message files that no import reaches
-    bool hasContacts = false;             ///< recent contacts could be read
+    int messageFiles = 0;                             ///< numbered from 0 without a gap
+    std::map<std::string, int> versions;              ///< how many files say which version; missing ones as "(none)"
+    std::vector<TransferReport::Skipped> unreadable;  ///< files that are not of the format
+    long long filesBehindGap = 0;                     ///< message files that no import reaches
+    bool hasContacts = false;                         ///< recent contacts could be read
     std::vector<imsdk::st_dbReContactBean> contacts;
 };
 
@@ -45,8 +45,7 @@ void requireVersion(const PackagePlace& place, const std::string& version);
 /// Message files with a number after one that is missing.
 [[nodiscard]] long long countFilesBehindGap(const PackagePlace& place);
 
-/// How many files of the package an import could not read; `report` and `folder` are its report and message folder.
-[[nodiscard]] long long countUnreadableFiles(const PackagePlace& place, const TransferReport& report,
-                                             const std::string& folder);
+/// How many files of the package an import could not read; `report` is its report.
+[[nodiscard]] long long countUnreadableFiles(const PackagePlace& place, const TransferReport& report);
 
 }  // namespace app

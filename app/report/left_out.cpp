@@ -1,7 +1,6 @@
 #include "app/report/left_out.h"
 
 #include <ostream>
-#include <string_view>
 
 #include "app/base/printable.h"
 #include "app/base/units.h"
@@ -20,14 +19,9 @@ void printLeftOut(const TransferReport& report, std::ostream& out) {
         out << "  ... and " << grouped(report.skippedCount - kNamedAtMost) << " more\n";
 }
 
-bool isAttachment(const TransferReport::Skipped& skipped) {
-    constexpr std::string_view kBegin = "the attachment";
-    return skipped.reason.compare(0, kBegin.size(), kBegin) == 0;
-}
-
 std::string firstReasonBesideAttachments(const TransferReport& report) {
     for (const TransferReport::Skipped& skipped : report.skipped) {
-        if (!isAttachment(skipped)) return skipped.what + ": " + skipped.reason;
+        if (!chattransfer::isAttachment(skipped.kind)) return skipped.what + ": " + skipped.reason;
     }
     return "";
 }

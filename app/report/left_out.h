@@ -14,9 +14,6 @@ inline constexpr long long kNamedAtMost = 20;
 /// Lists them with their reasons; nothing when nothing was left out.
 void printLeftOut(const TransferReport& report, std::ostream& out);
 
-/// True for a left-out attachment; false for files, tables and records of a package or account.
-[[nodiscard]] bool isAttachment(const TransferReport::Skipped& skipped);
-
 /// The first left-out thing other than an attachment, with its reason; empty when there is none.
 [[nodiscard]] std::string firstReasonBesideAttachments(const TransferReport& report);
 

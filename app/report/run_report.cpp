@@ -121,7 +121,7 @@ void RunReport::printSummary(const std::string& heading) const {
 void RunReport::leaveOut(const TransferReport& report) {
     printLeftOut(report, std::cerr);
     for (const TransferReport::Skipped& skipped : report.skipped)
-        leftOut_.skip(skipped.what, skipped.reason);
+        leftOut_.add(skipped);
     leftOut_.skippedCount += report.skippedCount - static_cast<long long>(report.skipped.size());
 }
 

@@ -11,6 +11,7 @@ namespace app {
 namespace {
 
 namespace fs = std::filesystem;
+using chattransfer::Omission;
 
 [[noreturn]] void failToCopy(const std::string& path, const std::error_code& error) {
     throw Failure(
@@ -31,12 +32,11 @@ DryRunTree::DryRunTree(TreePlace real, const std::string& user) : real_(std::mov
     if (!fs::create_directories(copy_.root, error)) failToCopy(copy_.root, error);
     const TreeListing listing = listTree(real_.root);
     for (const UnreadableFolder& folder : listing.unreadable)
-        notCopied_.push_back({real_.root + "/" + folder.name, folder.reason});
+        leaveOut(folder.name, Omission::folderUnreadable, folder.reason);
     for (const TreeEntry& entry : listing.entries) {
         if (!isOfImport(entry.name)) continue;
         if (entry.kind == TreeEntryKind::file) copyFile(entry.name);
-        if (entry.kind == TreeEntryKind::other)
-            notCopied_.push_back({real_.root + "/" + entry.name, "is no regular file"});
+        if (entry.kind == TreeEntryKind::other) leaveOut(entry.name, Omission::treeFileIrregular);
     }
 }
 
@@ -46,15 +46,19 @@ void DryRunTree::copyFile(const std::string& name) {
     fs::create_directories(fs::path(to).parent_path(), error);
     if (!error) fs::copy_file(real_.root + "/" + name, to, error);
     if (error == std::errc::permission_denied) {
-        notCopied_.push_back({real_.root + "/" + name, "cannot be opened: " + error.message()});
+        leaveOut(name, Omission::treeFileUnreadable, error.message());
     } else if (error) {
         failToCopy(real_.root + "/" + name, error);
     }
 }
 
+void DryRunTree::leaveOut(const std::string& name, Omission kind, std::string_view detail) {
+    notCopied_.push_back(TransferReport::Skipped::of(real_.root + "/" + name, kind, detail));
+}
+
 void DryRunTree::settle(TreeImportFiles& files) const {
     for (const TransferReport::Skipped& one : notCopied_) {
-        files.report.skip(one.what, one.reason);
+        files.report.add(one);
         ++files.notDecrypted;
     }
     if (files.contacts.size() < 2) return;

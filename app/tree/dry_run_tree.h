@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "app/places/private_folder.h"
@@ -23,6 +24,7 @@ public:
 
 private:
     void copyFile(const std::string& name);
+    void leaveOut(const std::string& name, chattransfer::Omission kind, std::string_view detail = {});
 
     PrivateFolder folder_;
     TreePlace real_;

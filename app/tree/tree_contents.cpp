@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <set>
+#include <string_view>
 #include <utility>
 
 #include "app/base/file_version.h"
@@ -30,6 +31,7 @@ namespace app {
 namespace {
 
 namespace fs = std::filesystem;
+using chattransfer::Omission;
 using tools::JsonDocument;
 
 std::string endingOf(const std::string& name) {
@@ -57,7 +59,7 @@ public:
     TreeFacts run() {
         const TreeListing listing = listTree(source_.root);
         for (const UnreadableFolder& folder : listing.unreadable)
-            leaveOut(folder.name, folder.reason);
+            leaveOut(folder.name, Omission::folderUnreadable, folder.reason);
         // A record file stands before its decrypted copy.
         for (const TreeEntry& entry : listing.entries) {
             leaveIfInterrupted();
@@ -70,13 +72,13 @@ public:
 private:
     std::string pathOf(const std::string& name) const { return source_.root + "/" + name; }
 
-    void leaveOut(const std::string& name, const std::string& reason) {
-        facts_.unreadable.push_back({name.empty() ? source_.root : name, reason});
+    void leaveOut(const std::string& name, Omission kind, std::string_view detail = {}) {
+        facts_.unreadable.push_back(TransferReport::Skipped::of(name.empty() ? source_.root : name, kind, detail));
     }
 
     void takeRecordFile(const TreeEntry& entry) {
         if (entry.kind != TreeEntryKind::file) {
-            leaveOut(entry.name, "is not a regular file");
+            leaveOut(entry.name, Omission::treeFileIrregular);
             return;
         }
         TreeFileCounts& counts = facts_.files[endingOf(entry.name)];
@@ -99,7 +101,7 @@ private:
         std::array<char, 256> error{};
         CAES cipher;
         if (cipher.File_Aes_Go_Block(false, key_.c_str(), pathOf(name).c_str(), text.c_str(), error.data()) != 0) {
-            leaveOut(name, std::string("cannot be decrypted: ") + error.data());
+            leaveOut(name, Omission::treeFileUndecryptable, error.data());
             return;
         }
         opened_.insert(name);
@@ -131,7 +133,7 @@ private:
         const long long conversation =
             chattransfer::conversationOfPath(chattransfer::kTreeFolder + source_.user + "/" + name);
         if (conversation == chattransfer::kNoConversation) {
-            leaveOut(name, "its path names no conversation");
+            leaveOut(name, Omission::treeFileWithoutConversation);
             return;
         }
         for (chattransfer::MessageDay& day : file.days) {
@@ -157,9 +159,9 @@ private:
     bool isOfFormat(const std::string& name, bool isObject, const std::string& version, bool hasList) {
         if (isObject) ++facts_.versions[version];
         if (!isObject) {
-            leaveOut(name, "is not JSON of this format");
+            leaveOut(name, Omission::treeFileMalformed);
         } else if (!hasList) {
-            leaveOut(name, "has no list of records");
+            leaveOut(name, Omission::treeFileWithoutRecords);
         }
         return isObject && hasList;
     }

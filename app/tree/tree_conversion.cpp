@@ -17,6 +17,8 @@
 namespace app {
 namespace {
 
+using chattransfer::Omission;
+
 class Conversion {
 public:
     Conversion(CipherDirection direction, const std::string& from, const std::string& to, const std::string& key,
@@ -27,7 +29,7 @@ public:
         const TreeListing listing = listTree(from_);
         total_ = listing.entries.size();
         for (const UnreadableFolder& folder : listing.unreadable)
-            lose(folder.name.empty() ? from_ : folder.name, "cannot be read: " + folder.reason);
+            lose(folder.name.empty() ? from_ : folder.name, Omission::folderUnreadable, folder.reason);
         for (const TreeEntry& entry : listing.entries) {
             take(entry);
             countEntry();
@@ -42,9 +44,9 @@ private:
         if (entry.kind == TreeEntryKind::folder) {
             makeFolder(entry.name);
         } else if (entry.kind == TreeEntryKind::other) {
-            counts_.report.skip(entry.name, "is a link or no regular file");
+            counts_.report.skip(entry.name, Omission::treeEntryIrregular);
         } else if (tools::isTemporaryName(lastComponent(entry.name))) {
-            counts_.report.skip(entry.name, "is a leftover of an interrupted decryption");
+            counts_.report.skip(entry.name, Omission::treeFileLeftover);
         } else if (isDecryptedCopy(entry.name)) {
             decryptedCopies_.push_back(entry.name);  // the record file itself goes first
         } else if (!isRecordFile(entry.name)) {
@@ -60,7 +62,7 @@ private:
     void takeDecryptedCopy(const std::string& name) {
         const std::string target = nameWithoutDecrypted(name);
         if (tools::confinedNameTaken(to_, target)) {
-            counts_.report.skip(name, "is a second copy of a file that is there");
+            counts_.report.skip(name, Omission::treeFileSecondCopy);
         } else if (direction_ == CipherDirection::encrypt) {
             encrypt(name, target);
         } else {
@@ -98,7 +100,7 @@ private:
         } else if (error.compare(0, kCannotWrite.size(), kCannotWrite) == 0) {
             throw Failure({0, "A decrypted file cannot be written", to_ + name, error, kCheckThePlace});
         } else {
-            lose(name, "cannot be decrypted: " + error);
+            lose(name, Omission::treeFileUndecryptable, error);
         }
     }
 
@@ -110,8 +112,8 @@ private:
         return result == 0 ? "" : error.data();
     }
 
-    void lose(const std::string& name, const std::string& reason) {
-        counts_.report.skip(name, reason);
+    void lose(const std::string& name, Omission kind, const std::string& detail) {
+        counts_.report.skip(name, kind, detail);
         ++counts_.failed;
     }
 

@@ -21,15 +21,23 @@
 namespace app {
 namespace {
 
-bool beginsWith(const std::string& text, const std::string& beginning) {
-    return text.compare(0, beginning.size(), beginning) == 0;
+using chattransfer::Omission;
+using chattransfer::OmissionCause;
+using chattransfer::OmittedThing;
+
+// A decrypted file that is there and says nothing that an import understands.
+bool isNotUnderstood(Omission kind) {
+    const OmittedThing thing = chattransfer::thingOf(kind);
+    const OmissionCause cause = chattransfer::causeOf(kind);
+    return (thing == OmittedThing::treeFile || thing == OmittedThing::contactFile) &&
+           cause != OmissionCause::undecryptable && cause != OmissionCause::unreadable;
 }
 
 // Every kind of file is searched for in the same folders: they are named once.
 void noteUnreadable(const TransferReport& found, std::set<std::string>& named, TreeImportFiles& files) {
     for (const TransferReport::Skipped& skipped : found.skipped) {
         if (!named.insert(skipped.what).second) continue;
-        files.report.skip(skipped.what, skipped.reason);
+        files.report.add(skipped);
         ++files.notDecrypted;
     }
     const long long unnamed = found.skippedCount - static_cast<long long>(found.skipped.size());
@@ -105,10 +113,9 @@ void requireTreeVersion(const TreeImportFiles& files, const dbTrans& transfer) {
                    "if the tree is what you want, give its version with --package-version"});
 }
 
-long long countNotParsed(const TransferReport& report, const std::string& root) {
-    return std::count_if(report.skipped.begin(), report.skipped.end(), [&root](const TransferReport::Skipped& skipped) {
-        return beginsWith(skipped.what, root) && !beginsWith(skipped.reason, "cannot be");
-    });
+long long countNotParsed(const TransferReport& report) {
+    return std::count_if(report.skipped.begin(), report.skipped.end(),
+                         [](const TransferReport::Skipped& skipped) { return isNotUnderstood(skipped.kind); });
 }
 
 void removeImported(const dbTrans& transfer, const TreeImportFiles& files) {

@@ -32,7 +32,7 @@ enum class TreeKinds { messages, all };
 void requireTreeVersion(const TreeImportFiles& files, const dbTrans& transfer);
 
 /// How many of the named files could be decrypted, but not understood. More may be when the report has overflowed.
-[[nodiscard]] long long countNotParsed(const TransferReport& report, const std::string& root);
+[[nodiscard]] long long countNotParsed(const TransferReport& report);
 
 /// Removes the decrypted copies of which everything has arrived, after a whole import into the main database: they are
 /// the only copies, so a doubt keeps them.

@@ -95,8 +95,8 @@ void Verification::readPackageFiles() {
     // Of several entries for one conversation an import stores the first.
     for (const st_dbReContactBean& contact : facts_.contacts)
         contacts_.emplace(asPackaged(contact.targetID), &contact);
-    for (const std::string& path : facts_.unreadable)
-        report_.add(Finding::fileUnreadable, path);
+    for (const TransferReport::Skipped& file : facts_.unreadable)
+        report_.add(Finding::fileUnreadable, file.what);
     if (facts_.filesBehindGap > 0) {
         report_.add(Finding::fileUnreadable,
                     counted(facts_.filesBehindGap, "message file stands", "message files stand") +

@@ -9,15 +9,15 @@ void countAttachment(TransferReport& report, const std::string& name, tools::Fil
             return;
         case tools::FileOutcome::missing:
             ++report.attachmentsMissing;
-            report.skip(name, "the attachment is missing");
+            report.skip(name, Omission::attachmentMissing);
             return;
         case tools::FileOutcome::refused:
             ++report.attachmentsRefused;
-            report.skip(name, "the attachment's name leads outside its folder, or is no regular file");
+            report.skip(name, Omission::attachmentRefused);
             return;
         case tools::FileOutcome::failed:
             ++report.attachmentsFailed;
-            report.skip(name, "the attachment could not be written");
+            report.skip(name, Omission::attachmentNotWritten);
             return;
     }
 }

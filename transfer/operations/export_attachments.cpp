@@ -30,7 +30,7 @@ int dbTrans::exportFile() {
     // Message files and attachments become durable together: a flush for each would cost more than the export.
     const bool anythingToFlush = tools::presenceOf(imFileDir) != tools::Presence::absent;
     if (anythingToFlush && !tools::flushFileSystem(imFileDir))
-        report.skip(imFileDir, "the package could not be flushed to the disk");
+        report.skip(imFileDir, chattransfer::Omission::packageNotFlushed);
     progress.report(2, attachmentTotal, attachmentTotal);
     return 1;
 }

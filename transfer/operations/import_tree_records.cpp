@@ -15,7 +15,7 @@ int dbTrans::readContactFromFileNJ() {
     chattransfer::listTreeFiles(tree.root, {chattransfer::kContactExtension, tree.key}, paths, report);
     for (const std::string& path : paths) {
         const chattransfer::ErrorCode read = chattransfer::readContactFile(path, tree.version, reContacts, report);
-        if (read == chattransfer::kMissing) report.skip(path, "is gone");
+        if (read == chattransfer::kMissing) report.skip(path, chattransfer::Omission::contactFileMissing);
     }
     return asInt(chattransfer::kSuccess);
 }

@@ -10,7 +10,7 @@ using imsdk::st_dbMessageBean;
 namespace {
 
 void noteUnplaced(TransferReport& report, const std::string& dayKey) {
-    report.skip(dayKey, "the day key is too long: a message was left out");
+    report.skip(dayKey, chattransfer::Omission::messageUnplaced);
 }
 
 chattransfer::MessageSource sourceOf(dbTrans& transfer) {

@@ -52,7 +52,7 @@ void writeContactFile(const std::string& path, const std::string& version,
     if (file && json_serialize_to_file(file.get(), path.c_str()) == JSONSuccess) {
         report.contactsWritten += static_cast<long long>(contacts.size());
     } else {
-        report.skip(path, "the recent-contact file could not be written");
+        report.skip(path, Omission::contactFileNotWritten);
     }
 }
 
@@ -62,12 +62,12 @@ ErrorCode readContactFile(const std::string& path, const std::string& version,
     contacts.clear();
     const JsonDocument document(json_parse_file_no_link(path.c_str()));
     if (!document) {
-        report.skip(path, "the recent-contact file is not JSON");
+        report.skip(path, Omission::contactFileNotJson);
         return kNotJson;
     }
     const JSON_Object* file = json_value_get_object(document.get());
     if (!hasVersion(file, version)) {
-        report.skip(path, "the recent-contact file has another version");
+        report.skip(path, Omission::contactFileOtherVersion);
         return kWrongVersion;
     }
     forEachObject(json_object_get_array(file, kRecentContactsKey),

@@ -41,7 +41,7 @@ public:
             ++report_.messageFilesWritten;
             report_.messagesWritten += messages_;
         } else {
-            report_.skip(path, "the message file could not be written");
+            report_.skip(path, Omission::messageFileNotWritten);
         }
     }
 

@@ -55,7 +55,7 @@ void selectFromAllTables(MessageSource source, const FirstDay& since, Take take)
         if (!isMessageTable(table)) continue;
         const SelectStatement statement = selectStatement(table, since);
         if (!isPlainTableName(table) || !statement.fits()) {
-            source.report.skip(table, "the table's name cannot stand in a statement");
+            source.report.skip(table, Omission::tableMisnamed);
             continue;
         }
         const bool whole = selectMessages(source.db, statement, [&](imsdk::st_dbMessageBean& message) {
@@ -65,7 +65,7 @@ void selectFromAllTables(MessageSource source, const FirstDay& since, Take take)
                 static_cast<void>(source.attachments.take(message.body, message.msgType));
             take(message);
         });
-        if (!whole) source.report.skip(table, "the table could not be read whole: " + source.db.lastError());
+        if (!whole) source.report.skip(table, Omission::tableUnreadable, source.db.lastError());
     }
 }
 

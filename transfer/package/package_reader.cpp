@@ -28,8 +28,7 @@ ErrorCode PackageReader::readAll(Progress& progress, int fileCount) {
     for (int i = 0;; ++i) {
         const std::string path = messageFilePath(source_.messages, i);
         const tools::Presence presence = tools::presenceOf(path);
-        if (presence == tools::Presence::unknown)
-            report_.skip(path, "whether this message file is there cannot be said; none is read from here on");
+        if (presence == tools::Presence::unknown) report_.skip(path, Omission::messageFileUncertain);
         if (presence != tools::Presence::present) return kSuccess;
         const FileResult result = readFile(path);
         if (result == FileResult::wrongVersion) return kWrongVersion;
@@ -39,21 +38,21 @@ ErrorCode PackageReader::readAll(Progress& progress, int fileCount) {
 
 PackageReader::FileResult PackageReader::readFile(const std::string& path) {
     if (!readBackupFile(source_.attachments.backup, path, text_))
-        return leaveOut(path, "the message file cannot be read");
+        return leaveOut(path, Omission::messageFileUnreadable);
     MessageFileContent file = readMessageFileText(text_);
-    if (!file.isObject) return leaveOut(path, "the message file is not a JSON object");
+    if (!file.isObject) return leaveOut(path, Omission::messageFileNotJson);
     if (!isVersion(file.version, source_.version)) {
-        report_.skip(path, "the message file has another version than " + source_.version);
+        report_.skip(path, Omission::messageFileOtherVersion, source_.version);
         return FileResult::wrongVersion;
     }
-    if (!file.hasDays) return leaveOut(path, "the message file has no list of days");
+    if (!file.hasDays) return leaveOut(path, Omission::messageFileWithoutDays);
     for (MessageDay& day : file.days)
         takeDay(day);
     return FileResult::read;
 }
 
-PackageReader::FileResult PackageReader::leaveOut(const std::string& path, const char* reason) {
-    report_.skip(path, reason);
+PackageReader::FileResult PackageReader::leaveOut(const std::string& path, Omission kind) {
+    report_.skip(path, kind);
     return FileResult::leftOut;
 }
 

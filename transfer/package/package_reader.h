@@ -47,7 +47,7 @@ private:
     enum class FileResult { read, leftOut, wrongVersion };
 
     [[nodiscard]] FileResult readFile(const std::string& path);
-    [[nodiscard]] FileResult leaveOut(const std::string& path, const char* reason);
+    [[nodiscard]] FileResult leaveOut(const std::string& path, Omission kind);
     void takeDay(MessageDay& day);
     [[nodiscard]] std::vector<imsdk::st_dbMessageBean>& messagesOf(long long targetID);
 

@@ -13,7 +13,7 @@ std::string openMessageTable(TransferReport& report, imsdk::dbUtils& db, TableIn
     const tools::FixedText<1024> create(  // room for the schema and any such name
         kCreateMessageTable, name.c_str());
     if (db.excuteNonQuery(create.text()) == 0) {
-        report.skip(name, "the conversation's table could not be created: " + db.lastError());
+        report.skip(name, Omission::conversationTableNotCreated, db.lastError());
         return {};
     }
     tables.add(name);
@@ -36,7 +36,7 @@ int insertMessage(TransferReport& report, imsdk::dbUtils& db, imsdk::dbCommand& 
         ++report.messagesDuplicate;
     } else {
         ++report.messagesRefused;
-        report.skip("message " + std::to_string(record.msgID), "the database refused it: " + db.lastError());
+        report.skip("message " + std::to_string(record.msgID), Omission::messageRefused, db.lastError());
     }
     return stored;
 }

@@ -46,7 +46,7 @@ template <class Work>
     }
     if (!db.transactionFailed()) return result;
     before.restoreIn(report);
-    report.skip(what, "the transaction failed: " + db.lastError());
+    report.skip(what, Omission::transactionLost, db.lastError());
     return kDatabaseFailed;
 }
 

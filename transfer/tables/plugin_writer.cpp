@@ -8,18 +8,8 @@ namespace {
 
 bool makePluginTable(imsdk::dbUtils& plugin, const char* name, const char* create, TransferReport& report) {
     if (tableExists(plugin, name) || plugin.excuteNonQuery(create) != 0) return true;
-    report.skip(name, "the table could not be created: " + plugin.lastError());
+    report.skip(name, Omission::tableNotCreated, plugin.lastError());
     return false;
-}
-
-// Counts an insert whose result changes nothing else.
-void countInsert(imsdk::dbUtils& plugin, imsdk::dbCommand& insert, long long& inserted, const char* what,
-                 TransferReport& report) {
-    if (plugin.excuteNonQuery(&insert) != 0) {
-        ++inserted;
-    } else {
-        report.skip(what, "the database refused it: " + plugin.lastError());
-    }
 }
 
 }  // namespace
@@ -38,7 +28,11 @@ void writeNotes(imsdk::dbUtils& plugin, const std::vector<st_noteTrans>& notes, 
             continue;
         }
         bindNote(insert, note);
-        countInsert(plugin, insert, report.notesInserted, "a note", report);
+        if (plugin.excuteNonQuery(&insert) != 0) {
+            ++report.notesInserted;
+        } else {
+            report.skip("a note", Omission::noteRefused, plugin.lastError());
+        }
     }
 }
 
@@ -50,7 +44,11 @@ void writeRooms(imsdk::dbUtils& plugin, const std::vector<st_roomTrans>& rooms, 
             continue;
         }
         bindRoom(insert, room);
-        countInsert(plugin, insert, report.roomsInserted, "a room", report);
+        if (plugin.excuteNonQuery(&insert) != 0) {
+            ++report.roomsInserted;
+        } else {
+            report.skip("a room", Omission::roomRefused, plugin.lastError());
+        }
     }
 }
 

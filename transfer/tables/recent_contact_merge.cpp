@@ -70,13 +70,13 @@ void readRecentContacts(imsdk::dbUtils& db, std::vector<st_dbReContactBean>& con
         readRecentContactRow(reader, contact);
         contacts.push_back(std::move(contact));
     }
-    if (reader.failed()) report.skip(kRecentContactTable, "the table could not be read whole: " + db.lastError());
+    if (reader.failed()) report.skip(kRecentContactTable, Omission::tableUnreadable, db.lastError());
 }
 
 ErrorCode makeRecentContactTable(imsdk::dbUtils& db, std::vector<std::string>& tableNames, TransferReport& report) {
     if (hasTable(tableNames, kRecentContactTable)) return kSuccess;
     if (db.excuteNonQuery(kCreateRecentContactTable) == 0) {
-        report.skip(kRecentContactTable, "the table could not be created: " + db.lastError());
+        report.skip(kRecentContactTable, Omission::tableNotCreated, db.lastError());
         return kDatabaseFailed;
     }
     tableNames.emplace_back(kRecentContactTable);

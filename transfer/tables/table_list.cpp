@@ -13,7 +13,7 @@ void listTables(imsdk::dbUtils& db, std::vector<std::string>& names, TransferRep
         names.push_back(reader.getColumnValue(0));
     if (!reader.failed()) return;
     names.clear();
-    report.skip("the list of tables", "it could not be read whole: " + db.lastError());
+    report.skip("the list of tables", Omission::tableListUnreadable, db.lastError());
 }
 
 bool hasTable(const std::vector<std::string>& names, const std::string& name) {

@@ -9,19 +9,19 @@
 namespace chattransfer {
 namespace {
 
-std::string whyNotRead(const std::string& path) {
+void skipUnread(const std::string& path, TransferReport& report) {
     const tools::FileStatus status = tools::statusOf(path);
-    if (status.error == ENOENT) return "is gone";
-    if (status.kind != tools::FileKind::regular) return "is not a regular file";
+    if (status.error == ENOENT) return report.skip(path, Omission::treeFileMissing);
+    if (status.kind != tools::FileKind::regular) return report.skip(path, Omission::treeFileIrregular);
     const int error = tools::readingRefusal(path);
-    return error == 0 ? "cannot be read" : "cannot be read: " + std::generic_category().message(error);
+    report.skip(path, Omission::treeFileUnreadable, error == 0 ? "" : std::generic_category().message(error));
 }
 
 }  // namespace
 
 bool readTreeText(const std::string& path, std::string& text, TransferReport& report) {
     if (tools::readWholeFile(path, text)) return true;
-    report.skip(path, whyNotRead(path));
+    skipUnread(path, report);
     return false;
 }
 
@@ -29,12 +29,8 @@ tools::JsonDocument readTreeFile(const std::string& path, TransferReport& report
     std::string text;
     if (!readTreeText(path, text, report)) return nullptr;
     tools::JsonDocument document(json_parse_string(text.c_str()));
-    if (!document) report.skip(path, kNotJsonReason);
+    if (!document) report.skip(path, Omission::treeFileNotJson);
     return document;
-}
-
-void skipOtherVersion(const std::string& path, const std::string& expected, TransferReport& report) {
-    report.skip(path, std::string(kOtherVersionReason) + " than " + expected);
 }
 
 }  // namespace chattransfer

@@ -8,19 +8,10 @@
 
 namespace chattransfer {
 
-/// The report's word for a file that does not parse.
-inline constexpr const char* kNotJsonReason = "is not JSON";
-
-/// How its reason begins for a file of another version.
-inline constexpr const char* kOtherVersionReason = "has another version";
-
 /// Reads the text of a file. False when it is gone, no regular file or cannot be read; the report then says which.
 [[nodiscard]] bool readTreeText(const std::string& path, std::string& text, TransferReport& report);
 
 /// The parsed file. Null, with an entry in the report, when it cannot be read or is not JSON.
 [[nodiscard]] tools::JsonDocument readTreeFile(const std::string& path, TransferReport& report);
-
-/// The report's entry for a file of another version than the expected one, which ends an import.
-void skipOtherVersion(const std::string& path, const std::string& expected, TransferReport& report);
 
 }  // namespace chattransfer

@@ -24,7 +24,7 @@ ErrorCode TreeMessageImport::take(const std::vector<std::string>& paths) {
 ErrorCode TreeMessageImport::takeFile(const std::string& path) {
     const long long targetID = conversationOfPath(path);
     if (targetID == kNoConversation) {
-        report_.skip(path, "its path names no conversation");
+        report_.skip(path, Omission::treeFileWithoutConversation);
         return kSuccess;
     }
     if (conversation_ != targetID) openConversation(targetID);
@@ -32,11 +32,11 @@ ErrorCode TreeMessageImport::takeFile(const std::string& path) {
     if (!readTreeText(path, text, report_)) return kSuccess;
     MessageFileContent file = readMessageFileText(text);
     if (!file.isJson) {
-        report_.skip(path, kNotJsonReason);
+        report_.skip(path, Omission::treeFileNotJson);
         return kSuccess;
     }
     if (!isVersion(file.version, owner_.version)) {
-        skipOtherVersion(path, owner_.version, report_);
+        report_.skip(path, Omission::treeFileOtherVersion, owner_.version);
         return kWrongVersion;
     }
     takeMessages(file, path);
@@ -54,10 +54,10 @@ void TreeMessageImport::openConversation(long long targetID) {
 
 void TreeMessageImport::takeMessages(MessageFileContent& file, const std::string& path) {
     if (!file.hasDays) {
-        report_.skip(path, "has no list of days");
+        report_.skip(path, Omission::treeFileWithoutDays);
         return;
     }
-    if (!tableOpen_) report_.skip(path, "its conversation has no table");
+    if (!tableOpen_) report_.skip(path, Omission::treeFileWithoutTable);
     const long long refusedBefore = report_.messagesRefused;
     for (MessageDay& day : file.days) {
         for (imsdk::st_dbMessageBean& message : day.messages)

@@ -53,7 +53,7 @@ template <class Record, class Taken>
         if (!document) continue;
         const JSON_Object* file = json_value_get_object(document.get());
         if (!hasVersion(file, tree.version)) {
-            skipOtherVersion(path, tree.version, report);
+            report.skip(path, Omission::treeFileOtherVersion, tree.version);
             return kWrongVersion;
         }
         const JSON_Array* list = json_object_get_array(file, kind.listKey);

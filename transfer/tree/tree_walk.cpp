@@ -18,7 +18,7 @@ namespace {
 // What is not there holds nothing; what cannot be read may hold something.
 void noteUnreadable(TransferReport& report, const std::string& path, const std::string& whatFor, int error) {
     if (error == 0 || error == ENOENT) return;
-    report.skip(path, "cannot be searched for " + whatFor + ": " + std::generic_category().message(error));
+    report.skip(path, Omission::folderNotSearched, whatFor + ": " + std::generic_category().message(error));
 }
 
 bool endsWith(std::string_view name, std::string_view ending) {
@@ -60,7 +60,7 @@ private:
         std::array<char, 256> error{};
         CAES cipher;
         if (cipher.File_Aes_Go_Block(false, search_.key.c_str(), source.c_str(), target.c_str(), error.data()) != 0) {
-            report_.skip(source, std::string("cannot be decrypted: ") + error.data());
+            report_.skip(source, Omission::treeFileUndecryptable, error.data());
             return;
         }
         static_cast<void>(tools::removeFile(source));
