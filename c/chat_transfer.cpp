@@ -250,6 +250,11 @@ const char* chat_transfer_left_out_reason(const chat_transfer* transfer, std::si
     return skipped != nullptr ? skipped->reason.c_str() : "";
 }
 
+std::int32_t chat_transfer_left_out_kind(const chat_transfer* transfer, std::size_t index) {
+    const TransferReport::Skipped* skipped = leftOut(transfer, index);
+    return skipped != nullptr ? static_cast<std::int32_t>(skipped->kind) : 0;
+}
+
 const char* chat_transfer_error_text(const chat_transfer* transfer) {
     return transfer != nullptr ? transfer->error.c_str() : "";
 }

@@ -152,6 +152,47 @@ void chat_transfer_get_counts(const chat_transfer* transfer, chat_transfer_count
 const char* chat_transfer_left_out_name(const chat_transfer* transfer, size_t index);
 const char* chat_transfer_left_out_reason(const chat_transfer* transfer, size_t index);
 
+/* What kind of thing it is and why it was left out, for programs: one of those below, or one that a later version adds.
+ * The hundreds say what it is: 1 an attachment, 2 a message file of a package, 3 a file of recent contacts, 4 a file of
+ * a tree, 5 a folder, 6 a table, 7 a message, 8 a note, 9 a room, 10 all of a transaction, 11 the package. 0 beyond the
+ * last that is kept. */
+int32_t chat_transfer_left_out_kind(const chat_transfer* transfer, size_t index);
+
+#define CHAT_TRANSFER_LEFT_OUT_ATTACHMENT_MISSING INT32_C(101)
+#define CHAT_TRANSFER_LEFT_OUT_ATTACHMENT_REFUSED INT32_C(102)
+#define CHAT_TRANSFER_LEFT_OUT_ATTACHMENT_NOT_WRITTEN INT32_C(103)
+#define CHAT_TRANSFER_LEFT_OUT_MESSAGE_FILE_NOT_WRITTEN INT32_C(201)
+#define CHAT_TRANSFER_LEFT_OUT_MESSAGE_FILE_UNREADABLE INT32_C(202)
+#define CHAT_TRANSFER_LEFT_OUT_MESSAGE_FILE_NOT_JSON INT32_C(203)
+#define CHAT_TRANSFER_LEFT_OUT_MESSAGE_FILE_OTHER_VERSION INT32_C(204)
+#define CHAT_TRANSFER_LEFT_OUT_MESSAGE_FILE_WITHOUT_DAYS INT32_C(205)
+#define CHAT_TRANSFER_LEFT_OUT_MESSAGE_FILE_UNCERTAIN INT32_C(206)
+#define CHAT_TRANSFER_LEFT_OUT_CONTACT_FILE_NOT_WRITTEN INT32_C(301)
+#define CHAT_TRANSFER_LEFT_OUT_CONTACT_FILE_MISSING INT32_C(302)
+#define CHAT_TRANSFER_LEFT_OUT_CONTACT_FILE_NOT_JSON INT32_C(303)
+#define CHAT_TRANSFER_LEFT_OUT_CONTACT_FILE_OTHER_VERSION INT32_C(304)
+#define CHAT_TRANSFER_LEFT_OUT_TREE_FILE_UNDECRYPTABLE INT32_C(401)
+#define CHAT_TRANSFER_LEFT_OUT_TREE_FILE_MISSING INT32_C(402)
+#define CHAT_TRANSFER_LEFT_OUT_TREE_FILE_IRREGULAR INT32_C(403)
+#define CHAT_TRANSFER_LEFT_OUT_TREE_FILE_UNREADABLE INT32_C(404)
+#define CHAT_TRANSFER_LEFT_OUT_TREE_FILE_NOT_JSON INT32_C(405)
+#define CHAT_TRANSFER_LEFT_OUT_TREE_FILE_OTHER_VERSION INT32_C(406)
+#define CHAT_TRANSFER_LEFT_OUT_TREE_FILE_WITHOUT_DAYS INT32_C(407)
+#define CHAT_TRANSFER_LEFT_OUT_TREE_FILE_WITHOUT_CONVERSATION INT32_C(408)
+#define CHAT_TRANSFER_LEFT_OUT_TREE_FILE_WITHOUT_TABLE INT32_C(409)
+#define CHAT_TRANSFER_LEFT_OUT_FOLDER_NOT_SEARCHED INT32_C(501)
+#define CHAT_TRANSFER_LEFT_OUT_TABLE_LIST_UNREADABLE INT32_C(601)
+#define CHAT_TRANSFER_LEFT_OUT_TABLE_MISNAMED INT32_C(602)
+#define CHAT_TRANSFER_LEFT_OUT_TABLE_UNREADABLE INT32_C(603)
+#define CHAT_TRANSFER_LEFT_OUT_TABLE_NOT_CREATED INT32_C(604)
+#define CHAT_TRANSFER_LEFT_OUT_CONVERSATION_TABLE_NOT_CREATED INT32_C(605)
+#define CHAT_TRANSFER_LEFT_OUT_MESSAGE_UNPLACED INT32_C(701)
+#define CHAT_TRANSFER_LEFT_OUT_MESSAGE_REFUSED INT32_C(702)
+#define CHAT_TRANSFER_LEFT_OUT_NOTE_REFUSED INT32_C(801)
+#define CHAT_TRANSFER_LEFT_OUT_ROOM_REFUSED INT32_C(901)
+#define CHAT_TRANSFER_LEFT_OUT_TRANSACTION_LOST INT32_C(1001)
+#define CHAT_TRANSFER_LEFT_OUT_PACKAGE_NOT_FLUSHED INT32_C(1101)
+
 /* What the last failed operation has to say beyond its result, in English: for example the database's own words. Empty
  * when none failed. */
 const char* chat_transfer_error_text(const chat_transfer* transfer);

@@ -163,7 +163,9 @@ static void failures_have_a_result_and_words(void) {
     CHECK(counts_of(transfer).left_out > 0);
     CHECK(strlen(chat_transfer_left_out_name(transfer, 0)) > 0);
     CHECK(strlen(chat_transfer_left_out_reason(transfer, 0)) > 0);
+    CHECK(chat_transfer_left_out_kind(transfer, 0) == CHAT_TRANSFER_LEFT_OUT_MESSAGE_FILE_OTHER_VERSION);
     CHECK(strlen(chat_transfer_left_out_name(transfer, 100000)) == 0);
+    CHECK(chat_transfer_left_out_kind(transfer, 100000) == 0);
     chat_transfer_free(transfer);
 }
 
@@ -177,6 +179,7 @@ static void null_arguments_are_refused(void) {
     CHECK(chat_transfer_import_package(transfer, (chat_transfer_database)7) == CHAT_TRANSFER_INVALID);
     CHECK(chat_transfer_import_tree(NULL) == CHAT_TRANSFER_INVALID);
     CHECK(strlen(chat_transfer_error_text(NULL)) == 0);
+    CHECK(chat_transfer_left_out_kind(NULL, 0) == 0);
     CHECK(strlen(chat_transfer_meaning(CHAT_TRANSFER_INVALID)) > 0);
     memset(&counts, 0x55, sizeof(counts));
     chat_transfer_get_counts(transfer, &counts, sizeof(counts.messages_selected));
