@@ -92,6 +92,7 @@ void addLeftOut(JSON_Object* document, const TransferReport& report) {
     for (const TransferReport::Skipped& skipped : report.skipped) {
         JSON_Object* one = appendObject(named);
         set(one, "what", skipped.what);
+        set(one, "kind", std::string(chattransfer::wordOf(skipped.kind)));
         set(one, "reason", skipped.reason);
     }
 }

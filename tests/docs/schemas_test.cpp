@@ -354,6 +354,18 @@ TEST_F(RealReports, OfTheCommandsForTreesObeyTheSchema) {
     reportOf(with("verify", {"--from", "plain", "--account", "new", "--key-file", "key"}), 0);
 }
 
+TEST_F(RealReports, OfWhatWasLeftOutHaveAKindOfTheSchema) {
+    reportOf(with("sample", {"--account", "account"}), 0);
+    fs::remove_all(home_.at("account/image"));
+    json report = reportOf(with("export", {"--account", "account", "--to", "backup"}), 0);
+    json& kind = report.at("/leftOut/named/0/kind"_json_pointer);
+    EXPECT_EQ("attachmentMissing", kind);
+    kind = "the attachment is missing";
+    EXPECT_NE("", Validator("run-report").fault(report));
+    report.at("/leftOut/named/0"_json_pointer).erase("kind");
+    EXPECT_NE("", Validator("run-report").fault(report));
+}
+
 TEST_F(RealReports, OfAFailureHaveItsWords) {
     const json report = reportOf(with("import", {"--account", "copy", "--from", "nowhere"}), 1);
     EXPECT_EQ("failed", report.at("outcome"));

@@ -93,7 +93,7 @@ TEST_F(RunReport, OfAnImportCountsDuplicatesAndAttachmentsThatAreThere) {
     EXPECT_EQ("1", said("summary.attachments.copied"));
 }
 
-TEST_F(RunReport, GivesTheReasonOfWhatWasLeftOut) {
+TEST_F(RunReport, GivesTheKindAndTheReasonOfWhatWasLeftOut) {
     makeSample("account");
     fs::remove_all(at("account/image"));
     ASSERT_EXIT_CODE(0, exportFrom("account", "package", reported()));
@@ -101,6 +101,8 @@ TEST_F(RunReport, GivesTheReasonOfWhatWasLeftOut) {
     EXPECT_EQ("2", said("summary.attachments.missing"));
     const std::vector<std::string> reasons = {"the attachment is missing", "the attachment is missing"};
     EXPECT_EQ(reasons, listed("leftOut.named", "reason"));
+    const std::vector<std::string> kinds = {"attachmentMissing", "attachmentMissing"};
+    EXPECT_EQ(kinds, listed("leftOut.named", "kind"));
 }
 
 TEST_F(RunReport, OfAFailedRunHasTheWordsAndTheCode) {
