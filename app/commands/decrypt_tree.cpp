@@ -49,6 +49,7 @@ bool decryptedWhole(RunReport& run, const ConversionCounts& counts) {
 
 int runDecryptTree(const DecryptTreeOptions& options, RunReport& run) {
     const TreePlace place = findTree(options.from, options.user);
+    run.given = place.given;
     const std::string target = resolvedPath(options.to).string();
     refuseTargetInside(place.root, target);
     const SecretText key = requireTreeKey(options.key, options.to, KeyPurpose::unlock);

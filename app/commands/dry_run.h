@@ -39,6 +39,9 @@ public:
 
     [[nodiscard]] const TreePlace& place() const { return copy_ ? copy_->place() : tree_; }
 
+    /// What the person named: also for a copy.
+    [[nodiscard]] const GivenFolder& given() const { return tree_.given; }
+
     /// Once the files are decrypted: makes those of a copy count as those of the tree would.
     void settle(TreeImportFiles& files) const;
 

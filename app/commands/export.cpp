@@ -52,12 +52,12 @@ void select(dbTrans& transfer, const ExportOptions& options, const Account& acco
     throw Failure(words);
 }
 
-void write(dbTrans& transfer, Layout layout, const std::string& package) {
+void write(dbTrans& transfer, Layout layout, const std::string& package, const GivenFolder& given) {
     const unsigned int code = layout == Layout::days ? transfer.wtMsgToFile() : transfer.wtMsgToFile2();
     if (code != chattransfer::kSuccess) throw Failure({code, "The package could not be written", package, "", ""});
     if (holdsAll(transfer, layout)) return;
     throw Failure({0, "The package could not be written whole, and none was left", package,
-                   firstReasonBesideAttachments(transfer.report),
+                   firstReasonBesideAttachments(asGiven(transfer.report, given)),
                    "check that the disk is not full, then run the export again"});
 }
 
@@ -125,6 +125,7 @@ int runExport(const ExportOptions& options, RunReport& run) {
     const InterruptsMark interrupts;
     FolderStaging staging((resolvedPath(options.to) / chattransfer::kPackageName).string(), stagedPackage());
     staging.enter();
+    run.given = {options.to, staging.place(), staging.place()};
 
     ProgressBar progress(run.phases,
                          {{"Reading the messages", 35}, {"Writing message files", 35}, {"Copying attachments", 25}});
@@ -144,7 +145,7 @@ int runExport(const ExportOptions& options, RunReport& run) {
         std::cout << "To export: " << inWords(size) << '\n' << std::flush;
         requireRoom(size, staging.place());
         progress.begin("Writing the package", {{1, "Writing message files"}, {2, "Copying attachments"}});
-        write(transfer, layout, staging.target());
+        write(transfer, layout, staging.target(), run.given);
         leaveIfInterrupted();
     };
     interruptible(work, [] {

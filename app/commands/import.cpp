@@ -88,6 +88,7 @@ std::string whatIsWritten(const TransferReport& report) {
 int runImport(const ImportOptions& options, RunReport& run) {
     run.dryRun = options.dryRun;
     const PackagePlace place = findPackage(options.from, options.user);
+    run.given = place.given;
     requireVersion(place, options.packageVersion);
     const Account account(options.account);
     const SecretText key = findKey(options.key, account);

@@ -83,7 +83,7 @@ void setUserFolders(dbTrans& transfer, const Account& account) {
     transfer.userVideoDir = account.root() + chattransfer::kVideoFolder;
 }
 
-[[noreturn]] void failOnVersion(const dbTrans& transfer) {
+[[noreturn]] void failOnVersion(const dbTrans& transfer, const GivenFolder& given) {
     FailureWords words{chattransfer::kWrongVersion, "The import stopped; what earlier files brought stays", "", "",
                        "take that file out of the tree, or give its version with --package-version; import again: "
                        "nothing doubles"};
@@ -92,35 +92,39 @@ void setUserFolders(dbTrans& transfer, const Account& account) {
         return one.kind == chattransfer::Omission::treeFileOtherVersion;
     });
     if (other != skipped.rend()) {
-        words.path = other->what;
+        words.path = given.nameOf(other->what);
         words.reason = other->reason;
     }
     throw Failure(words);
 }
 
-void requireDone(int result, const dbTrans& transfer, const imsdk::dbUtils& db, const FailureWords& words) {
+void requireDone(int result, const dbTrans& transfer, const imsdk::dbUtils& db, const FailureWords& words,
+                 const GivenFolder& given) {
     const auto code = static_cast<unsigned int>(result);
     if (code == chattransfer::kSuccess) return;
-    if (code == chattransfer::kWrongVersion) failOnVersion(transfer);
+    if (code == chattransfer::kWrongVersion) failOnVersion(transfer, given);
     throw Failure({code, words.what, words.path, db.lastError(),
                    "close the client, check that the disk is not full, and import again: nothing doubles"});
 }
 
-void importIntoMain(dbTrans& transfer, const Account& account, ProgressBar& progress) {
+void importIntoMain(dbTrans& transfer, const Account& account, const GivenFolder& given, ProgressBar& progress) {
     progress.begin(
         "Importing",
         {{0, "Reading recent contacts"}, {1, "Importing messages"}, {2, "Reading notes"}, {3, "Reading rooms"}});
     requireDone(transfer.rdAllFromFileNJ(), transfer, transfer.mainDb,
-                {0, "The messages could not be written; none of them was kept", account.database(Database::main)});
+                {0, "The messages could not be written; none of them was kept", account.database(Database::main)},
+                given);
     leaveIfInterrupted();
     requireDone(transfer.wtAllToDBNJ(), transfer, transfer.pluginDb,
-                {0, "The notes and rooms could not be written; the messages stay", account.pluginDatabase()});
+                {0, "The notes and rooms could not be written; the messages stay", account.pluginDatabase()}, given);
 }
 
-void importIntoBack(dbTrans& transfer, const Account& account, bool removeDecrypted, ProgressBar& progress) {
+void importIntoBack(dbTrans& transfer, const Account& account, const GivenFolder& given, bool removeDecrypted,
+                    ProgressBar& progress) {
     progress.begin("Importing messages", {});
     requireDone(transfer.readMsgFromFileNJBack(removeDecrypted), transfer, transfer.backDb,
-                {0, "The messages could not be written; none of them was kept", account.database(Database::back)});
+                {0, "The messages could not be written; none of them was kept", account.database(Database::back)},
+                given);
 }
 
 long long countThere(const std::vector<std::string>& paths) {
@@ -185,11 +189,12 @@ void remark(RunReport& run, const ImportTreeOptions& options, const TreeImportFi
         run.warn(counted(kept, "decrypted copy was", "decrypted copies were") + " kept: not all of it has arrived");
 }
 
-void importAll(dbTrans& transfer, const ImportTreeOptions& options, const Account& account, ProgressBar& progress) {
+void importAll(dbTrans& transfer, const ImportTreeOptions& options, const Account& account, const GivenFolder& given,
+               ProgressBar& progress) {
     if (intoMain(options)) {
-        importIntoMain(transfer, account, progress);
+        importIntoMain(transfer, account, given, progress);
     } else {
-        importIntoBack(transfer, account, options.removeDecrypted, progress);
+        importIntoBack(transfer, account, given, options.removeDecrypted, progress);
     }
 }
 
@@ -202,9 +207,10 @@ std::string whatIsWritten(const TransferReport& report) {
 TreeImportFiles decrypt(dbTrans& transfer, const ImportTreeOptions& options, const ImportSource& source,
                         ProgressBar& progress) {
     progress.begin("Decrypting the tree", {});
-    TreeImportFiles files = decryptFiles(transfer, intoMain(options) ? TreeKinds::all : TreeKinds::messages);
+    TreeImportFiles files =
+        decryptFiles(transfer, intoMain(options) ? TreeKinds::all : TreeKinds::messages, source.given());
     progress.finish();
-    requireTreeVersion(files, transfer);
+    requireTreeVersion(files, transfer, source.given());
     source.settle(files);
     return files;
 }
@@ -227,6 +233,7 @@ int conclude(RunReport& run, const ImportTreeOptions& options, const dbTrans& tr
 int runImportTree(const ImportTreeOptions& options, RunReport& run) {
     run.dryRun = options.dryRun;
     const TreePlace place = findTree(options.from, options.user);
+    run.given = place.given;
     const Account account(options.account);
     const SecretText key = findKey(options.key, account);
     dbTrans transfer;
@@ -247,7 +254,7 @@ int runImportTree(const ImportTreeOptions& options, RunReport& run) {
     openTarget(transfer, target.account(), options);
     if (!interrupts) interrupts.emplace();
     const auto work = [&] {
-        interruptible([&] { importAll(transfer, options, account, progress); },
+        interruptible([&] { importAll(transfer, options, account, place.given, progress); },
                       [&] { return wordsForInterruptedImport(whatIsWritten(transfer.report), options.dryRun); });
         if (intoMain(options) && options.removeDecrypted) removeImported(transfer, files);
     };

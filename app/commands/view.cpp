@@ -100,6 +100,7 @@ int runView(const ViewOptions& options, RunReport& run) {
     const TreeSource tree = findTreeSource(options.from, options.user, options.tree);
     if (tree.root.empty()) {
         const PackagePlace place = findPackage(options.from, options.user);
+        run.given = place.given;
         return makePages(options, run, place.root(), [&] { return readPackageForView(place, options.user); });
     }
     const SecretText key = findTreeKey(options.key, tree.root, KeyPurpose::unlock);

@@ -35,8 +35,10 @@ PackagePlace findPackage(const std::string& folder, const std::string& user) {
                        "give the folder that holds qelmsg_0, as an export made it; a tree, in qelbackup, is for "
                        "import-tree, inspect and verify"});
     }
-    PackagePlace place{parent.string(), (root / chattransfer::kMessagesFolder / user / "").string(),
-                       (root / chattransfer::kAttachmentsFolder / user / "").string()};
+    PackagePlace place{parent.string(),
+                       (root / chattransfer::kMessagesFolder / user / "").string(),
+                       (root / chattransfer::kAttachmentsFolder / user / "").string(),
+                       {folder, resolvedPath(folder).string(), parent.string()}};
     for (const std::string& part : {place.messages, place.attachments}) {
         if (isFolder(part)) continue;
         const std::string users = foldersIn(root / chattransfer::kMessagesFolder);

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "app/base/given_folder.h"
+
 namespace app {
 
 /// Where the files of one user's package lie.
@@ -10,6 +12,7 @@ struct PackagePlace {
     std::string parent;       ///< absolute; the folder that holds qelmsg_0
     std::string messages;     ///< the user's message folder, ending in "/"
     std::string attachments;  ///< the user's attachment folder, ending in "/"
+    GivenFolder given;        ///< what the person named; operations work in `parent`
 
     [[nodiscard]] std::string root() const;  ///< qelmsg_0 itself, without a "/" at its end
 };

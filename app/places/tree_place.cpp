@@ -25,9 +25,10 @@ std::string treeFolderIn(const std::string& folder, const std::string& user) {
 }
 
 TreePlace findTree(const std::string& folder, const std::string& user) {
-    const std::string parent = parentOfTrees(resolvedPath(folder)).string();
+    const fs::path resolved = resolvedPath(folder);
+    const std::string parent = parentOfTrees(resolved).string();
     const std::string trees = parent + chattransfer::kTreeFolder;
-    TreePlace place{parent, trees + user};
+    TreePlace place{parent, trees + user, {folder, resolved.string(), parent}};
     if (isFolder(place.root)) return place;
     if (!isFolder(trees)) {
         throw Failure({chattransfer::kMissing, "There is no tree", trees, "the folder is missing",

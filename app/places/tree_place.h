@@ -3,12 +3,15 @@
 
 #include <string>
 
+#include "app/base/given_folder.h"
+
 namespace app {
 
 /// Where one user's tree lies.
 struct TreePlace {
     std::string parent;  ///< absolute; the folder that holds qelbackup
     std::string root;    ///< absolute, without a "/" at its end: parent/qelbackup/<user>
+    GivenFolder given;   ///< what the person named; operations work in `parent`
 };
 
 /// The folder that a tree of this user has below `folder`, whether it is there or not.

@@ -120,8 +120,9 @@ void RunReport::printSummary(const std::string& heading) const {
 }
 
 void RunReport::leaveOut(const TransferReport& report) {
-    printLeftOut(report, std::cerr);
-    for (const TransferReport::Skipped& skipped : report.skipped)
+    const TransferReport named = asGiven(report, given);
+    printLeftOut(named, std::cerr);
+    for (const TransferReport::Skipped& skipped : named.skipped)
         leftOut_.add(skipped);
     leftOut_.skippedCount += report.skippedCount - static_cast<long long>(report.skipped.size());
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/base/failure.h"
+#include "app/base/given_folder.h"
 #include "app/base/phase_times.h"
 #include "app/base/stopwatch.h"
 #include "app/report/summary.h"
@@ -31,6 +32,7 @@ public:
     Summary summary;
     PhaseTimes phases;
     bool dryRun = false;
+    GivenFolder given;  ///< the folder at work
     std::vector<Finding> findings;
     std::vector<Finding> changedByRule;
 
@@ -46,7 +48,7 @@ public:
     /// Warns of each number of things that is not 0. True when there was one.
     [[nodiscard]] bool warnOf(const std::vector<std::pair<long long, const char*>>& things);
 
-    /// Prints what was left out, and keeps it for the report.
+    /// Prints what was left out, and keeps it for the report: paths as `given` names them.
     void leaveOut(const TransferReport& report);
 
     /// How the run ended. A code other than 0 without a failure: done, but not all of it.

@@ -27,7 +27,7 @@ bool isOfImport(const std::string& name) {
 }  // namespace
 
 DryRunTree::DryRunTree(TreePlace real, const std::string& user) : real_(std::move(real)), user_(user) {
-    copy_ = {folder_.path(), treeFolderIn(folder_.path(), user)};
+    copy_ = {folder_.path(), treeFolderIn(folder_.path(), user), {}};
     std::error_code error;
     if (!fs::create_directories(copy_.root, error)) failToCopy(copy_.root, error);
     const TreeListing listing = listTree(real_.root);

@@ -29,7 +29,8 @@ public:
         const TreeListing listing = listTree(from_);
         total_ = listing.entries.size();
         for (const UnreadableFolder& folder : listing.unreadable)
-            lose(folder.name.empty() ? from_ : folder.name, Omission::folderUnreadable, folder.reason);
+            lose(folder.name.empty() ? from_.substr(0, from_.size() - 1) : folder.name, Omission::folderUnreadable,
+                 folder.reason);
         for (const TreeEntry& entry : listing.entries) {
             take(entry);
             countEntry();

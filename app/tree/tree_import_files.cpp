@@ -45,13 +45,14 @@ void noteUnreadable(const TransferReport& found, std::set<std::string>& named, T
     files.notDecrypted += unnamed;
 }
 
-[[noreturn]] void failOnAll(const TreeImportFiles& files, const std::string& root) {
-    const TransferReport::Skipped& first = files.report.skipped.front();
-    printLeftOut(files.report, std::cerr);
+[[noreturn]] void failOnAll(const TreeImportFiles& files, const std::string& root, const GivenFolder& given) {
+    const TransferReport report = asGiven(files.report, given);
+    const TransferReport::Skipped& first = report.skipped.front();
+    printLeftOut(report, std::cerr);
     throw Failure({0,
                    "None of the tree's files can be read (" + counted(files.notDecrypted, "file", "files") +
                        "); nothing was made or changed",
-                   root, first.what + ": " + first.reason,
+                   given.nameOf(root), first.what + ": " + first.reason,
                    std::string("check the key: give the one that the tree was encrypted with, by ") + kWaysToGiveAKey});
 }
 
@@ -80,7 +81,7 @@ long long TreeImportFiles::conversations(dbTrans& transfer) const {
     return static_cast<long long>(found.size());
 }
 
-TreeImportFiles decryptFiles(dbTrans& transfer, TreeKinds kinds) {
+TreeImportFiles decryptFiles(dbTrans& transfer, TreeKinds kinds, const GivenFolder& given) {
     const std::string root = chattransfer::treeRoot(transfer.backupPath, transfer.packageSubDir);
     TreeImportFiles files;
     std::set<std::string> named;
@@ -96,11 +97,11 @@ TreeImportFiles decryptFiles(dbTrans& transfer, TreeKinds kinds) {
         decrypt(chattransfer::kRoomExtension, files.rooms);
     }
     transfer.report = {};
-    if (files.notDecrypted > 0 && files.all().empty()) failOnAll(files, root);
+    if (files.notDecrypted > 0 && files.all().empty()) failOnAll(files, root, given);
     return files;
 }
 
-void requireTreeVersion(const TreeImportFiles& files, const dbTrans& transfer) {
+void requireTreeVersion(const TreeImportFiles& files, const dbTrans& transfer, const GivenFolder& given) {
     if (files.messages.empty()) return;
     const std::string& path = files.messages.front();
     const tools::JsonDocument document(json_parse_file_no_link(path.c_str()));
@@ -108,7 +109,8 @@ void requireTreeVersion(const TreeImportFiles& files, const dbTrans& transfer) {
     if (file == nullptr || chattransfer::hasVersion(file, transfer.packageVersion)) return;
     const char* version = json_object_get_string(file, chattransfer::kVersionKey);
     const std::string stated = version == nullptr ? "none" : "\"" + std::string(version) + "\"";
-    throw Failure({chattransfer::kWrongVersion, "The tree has another version; nothing was imported", path,
+    throw Failure({chattransfer::kWrongVersion, "The tree has another version; nothing was imported",
+                   given.nameOf(path),
                    "this import expects \"" + transfer.packageVersion + "\", the file says " + stated,
                    "if the tree is what you want, give its version with --package-version"});
 }

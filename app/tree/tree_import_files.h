@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "app/base/given_folder.h"
 #include "transfer/dbTrans.h"
 
 namespace app {
@@ -24,12 +25,13 @@ struct TreeImportFiles {
 enum class TreeKinds { messages, all };
 
 /// Decrypts the files of the transfer's tree, ahead of the import, which then finds them decrypted: with a key that
-/// does not fit, nothing has to be made. Throws Failure when files are there and none of them can be read.
-[[nodiscard]] TreeImportFiles decryptFiles(dbTrans& transfer, TreeKinds kinds);
+/// does not fit, nothing has to be made. Throws Failure, with paths as `given` names them, when files
+/// are there and none of them can be read.
+[[nodiscard]] TreeImportFiles decryptFiles(dbTrans& transfer, TreeKinds kinds, const GivenFolder& given);
 
 /// Throws Failure when the first message file has another version than the transfer expects: better before anything is
 /// made than half way through an import.
-void requireTreeVersion(const TreeImportFiles& files, const dbTrans& transfer);
+void requireTreeVersion(const TreeImportFiles& files, const dbTrans& transfer, const GivenFolder& given);
 
 /// How many of the named files could be decrypted, but not understood. More may be when the report has overflowed.
 [[nodiscard]] long long countNotParsed(const TransferReport& report);

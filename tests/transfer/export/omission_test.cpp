@@ -1,5 +1,5 @@
-// The kinds of left-out things, and the sentences made from them. That each has its word, its number and its sentence is
-// tested in tests/docs, against the page.
+// The kinds of left-out things, and the sentences made from them. That each has its word, its number and its sentence
+// is tested in tests/docs, against the page.
 #include "transfer/omission.h"
 
 #include <gtest/gtest.h>
