@@ -168,7 +168,7 @@ bool arrivedWhole(RunReport& run, const dbTrans& transfer, const TreeImportFiles
           "of the tree's files cannot be decrypted and stay as they are, see below; if they were encrypted with "
           "another "
           "key, they cannot go into this account"},
-         {countNotParsed(report), "of the tree's files cannot be understood, see below"},
+         {countNotParsed(report), "of the tree's files cannot be read or understood, see below"},
          {report.messagesRefused, "messages were refused by the database, see below"},
          {refusedContacts(transfer), "recent contacts were refused by the database"},
          {refusedNotes(transfer), "notes were refused by the database, see below"},

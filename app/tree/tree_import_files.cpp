@@ -25,12 +25,11 @@ using chattransfer::Omission;
 using chattransfer::OmissionCause;
 using chattransfer::OmittedThing;
 
-// A decrypted file that is there and says nothing that an import understands.
+// A decrypted file that an import could not read, or that says nothing that it understands.
 bool isNotUnderstood(Omission kind) {
     const OmittedThing thing = chattransfer::thingOf(kind);
-    const OmissionCause cause = chattransfer::causeOf(kind);
-    return (thing == OmittedThing::treeFile || thing == OmittedThing::contactFile) &&
-           cause != OmissionCause::undecryptable && cause != OmissionCause::unreadable;
+    const bool isFile = thing == OmittedThing::treeFile || thing == OmittedThing::contactFile;
+    return isFile && chattransfer::causeOf(kind) != OmissionCause::undecryptable;
 }
 
 // Every kind of file is searched for in the same folders: they are named once.

@@ -33,7 +33,8 @@ enum class TreeKinds { messages, all };
 /// made than half way through an import.
 void requireTreeVersion(const TreeImportFiles& files, const dbTrans& transfer, const GivenFolder& given);
 
-/// How many of the named files could be decrypted, but not understood. More may be when the report has overflowed.
+/// How many of the named files could be decrypted, but not read or understood. More may be when the report has
+/// overflowed.
 [[nodiscard]] long long countNotParsed(const TransferReport& report);
 
 /// Removes the decrypted copies of which everything has arrived, after a whole import into the main database: they are
