@@ -31,8 +31,8 @@ ImportSource::ImportSource(const TreePlace& tree, const std::string& user, dbTra
     transfer.rehearsalSource = tree.parent;
 }
 
-void ImportSource::settle(TreeImportFiles& files) const {
-    if (copy_) copy_->settle(files);
+void ImportSource::settle(TreeImportFiles& files, TransferReport& report) const {
+    if (copy_) copy_->settle(files, report);
 }
 
 std::string importedInto(const std::string& database, bool dryRun) {

@@ -43,7 +43,7 @@ public:
     [[nodiscard]] const GivenFolder& given() const { return tree_.given; }
 
     /// Once the files are decrypted: makes those of a copy count as those of the tree would.
-    void settle(TreeImportFiles& files) const;
+    void settle(TreeImportFiles& files, TransferReport& report) const;
 
 private:
     const TreePlace& tree_;

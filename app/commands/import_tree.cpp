@@ -211,7 +211,7 @@ TreeImportFiles decrypt(dbTrans& transfer, const ImportTreeOptions& options, con
         decryptFiles(transfer, intoMain(options) ? TreeKinds::all : TreeKinds::messages, source.given());
     progress.finish();
     requireTreeVersion(files, transfer, source.given());
-    source.settle(files);
+    source.settle(files, transfer.report);
     return files;
 }
 

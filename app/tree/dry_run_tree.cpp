@@ -36,7 +36,8 @@ DryRunTree::DryRunTree(TreePlace real, const std::string& user) : real_(std::mov
     for (const TreeEntry& entry : listing.entries) {
         if (!isOfImport(entry.name)) continue;
         if (entry.kind == TreeEntryKind::file) copyFile(entry.name);
-        if (entry.kind == TreeEntryKind::other) leaveOut(entry.name, Omission::treeFileIrregular);
+        if (entry.kind == TreeEntryKind::other)
+            leaveOut(entry.name, Omission::treeFileUndecryptable, "not a regular file");
     }
 }
 
@@ -46,7 +47,7 @@ void DryRunTree::copyFile(const std::string& name) {
     fs::create_directories(fs::path(to).parent_path(), error);
     if (!error) fs::copy_file(real_.root + "/" + name, to, error);
     if (error == std::errc::permission_denied) {
-        leaveOut(name, Omission::treeFileUnreadable, error.message());
+        leaveOut(name, Omission::treeFileUndecryptable, error.message());
     } else if (error) {
         failToCopy(real_.root + "/" + name, error);
     }
@@ -56,9 +57,10 @@ void DryRunTree::leaveOut(const std::string& name, Omission kind, std::string_vi
     notCopied_.push_back(TransferReport::Skipped::of(real_.root + "/" + name, kind, detail));
 }
 
-void DryRunTree::settle(TreeImportFiles& files) const {
+void DryRunTree::settle(TreeImportFiles& files, TransferReport& report) const {
     for (const TransferReport::Skipped& one : notCopied_) {
         files.report.add(one);
+        report.add(one);
         ++files.notDecrypted;
     }
     if (files.contacts.size() < 2) return;

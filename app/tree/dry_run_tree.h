@@ -18,9 +18,10 @@ public:
 
     [[nodiscard]] const TreePlace& place() const { return copy_; }
 
-    /// Adds what could not be copied to the files that an import cannot read, and makes the one file of recent contacts
-    /// count that counts in the real tree: which one that is depends on the order in which the system lists a folder.
-    void settle(TreeImportFiles& files) const;
+    /// Adds what could not be copied to the files that an import cannot read and to its report, and makes the one file
+    /// of recent contacts count that counts in the real tree: which one that is depends on the order in which the
+    /// system lists a folder.
+    void settle(TreeImportFiles& files, TransferReport& report) const;
 
 private:
     void copyFile(const std::string& name);

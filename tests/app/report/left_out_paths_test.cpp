@@ -95,6 +95,17 @@ TEST_F(LeftOutPaths, OfADryRunAreThoseOfTheTreeItself) {
     EXPECT_EQ(treePath("backup"), reported());
 }
 
+TEST_F(LeftOutPaths, OfADryRunAreAlsoThoseOfFilesThatItCannotCopy) {
+    makeTree("backup");
+    fs::remove(at(treePath("backup")));
+    fs::create_symlink(at("key"), at(treePath("backup")));
+    const Outcome run = here(importTreeFrom("backup"), {"--dry-run"});
+    EXPECT_EXIT_CODE(1, run);
+    EXPECT_EQ("1", rowOf(run.out, "Files not decryptable"));
+    EXPECT_EQ("0", rowOf(run.out, "Files not parsable"));
+    EXPECT_EQ(treePath("backup"), reported());
+}
+
 TEST_F(LeftOutPaths, OfATreeThatCannotBeReadAtAllBeginAsGiven) {
     makeTree("backup");
     const Outcome run = here({"import-tree", "--from", "backup", "--account", "copy", "--key-file", otherKey()});
