@@ -20,8 +20,8 @@ int countMessages(imsdk::dbUtils& db, const std::string& table, long long msgID)
 }
 
 int countNotes(imsdk::dbUtils& plugin, const st_noteTrans& note) {
-    // Seven numbers: they fit by far.
-    const tools::FixedText<512> query(
+    // Hosts know this limit; seven numbers fit by far.
+    const tools::FixedText<9126> query(
         "select count(*) as cnt from im_note where sendUserId = %lld and targetID = %lld and type = %d"
         " and isReminder = %d and rmdTime = %lld and isArchive = %d and lastChgTime = %lld",
         note.sendUserId, note.targetID, note.type, note.isReminder, note.rmdTime, note.isArchive, note.lastChgTime);
