@@ -105,7 +105,7 @@ void makeTree(const Plan& plan) {
     const std::string folder = chattransfer::treeRoot(plan.folder, kUser);
     fs::create_directories(folder + "imfiles");
     forEachConversation(plan, [&](long long id, const Messages& messages, const auto& /*contact*/) {
-        app::writeMessageFiles(folder + std::to_string(id), kVersion, plan.perFile, messages);
+        static_cast<void>(app::writeMessageFiles(folder + std::to_string(id), kVersion, plan.perFile, messages));
     });
 }
 
