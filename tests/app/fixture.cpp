@@ -3,8 +3,6 @@
 #include <filesystem>
 #include <sstream>
 
-#include "host/base/fixed_text.h"
-#include "transfer/tables/message_table.h"
 #include "transfer/tables/recent_contact_table.h"
 
 namespace test {
@@ -25,6 +23,11 @@ Outcome CommandTest::exportFrom(const std::string& account, const std::string& t
 Outcome CommandTest::importInto(const std::string& account, const std::string& from, const Arguments& more,
                                 const Setting& setting) const {
     return run({"import", "--from", at(from), "--account", at(account), "--user", kUser}, more, setting);
+}
+
+Outcome CommandTest::exportOnTerminal(const std::vector<Answer>& answers) const {
+    return chatTransferOnTerminal({"export", "--account", at("account"), "--user", kUser, "--to", at("package")},
+                                  answers);
 }
 
 Outcome CommandTest::inspect(const std::string& from, const Arguments& more) const {
@@ -54,7 +57,7 @@ void CommandTest::makeAccount(const std::string& account, const std::vector<std:
 }
 
 std::string CommandTest::createTable(const std::string& name) {
-    return tools::FixedText<1024>(chattransfer::kCreateMessageTable, name.c_str()).text();
+    return createMessageTable(name);
 }
 
 std::string CommandTest::insertMessage(const std::string& table, long long id, const std::string& body) {
@@ -83,6 +86,45 @@ std::string CommandTest::biggestTable(const std::string& account) const {
         most = std::max(most, rows);
     }
     return biggest;
+}
+
+namespace {
+
+void expectEnd(int code, const Outcome& run, const std::string& output, const std::vector<std::string>& says,
+               const char* file, int line) {
+    const ::testing::ScopedTrace place(file, line, "the command");
+    EXPECT_EXIT_CODE(code, run);
+    for (const std::string& text : says)
+        EXPECT_SAYS(text, output);
+}
+
+}  // namespace
+
+Outcome expectSuccess(Outcome run, const std::vector<std::string>& says, const char* file, int line) {
+    expectEnd(0, run, run.out, says, file, line);
+    return run;
+}
+
+Outcome expectFailure(Outcome run, const std::vector<std::string>& says, const char* file, int line) {
+    expectEnd(1, run, run.err, says, file, line);
+    return run;
+}
+
+Outcome expectUsageError(Outcome run, const std::vector<std::string>& says, const char* file, int line) {
+    expectEnd(2, run, run.err, says, file, line);
+    return run;
+}
+
+Outcome expectFindings(Outcome run, const std::vector<std::string>& says, const char* file, int line) {
+    expectEnd(1, run, run.out, says, file, line);
+    return run;
+}
+
+void expectRows(const Outcome& run, const std::vector<std::pair<std::string, std::string>>& rows, const char* file,
+                int line) {
+    const ::testing::ScopedTrace place(file, line, "the table");
+    for (const auto& [label, value] : rows)
+        EXPECT_EQ(value, rowOf(run.out, label)) << label;
 }
 
 bool hasControlCharacter(const std::string& text) {

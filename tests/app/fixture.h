@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "tests/app/program.h"
 #include "tests/support/database.h"
@@ -23,6 +25,10 @@ protected:
     std::string attachmentFolder(const std::string& package) const {
         return at(package + "/qelmsg_0/qelimfiles_0/" + kUser + "/");
     }
+    /// A file among the messages of "package".
+    void putIntoPackage(const std::string& name, const std::string& bytes) const {
+        dir_.write(std::string("package/qelmsg_0/messages_0/") + kUser + "/" + name, bytes);
+    }
     bool hasPackage(const std::string& folder) const { return exists(at(folder + "/qelmsg_0")); }
 
     /// The commands, with the account, the user and the package filled in. `more` goes behind.
@@ -31,6 +37,8 @@ protected:
                        const Setting& setting = {}) const;
     Outcome importInto(const std::string& account, const std::string& from, const Arguments& more = {},
                        const Setting& setting = {}) const;
+    /// The export of "account" into "package", typed on a terminal.
+    Outcome exportOnTerminal(const std::vector<Answer>& answers = {}) const;
     Outcome inspect(const std::string& from, const Arguments& more = {}) const;
     Outcome verify(const std::string& from, const std::string& account, const Arguments& more = {}) const;
 
@@ -57,6 +65,22 @@ protected:
 private:
     Outcome run(const Arguments& first, const Arguments& more, const Setting& setting) const;
 };
+
+/// What a command is expected to do, and what it is expected to say on the way (standard output, or standard error for
+/// one that fails): each text is a part of it. Give the run for further looks at it.
+Outcome expectSuccess(Outcome run, const std::vector<std::string>& says = {}, const char* file = __builtin_FILE(),
+                      int line = __builtin_LINE());
+Outcome expectFailure(Outcome run, const std::vector<std::string>& says = {}, const char* file = __builtin_FILE(),
+                      int line = __builtin_LINE());
+Outcome expectUsageError(Outcome run, const std::vector<std::string>& says = {}, const char* file = __builtin_FILE(),
+                         int line = __builtin_LINE());
+/// Of a check that found something: it fails, and what it found stands in its standard output.
+Outcome expectFindings(Outcome run, const std::vector<std::string>& says, const char* file = __builtin_FILE(),
+                       int line = __builtin_LINE());
+
+/// Each row of the table that a command printed, by its label.
+void expectRows(const Outcome& run, const std::vector<std::pair<std::string, std::string>>& rows,
+                const char* file = __builtin_FILE(), int line = __builtin_LINE());
 
 /// True when `text` has a control character other than a line feed.
 bool hasControlCharacter(const std::string& text);

@@ -28,9 +28,8 @@ std::vector<fs::path> pathsBelow(const std::string& folder) {
 }  // namespace
 
 TreeCommandTest::TreeCommandTest() {
-    for (const auto& [name, text] : {std::pair{"key", kKey}, std::pair{"other-key", "battery staple"}}) {
+    for (const auto& [name, text] : {std::pair{"key", kKey}, std::pair{"other-key", "battery staple"}})
         fs::permissions(dir_.write(name, std::string(text) + "\n"), fs::perms::owner_read);
-    }
 }
 
 Outcome TreeCommandTest::run(const std::string& command, const Arguments& more, const Arguments& last,

@@ -34,6 +34,10 @@ protected:
 
     std::string plainMessage(long long id, const std::string& more = R"("message": "hello")") const;
     std::string treeFolder(const std::string& backup) const { return at(backup + "/qelbackup/" + kUser); }
+    /// A file of the tree in "backup".
+    void putIntoTree(const std::string& name, const std::string& bytes) const {
+        dir_.write(std::string("backup/qelbackup/") + kUser + "/" + name, bytes);
+    }
     std::string pluginDatabase(const std::string& account) const { return at(account + "/db/plugin/kab.db"); }
     std::string otherKey() const { return at("other-key"); }
 

@@ -43,10 +43,8 @@ TEST_F(Key, OfASampleEncryptsAllThreeDatabases) {
 
 TEST_F(Key, FileMayEndInALineEndOfEitherKindOrNone) {
     makeEncryptedSample();
-    for (const char* end : {"", "\n", "\r\n"}) {
-        const Outcome run = exportWith({"--key-file", keyFile(kKey + std::string(end))});
-        EXPECT_EXIT_CODE(0, run);
-    }
+    for (const char* end : {"", "\n", "\r\n"})
+        expectSuccess(exportWith({"--key-file", keyFile(kKey + std::string(end))}));
 }
 
 TEST_F(Key, OnlyOneLineEndBelongsToTheFile) {
@@ -66,8 +64,7 @@ TEST_F(Key, FileGoesBeforeTheEnvironment) {
 
 TEST_F(Key, FileThatOthersMayReadIsWarnedOf) {
     makeEncryptedSample();
-    const Outcome open = exportWith({"--key-file", keyFile(kKey, 0644)});
-    EXPECT_EXIT_CODE(0, open);
+    const Outcome open = expectSuccess(exportWith({"--key-file", keyFile(kKey, 0644)}));
     EXPECT_SAYS("chmod 600", open.err);
     EXPECT_SAYS_NOT("chmod 600", exportWith({"--key-file", keyFile(kKey, 0600)}).err);
 }
@@ -76,52 +73,36 @@ TEST_F(Key, FileThatHoldsNoUsableKeyIsRefused) {
     makeEncryptedSample();
     for (const std::string& bytes :
          {std::string(), std::string("\n"), std::string("a\0b", 3), std::string(5000, 'k')}) {
-        const Outcome run = exportWith({"--key-file", keyFile(bytes)});
-        EXPECT_EXIT_CODE(1, run);
-        EXPECT_SAYS("The key file cannot be used", run.err);
+        expectFailure(exportWith({"--key-file", keyFile(bytes)}), {"The key file cannot be used"});
     }
 }
 
 TEST_F(Key, FileThatIsMissingOrAFolderIsNamed) {
     makeEncryptedSample();
-    for (const std::string& path : {at("nowhere"), at("account")}) {
-        const Outcome run = exportWith({"--key-file", path});
-        EXPECT_EXIT_CODE(1, run);
-        EXPECT_SAYS("The key file cannot be read", run.err);
-        EXPECT_SAYS(path, run.err);
-    }
+    for (const std::string& path : {at("nowhere"), at("account")})
+        expectFailure(exportWith({"--key-file", path}), {"The key file cannot be read", path});
 }
 
 TEST_F(Key, ThatIsWrongFailsWithTheCodeAndAnAdvice) {
     makeEncryptedSample();
-    const Outcome run = exportWith({"--key-file", keyFile("wrong")});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("0xff00001f (a database could not be opened or written)", run.err);
-    EXPECT_SAYS(mainDatabase("account"), run.err);
-    EXPECT_SAYS("check the key", run.err);
+    expectFailure(exportWith({"--key-file", keyFile("wrong")}),
+                  {"0xff00001f (a database could not be opened or written)", mainDatabase("account"), "check the key"});
 }
 
 TEST_F(Key, ThatIsMissingIsAskedForInWords) {
     makeEncryptedSample();
-    const Outcome run = exportWith({});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("no key was given", run.err);
-    EXPECT_SAYS("--key-file", run.err);
+    expectFailure(exportWith({}), {"no key was given", "--key-file"});
 }
 
 TEST_F(Key, ForAPlainDatabaseIsNamedAsTheMistake) {
     makeSample("account");
-    const Outcome run = exportWith({"--key-file", keyFile(kKey)});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("it is not encrypted, but a key was given", run.err);
+    expectFailure(exportWith({"--key-file", keyFile(kKey)}), {"it is not encrypted, but a key was given"});
 }
 
 TEST_F(Key, AsAnArgumentIsRefusedWithoutRepeatingIt) {
     for (const Arguments& attempt : {Arguments{"--key", kKey}, Arguments{std::string("--key=") + kKey},
                                      Arguments{"-k", kKey}, Arguments{"--password", kKey}}) {
-        const Outcome run = exportWith(attempt);
-        EXPECT_EXIT_CODE(2, run);
-        EXPECT_SAYS("a key is never an argument", run.err);
+        const Outcome run = expectUsageError(exportWith(attempt), {"a key is never an argument"});
         EXPECT_SAYS_NOT(kKey, run.all());
     }
 }
@@ -138,46 +119,34 @@ TEST_F(Key, IsShownByNoCommand) {
 
 TEST_F(Key, IsAskedForOnATerminalWithoutEcho) {
     makeEncryptedSample();
-    const Outcome run =
-        chatTransferOnTerminal({"export", "--account", at("account"), "--user", kUser, "--to", at("package")},
-                               {{"Key of the account: ", kKey + std::string("\r")}});
-    EXPECT_EXIT_CODE(0, run);
+    const Outcome run = expectSuccess(exportOnTerminal({{"Key of the account: ", kKey + std::string("\r")}}));
     EXPECT_SAYS_NOT(kKey, run.out);
     EXPECT_TRUE(hasPackage("package"));
 }
 
 TEST_F(Key, CanBeCorrectedWhileItIsTyped) {
     makeEncryptedSample();
-    const Outcome run =
-        chatTransferOnTerminal({"export", "--account", at("account"), "--user", kUser, "--to", at("package")},
-                               {{"Key of the account: ", std::string(kKey) + "xé\x7f\x7f\r"}});
-    EXPECT_EXIT_CODE(0, run);
+    expectSuccess(exportOnTerminal({{"Key of the account: ", std::string(kKey) + "xé\x7f\x7f\r"}}));
 }
 
 TEST_F(Key, PromptIsCancelledByControlC) {
     makeEncryptedSample();
-    const Outcome run =
-        chatTransferOnTerminal({"export", "--account", at("account"), "--user", kUser, "--to", at("package")},
-                               {{"Key of the account: ", "abc\x03"}});
-    EXPECT_EXIT_CODE(1, run);
+    const Outcome run = expectFailure(exportOnTerminal({{"Key of the account: ", "abc\x03"}}));
     EXPECT_SAYS("No key was given", run.out);
     EXPECT_FALSE(hasPackage("package"));
 }
 
 TEST_F(Key, ThatIsNewIsAskedForTwice) {
-    const Outcome run =
+    const Outcome run = expectFailure(
         chatTransferOnTerminal({"sample", "--account", at("new"), "--user", kUser, "--messages", "5", "--ask-key"},
-                               {{"Key of the account: ", "first\r"}, {"The same key again: ", "second\r"}});
-    EXPECT_EXIT_CODE(1, run);
+                               {{"Key of the account: ", "first\r"}, {"The same key again: ", "second\r"}}));
     EXPECT_SAYS("the two texts differ", run.out);
     EXPECT_FALSE(exists(at("new/db/imsg.db")));
 }
 
 TEST_F(Key, CannotBeAskedForWithoutATerminal) {
     makeEncryptedSample();
-    const Outcome run = exportWith({"--ask-key"});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("there is no terminal", run.err);
+    expectFailure(exportWith({"--ask-key"}), {"there is no terminal"});
 }
 
 }  // namespace

@@ -12,9 +12,8 @@ namespace {
 
 TEST(FailureWords, GiveEveryCodeAMeaningOfItsOwn) {
     std::set<std::string> meanings;
-    for (unsigned int code = chattransfer::kPackageExists; code <= chattransfer::kWrongVersion; ++code) {
+    for (unsigned int code = chattransfer::kPackageExists; code <= chattransfer::kWrongVersion; ++code)
         meanings.insert(chattransfer::meaningOf(code));
-    }
     EXPECT_EQ(7U, meanings.size());
     EXPECT_EQ(0U, meanings.count(chattransfer::meaningOf(0xff000025)));
 }

@@ -22,10 +22,7 @@ protected:
         EXPECT_EQ(130, run.code) << run.out;
         EXPECT_SAYS("chat-transfer: Interrupted; nothing was made or changed", run.out);
     }
-    Outcome pressInExport(const std::string& phase) const {
-        return chatTransferOnTerminal({"export", "--account", at("account"), "--user", kUser, "--to", at("package")},
-                                      {{phase, kCtrlC, 0}});
-    }
+    Outcome pressInExport(const std::string& phase) const { return exportOnTerminal({{phase, kCtrlC, 0}}); }
     Outcome pressInImport(const std::string& phase, const Arguments& more = {}) const {
         const Arguments import = {"import", "--from", at("package"), "--account", at("copy"), "--user", kUser};
         return chatTransferOnTerminal(joined(import, more), {{phase, kCtrlC, 0}});

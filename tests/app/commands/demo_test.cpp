@@ -29,23 +29,18 @@ TEST_F(Demo, MovesAnAccountAndShowsThatNothingDoublesOrGetsLost) {
 TEST_F(Demo, RunsAgainInTheFolderThatItMade) {
     dir_.write("demo/.made-by-demo", "");
     dir_.write("demo/left/over", "");
-    const Outcome run = demo("demo", {"CHAT_TRANSFER_DEMO_MESSAGES=100"});
-    EXPECT_EXIT_CODE(0, run);
+    expectSuccess(demo("demo", {"CHAT_TRANSFER_DEMO_MESSAGES=100"}));
     EXPECT_FALSE(exists(at("demo/left")));
 }
 
 TEST_F(Demo, NeverRemovesAFolderThatItDidNotMake) {
     dir_.write("mine/diary.txt", "dear diary");
-    const Outcome run = demo("mine");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("not of this script's making", run.err);
+    expectFailure(demo("mine"), {"not of this script's making"});
     EXPECT_EQ("diary.txt", listing(at("mine")));
 }
 
 TEST_F(Demo, SaysWhenTheProgramIsNotBuilt) {
-    const Outcome run = runProgram(CHAT_TRANSFER_SOURCE_DIR "/scripts/demo", {at("nothing")});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("build it first", run.err);
+    expectFailure(runProgram(CHAT_TRANSFER_SOURCE_DIR "/scripts/demo", {at("nothing")}), {"build it first"});
 }
 
 }  // namespace

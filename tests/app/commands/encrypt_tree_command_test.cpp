@@ -15,10 +15,7 @@ using DecryptTreeCommand = TreeCommandTest;
 
 TEST_F(EncryptTreeCommand, EncryptsRecordFilesAndCopiesTheRest) {
     makePlainTree("plain");
-    const Outcome run = encryptTree("plain", "backup");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("6", rowOf(run.out, "Files encrypted"));
-    EXPECT_EQ("1", rowOf(run.out, "Other files copied"));
+    expectRows(expectSuccess(encryptTree("plain", "backup")), {{"Files encrypted", "6"}, {"Other files copied", "1"}});
     EXPECT_EQ("CTAES", readFile(treeFolder("backup") + "/2002/a.mg").substr(0, 5));
     EXPECT_EQ(std::string("\0\1\xff voice", 9), readFile(treeFolder("backup") + "/imfiles/voice/hello.amr"));
 }
@@ -61,55 +58,43 @@ TEST_F(EncryptTreeCommand, EncryptsADecryptedCopyUnderTheNameOfItsFile) {
 TEST_F(EncryptTreeCommand, RefusesAnExistingTree) {
     makeTree("backup");
     const std::string before = filesBelow("backup");
-    const Outcome run = encryptTree("backup-plain", "backup");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("it is never overwritten", run.err);
+    expectFailure(encryptTree("backup-plain", "backup"), {"it is never overwritten"});
     EXPECT_EQ(before, filesBelow("backup"));
 }
 
 TEST_F(EncryptTreeCommand, RefusesToEncryptTwice) {
     makeTree("backup");
-    const Outcome run = encryptTree(std::string("backup/qelbackup/") + kUser, "twice");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("A file is encrypted already", run.err);
+    expectFailure(encryptTree(std::string("backup/qelbackup/") + kUser, "twice"), {"A file is encrypted already"});
     EXPECT_FALSE(exists(treeFolder("twice")));
 }
 
 TEST_F(EncryptTreeCommand, RefusesTheFolderThatHoldsWholeTrees) {
     makeTree("backup");
-    const Outcome run = encryptTree("backup", "nested");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("it holds qelbackup", run.err);
+    expectFailure(encryptTree("backup", "nested"), {"it holds qelbackup"});
     EXPECT_FALSE(exists(at("nested")));
 }
 
 TEST_F(EncryptTreeCommand, RefusesATargetInsideItsSource) {
     makePlainTree("plain");
-    const Outcome run = encryptTree("plain", "plain/backup");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("The target lies inside the source", run.err);
+    expectFailure(encryptTree("plain", "plain/backup"), {"The target lies inside the source"});
     EXPECT_FALSE(exists(at("plain/backup")));
 }
 
 TEST_F(EncryptTreeCommand, WithoutAPlainTreeSaysWhatItLookedFor) {
-    const Outcome run = encryptTree("nowhere", "backup");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS(at("nowhere"), run.err);
+    expectFailure(encryptTree("nowhere", "backup"), {at("nowhere")});
     EXPECT_FALSE(exists(at("backup")));
 }
 
 TEST_F(EncryptTreeCommand, NeedsAKey) {
     makePlainTree("plain");
-    const Outcome run = chatTransfer({"encrypt-tree", "--user", kUser, "--from", at("plain"), "--to", at("backup")});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("A key is needed", run.err);
+    expectFailure(chatTransfer({"encrypt-tree", "--user", kUser, "--from", at("plain"), "--to", at("backup")}),
+                  {"A key is needed"});
     EXPECT_FALSE(exists(at("backup")));
 }
 
 TEST_F(EncryptTreeCommand, NeverTakesTheKeyAsAnArgument) {
-    const Outcome run = encryptTree("plain", "backup", {"--key", "hunter2"});
-    EXPECT_EXIT_CODE(2, run);
-    EXPECT_SAYS("a key is never an argument", run.err);
+    const Outcome run =
+        expectUsageError(encryptTree("plain", "backup", {"--key", "hunter2"}), {"a key is never an argument"});
     EXPECT_SAYS_NOT("hunter2", run.err);
 }
 
@@ -118,8 +103,7 @@ TEST_F(EncryptTreeCommand, LeavesOutLinksAndFifosWithAMessage) {
     ASSERT_EQ(0, mkfifo(at("plain/2002/fifo.mg").c_str(), 0600));
     fs::create_symlink(at("key"), at("plain/2002/link.mg"));
     fs::create_directory_symlink(at("plain/2002"), at("plain/9009"));
-    const Outcome run = encryptTree("plain", "backup");
-    EXPECT_EXIT_CODE(0, run);
+    const Outcome run = expectSuccess(encryptTree("plain", "backup"));
     EXPECT_EQ("3", rowOf(run.out, "Left out"));
     EXPECT_SAYS("2002/fifo.mg: is a link or no regular file", run.err);
     EXPECT_EQ(6, countEnding(treeFolder("backup"), ".mg") + countEnding(treeFolder("backup"), ".ct") +
@@ -130,8 +114,7 @@ TEST_F(EncryptTreeCommand, LeavesOutLinksAndFifosWithAMessage) {
 TEST_F(EncryptTreeCommand, PrintsHostileNamesSafely) {
     makePlainTree("plain");
     fs::create_symlink("nowhere", at("plain/\x1b]0;evil\a\n"));
-    const Outcome run = encryptTree("plain", "backup");
-    EXPECT_EXIT_CODE(0, run);
+    const Outcome run = expectSuccess(encryptTree("plain", "backup"));
     EXPECT_FALSE(hasControlCharacter(run.out + run.err)) << run.all();
     EXPECT_SAYS("\\x1b]0;evil", run.err);
 }
@@ -141,9 +124,7 @@ TEST_F(EncryptTreeCommand, LeavesNoTreeOfFoldersNestedWithoutEnd) {
     for (int i = 0; i < 250; ++i)
         deep += "/1";
     dir_.makeDir(deep);
-    const Outcome run = encryptTree("plain", "backup");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("nested too deeply", run.err);
+    expectFailure(encryptTree("plain", "backup"), {"nested too deeply"});
     EXPECT_FALSE(exists(treeFolder("backup")));
 }
 
@@ -163,9 +144,7 @@ TEST_F(EncryptTreeCommand, KilledLeavesNoTreeAndCanBeRepeated) {
 TEST_F(DecryptTreeCommand, GivesThePlainTreeBackByteForByte) {
     makeTree("backup");
     dir_.makeDir("backup/qelbackup/" + std::string(kUser) + "/empty");
-    const Outcome run = decryptTree("backup", "again");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("6", rowOf(run.out, "Files decrypted"));
+    EXPECT_EQ("6", rowOf(expectSuccess(decryptTree("backup", "again")).out, "Files decrypted"));
     EXPECT_EQ(filesBelow("backup-plain"), filesBelow("again"));
     EXPECT_TRUE(fs::is_directory(at("again/empty")));
 }
@@ -180,38 +159,32 @@ TEST_F(DecryptTreeCommand, LeavesTheTreeAsItIs) {
 TEST_F(DecryptTreeCommand, TakesOverWhatAnImportDecrypted) {
     makeTree("backup");
     ASSERT_EXIT_CODE(0, importTree("account", "backup", {"--into", "back"}));
-    const Outcome run = decryptTree("backup", "again");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("3", rowOf(run.out, "Decrypted copies taken over"));
+    EXPECT_EQ("3", rowOf(expectSuccess(decryptTree("backup", "again")).out, "Decrypted copies taken over"));
     EXPECT_EQ(filesBelow("backup-plain"), filesBelow("again"));
 }
 
 TEST_F(DecryptTreeCommand, PrefersTheEncryptedFileToItsDecryptedCopy) {
     makeTree("backup");
-    dir_.write("backup/qelbackup/" + std::string(kUser) + "/2002/a.mg.decrypt", "older");
-    const Outcome run = decryptTree("backup", "again");
-    EXPECT_EXIT_CODE(0, run);
+    putIntoTree("2002/a.mg.decrypt", "older");
+    const Outcome run = expectSuccess(decryptTree("backup", "again"));
     EXPECT_SAYS("is a second copy", run.err);
     EXPECT_EQ(filesBelow("backup-plain"), filesBelow("again"));
 }
 
 TEST_F(DecryptTreeCommand, ListsWhatDoesNotDecryptAndFails) {
     makeTree("backup");
-    dir_.write("backup/qelbackup/" + std::string(kUser) + "/3003/c.mg", "damaged");
-    const Outcome run = decryptTree("backup", "again");
-    EXPECT_EXIT_CODE(1, run);
+    putIntoTree("3003/c.mg", "damaged");
+    const Outcome run =
+        expectFailure(decryptTree("backup", "again"), {"3003/c.mg: cannot be decrypted: not an encrypted file"});
     EXPECT_EQ("1", rowOf(run.out, "Files not decrypted"));
-    EXPECT_SAYS("3003/c.mg: cannot be decrypted: not an encrypted file", run.err);
     EXPECT_FALSE(exists(at("again/3003/c.mg")));
     EXPECT_TRUE(exists(at("again/2002/a.mg")));
 }
 
 TEST_F(DecryptTreeCommand, WithAWrongKeyWritesNothing) {
     makeTree("backup");
-    const Outcome run = decryptTree("backup", "again", {"--key-file", otherKey()});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("None of the tree's files can be decrypted", run.err);
-    EXPECT_SAYS("wrong key", run.err);
+    expectFailure(decryptTree("backup", "again", {"--key-file", otherKey()}),
+                  {"None of the tree's files can be decrypted", "wrong key"});
     EXPECT_FALSE(exists(at("again")));
     EXPECT_FALSE(exists(at(".chat-transfer-tree.part")));
 }
@@ -219,16 +192,12 @@ TEST_F(DecryptTreeCommand, WithAWrongKeyWritesNothing) {
 TEST_F(DecryptTreeCommand, RefusesAnExistingTarget) {
     makeTree("backup");
     dir_.makeDir("again");
-    const Outcome run = decryptTree("backup", "again");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("it is never overwritten", run.err);
+    expectFailure(decryptTree("backup", "again"), {"it is never overwritten"});
     EXPECT_EQ("", listing(at("again")));
 }
 
 TEST_F(DecryptTreeCommand, WithoutATreeSaysWhatItLookedFor) {
-    const Outcome run = decryptTree("nowhere", "again");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS(at("nowhere/qelbackup/"), run.err);
+    expectFailure(decryptTree("nowhere", "again"), {at("nowhere/qelbackup/")});
 }
 
 }  // namespace

@@ -34,13 +34,11 @@ protected:
 
 TEST_F(ExportCommand, WritesThePackageAndSaysHowMuch) {
     makeSample("account");
-    const Outcome run = exportFrom("account", "package");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("300", rowOf(run.out, "Messages written"));
-    EXPECT_EQ("4", rowOf(run.out, "Conversations"));
-    EXPECT_EQ("5", rowOf(run.out, "Days"));
-    EXPECT_EQ("4", rowOf(run.out, "Recent contacts"));
-    EXPECT_EQ("4", rowOf(run.out, "Attachments copied"));
+    expectRows(expectSuccess(exportFrom("account", "package")), {{"Messages written", "300"},
+                                                                 {"Conversations", "4"},
+                                                                 {"Days", "5"},
+                                                                 {"Recent contacts", "4"},
+                                                                 {"Attachments copied", "4"}});
     EXPECT_TRUE(exists(messageFolder("package") + "msg_0.mg"));
     EXPECT_TRUE(exists(messageFolder("package") + "recontact.mg"));
 }
@@ -54,10 +52,8 @@ TEST_F(ExportCommand, LeavesNothingButThePackageBehind) {
 TEST_F(ExportCommand, RefusesToOverwriteAPackage) {
     makePackage("account", "package");
     const std::string before = readFile(messageFolder("package") + "msg_0.mg");
-    const Outcome run = exportFrom("account", "package");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("0xff00001e (there is a package already", run.err);
-    EXPECT_SAYS("move the package away", run.err);
+    expectFailure(exportFrom("account", "package"),
+                  {"0xff00001e (there is a package already", "move the package away"});
     EXPECT_EQ(before, readFile(messageFolder("package") + "msg_0.mg"));
 }
 
@@ -70,37 +66,26 @@ TEST_F(ExportCommand, RefusesADanglingLinkInThePackagesPlace) {
 }
 
 TEST_F(ExportCommand, NamesAMissingAccountAndWhatToDo) {
-    const Outcome run = exportFrom("nobody", "package");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("there is no such file", run.err);
-    EXPECT_SAYS(mainDatabase("nobody"), run.err);
-    EXPECT_SAYS("--account", run.err);
+    expectFailure(exportFrom("nobody", "package"), {"there is no such file", mainDatabase("nobody"), "--account"});
     EXPECT_FALSE(exists(at("package")));
 }
 
 TEST_F(ExportCommand, NamesAMissingBackDatabase) {
     makeSample("account");
     fs::remove(at("account/db/backimsg.db"));
-    const Outcome run = exportFrom("account", "package");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("backimsg.db", run.err);
+    expectFailure(exportFrom("account", "package"), {"backimsg.db"});
     EXPECT_FALSE(exists(at("account/db/backimsg.db")));
 }
 
 TEST_F(ExportCommand, NeedsTheTableOfRecentContacts) {
     makeAccount("account", {"drop table im_reContact", createTable("im_msg_5")});
-    const Outcome run = exportFrom("account", "package");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("0xff000020", run.err);
-    EXPECT_SAYS("im_reContact", run.err);
+    expectFailure(exportFrom("account", "package"), {"0xff000020", "im_reContact"});
     EXPECT_EQ("", listing(at("package")));
 }
 
 TEST_F(ExportCommand, SelectsMessagesSinceADay) {
     makeSample("account");
-    const Outcome run = exportFrom("account", "package", {"--since", "2024-06-29"});
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("2", rowOf(run.out, "Days"));
+    EXPECT_EQ("2", rowOf(expectSuccess(exportFrom("account", "package", {"--since", "2024-06-29"})).out, "Days"));
 }
 
 TEST_F(ExportCommand, TakesMessagesOfTheYearZeroWithoutSince) {
@@ -113,8 +98,7 @@ TEST_F(ExportCommand, SaysHowManyMessagesHaveNoDate) {
     makeAccount("account",
                 {createTable("im_msg_5"), insertMessage("im_msg_5", 1, "'dated'"),
                  insertMessage("im_msg_5", 2, "'undated'"), "update im_msg_5 set year_ = null where msgID = 2"});
-    const Outcome run = exportFrom("account", "package");
-    EXPECT_EXIT_CODE(0, run);
+    const Outcome run = expectSuccess(exportFrom("account", "package"));
     EXPECT_EQ("1", rowOf(run.out, "Messages written"));
     EXPECT_SAYS("1 message has no date", run.err);
 }
@@ -136,9 +120,8 @@ TEST_F(ExportCommand, WorksUnderAPathOfTwoHundredBytes) {
 
 TEST_F(ExportCommand, TakesRelativePaths) {
     makeSample("account");
-    const Outcome run = chatTransfer({"export", "--account", "account/", "--user", kUser, "--to", "./sub/../package/"},
-                                     {{}, 0, dir_.path()});
-    EXPECT_EXIT_CODE(0, run);
+    expectSuccess(chatTransfer({"export", "--account", "account/", "--user", kUser, "--to", "./sub/../package/"},
+                               {{}, 0, dir_.path()}));
     EXPECT_TRUE(hasPackage("package"));
 }
 
@@ -162,17 +145,13 @@ TEST_F(ExportCommand, DoesNotDisturbAnotherOneIntoTheSameFolder) {
     dir_.write("package/.chat-transfer.part/of-the-other", "");
     const tools::detail::FileHandle other(open(at("package").c_str(), O_RDONLY | O_DIRECTORY));
     ASSERT_EQ(0, flock(other.get(), LOCK_EX));
-    const Outcome run = exportFrom("account", "package");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Another export into this folder is at work", run.err);
+    expectFailure(exportFrom("account", "package"), {"Another export into this folder is at work"});
     EXPECT_TRUE(exists(at("package/.chat-transfer.part/of-the-other")));
 }
 
 TEST_F(ExportCommand, SaysBeforehandHowMuchItWillWrite) {
     makeSample("account");
-    const Outcome run = exportFrom("account", "package");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_SAYS("To export: 300 messages and 4 attachments, about ", run.out);
+    expectSuccess(exportFrom("account", "package"), {"To export: 300 messages and 4 attachments, about "});
 }
 
 // A file system of its own, as small as a memory card.
@@ -186,8 +165,6 @@ public:
     }
     SmallDisk(const SmallDisk&) = delete;
     SmallDisk& operator=(const SmallDisk&) = delete;
-    SmallDisk(SmallDisk&&) = delete;
-    SmallDisk& operator=(SmallDisk&&) = delete;
 
     bool isMounted() const { return mounted_; }
 
@@ -200,29 +177,23 @@ TEST_F(ExportCommand, WithoutRoomOnTheDiskSaysSoBeforeItWrites) {
     makeSample("account");
     const SmallDisk disk(dir_.makeDir("disk"));
     if (!disk.isMounted()) GTEST_SKIP() << "no file system can be mounted here";
-    const Outcome run = exportFrom("account", "disk");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("The disk has no room for the package, and none was made", run.err);
-    EXPECT_SAYS("are free", run.err);
+    const Outcome run = expectFailure(exportFrom("account", "disk"),
+                                      {"The disk has no room for the package, and none was made", "are free"});
     EXPECT_SAYS_NOT("Writing message files", run.err);
     EXPECT_EQ("", listing(at("disk")));
 }
 
 TEST_F(ExportCommand, LeavesNoPackageWhenAMessageFileCannotBeWritten) {
     makeSample("account");
-    const Outcome run = exportFrom("account", "package", {}, {{}, 10000});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("could not be written whole, and none was left", run.err);
-    EXPECT_SAYS("the message file could not be written", run.err);
+    expectFailure(exportFrom("account", "package", {}, {{}, 10000}),
+                  {"could not be written whole, and none was left", "the message file could not be written"});
     EXPECT_EQ("", listing(at("package")));
 }
 
 TEST_F(ExportCommand, LeavesNoPackageWhenTheContactFileCannotBeWritten) {
     const std::string name(20000, 'n');
     makeAccount("account", {"insert into im_reContact(targetID, name) values(5, '" + name + "')"});
-    const Outcome run = exportFrom("account", "package", {}, {{}, 10000});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("the recent-contact file could not be written", run.err);
+    expectFailure(exportFrom("account", "package", {}, {{}, 10000}), {"the recent-contact file could not be written"});
     EXPECT_FALSE(hasPackage("package"));
 }
 
@@ -231,10 +202,9 @@ TEST_F(ExportCommand, FailsWhenAnAttachmentCannotBeCopiedButKeepsTheRest) {
                 {createTable("im_msg_5"), insertMessage("im_msg_5", 1, R"('{"mediaUrl":"a/b","fileName":"big"}')"),
                  "update im_msg_5 set msgType = 6"});
     dir_.write("account/file/big", std::string(200000, 'x'));
-    const Outcome run = exportFrom("account", "package", {}, {{}, 100000});
-    EXPECT_EXIT_CODE(1, run);
+    const Outcome run = expectFailure(exportFrom("account", "package", {}, {{}, 100000}),
+                                      {"a/big: the attachment could not be written"});
     EXPECT_EQ("1", rowOf(run.out, "Attachments failed"));
-    EXPECT_SAYS("a/big: the attachment could not be written", run.err);
     EXPECT_TRUE(hasPackage("package"));
 }
 
@@ -243,10 +213,8 @@ TEST_F(ExportCommand, CountsMissingAndRefusedAttachmentsWithoutFailing) {
         "account",
         {createTable("im_msg_5"), insertMessage("im_msg_5", 1, R"('{"mediaUrl":"a/b","fileName":"gone"}')"),
          insertMessage("im_msg_5", 2, R"('{"mediaUrl":"../b","fileName":"out"}')"), "update im_msg_5 set msgType = 6"});
-    const Outcome run = exportFrom("account", "package");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("1", rowOf(run.out, "Attachments missing"));
-    EXPECT_EQ("1", rowOf(run.out, "Attachments refused"));
+    const Outcome run = expectSuccess(exportFrom("account", "package"));
+    expectRows(run, {{"Attachments missing", "1"}, {"Attachments refused", "1"}});
     EXPECT_SAYS("a/gone: the attachment is missing", run.err);
 }
 
@@ -256,10 +224,8 @@ TEST_F(ExportCommand, DoesNotFailOnImagesThatHaveNoFolder) {
                             "update im_msg_5 set msgType = 5"});
     dir_.write("account/image/p.png", "picture");
     dir_.write("account/image/t.png", "thumbnail");
-    const Outcome run = exportFrom("account", "package");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("1", rowOf(run.out, "Attachments failed"));
-    EXPECT_EQ("1", rowOf(run.out, "Attachments copied"));
+    expectRows(expectSuccess(exportFrom("account", "package")),
+               {{"Attachments failed", "1"}, {"Attachments copied", "1"}});
 }
 
 TEST_F(ExportCommand, FailsWhenAConversationIsDamaged) {
@@ -267,16 +233,13 @@ TEST_F(ExportCommand, FailsWhenAConversationIsDamaged) {
     std::string bytes = readFile(mainDatabase("account"));
     bytes.replace(bytes.size() / 2, 8192, std::string(8192, '\xFF'));
     dir_.write("account/db/imsg.db", bytes);
-    const Outcome run = exportFrom("account", "package");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("The account could not be read whole, and no package was made", run.err);
+    expectFailure(exportFrom("account", "package"), {"The account could not be read whole, and no package was made"});
     EXPECT_EQ("", listing(at("package")));
 }
 
 TEST_F(ExportCommand, ShowsNoControlCharacterOfATableName) {
     makeAccount("account", {"create table \"im_msg_\x1b[31m\u009b5m\n\"(x)"});
-    const Outcome run = exportFrom("account", "package");
-    EXPECT_EXIT_CODE(0, run);
+    const Outcome run = expectSuccess(exportFrom("account", "package"));
     EXPECT_SAYS("im_msg_\\x1b[31m", run.err);
     EXPECT_FALSE(hasControlCharacter(run.all()));
 }
@@ -298,20 +261,16 @@ TEST_F(ExportCommand, PackedSaysHowManyMessagesItLeftOut) {
         "union all select i + 1 from n where i < 1200) select i, 5, 1, 2024, 6, "
         "case when i <= 100 then 29 else 30 end from n");
     makeAccount("account", statements);
-    const Outcome run = exportFrom("account", "package", {"--layout", "packed"});
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("1,000", rowOf(run.out, "Messages written"));
-    EXPECT_EQ("200", rowOf(run.out, "Messages left out"));
+    const Outcome run = expectSuccess(exportFrom("account", "package", {"--layout", "packed"}));
+    expectRows(run, {{"Messages written", "1,000"}, {"Messages left out", "200"}});
     EXPECT_SAYS("the packed layout left out 200 messages", run.err);
     EXPECT_FALSE(exists(messageFolder("package") + "recontact.mg"));
 }
 
 TEST_F(ExportCommand, PackedLeavesNothingOutWhereTheLastFileHasRoom) {
     makeSample("account");
-    const Outcome run = exportFrom("account", "package", {"--layout", "packed"});
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("300", rowOf(run.out, "Messages written"));
-    EXPECT_EQ("0", rowOf(run.out, "Messages left out"));
+    const Outcome run = expectSuccess(exportFrom("account", "package", {"--layout", "packed"}));
+    expectRows(run, {{"Messages written", "300"}, {"Messages left out", "0"}});
     EXPECT_SAYS_NOT("warning", run.err);
 }
 
@@ -330,19 +289,15 @@ TEST_F(ExportCommand, PackedNeedsNeitherBackDatabaseNorContacts) {
 TEST_F(ExportCommand, OfAnEmptyAccountIsAnEmptyPackage) {
     makeAccount("account", {});
     for (const char* layout : {"days", "packed"}) {
-        const Outcome run = exportFrom("account", layout, {"--layout", layout});
-        EXPECT_EXIT_CODE(0, run);
-        EXPECT_EQ("0", rowOf(run.out, "Messages written"));
+        EXPECT_EQ("0",
+                  rowOf(expectSuccess(exportFrom("account", layout, {"--layout", layout})).out, "Messages written"));
     }
 }
 
 TEST_F(ExportCommand, DrawsAProgressBarOnATerminal) {
     makeSample("account");
-    const Outcome run =
-        chatTransferOnTerminal({"export", "--account", at("account"), "--user", kUser, "--to", at("package")});
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_SAYS("Copying attachments [######################..] 95 % (4/4), ", run.out);
-    EXPECT_SAYS("Done [########################] 100 %", run.out);
+    expectSuccess(exportOnTerminal(), {"Copying attachments [######################..] 95 % (4/4), ",
+                                       "Done [########################] 100 %"});
 }
 
 // The numbers in front of `unit`, in their order.
@@ -357,8 +312,7 @@ std::vector<double> numbersBefore(const std::string& unit, const std::string& te
 
 TEST_F(ExportCommand, ShowsPercentagesAndRemainingTimesThatNeverGoBack) {
     ASSERT_EXIT_CODE(0, sample("account", {"--messages", "20000", "--days", "100"}));
-    const Outcome run =
-        chatTransferOnTerminal({"export", "--account", at("account"), "--user", kUser, "--to", at("package")});
+    const Outcome run = exportOnTerminal();
     const std::vector<double> percentages = numbersBefore(" % (", run.out);
     EXPECT_GE(percentages.size(), 2U);
     EXPECT_TRUE(std::is_sorted(percentages.begin(), percentages.end())) << run.out;
@@ -369,8 +323,7 @@ TEST_F(ExportCommand, ShowsPercentagesAndRemainingTimesThatNeverGoBack) {
 
 TEST_F(ExportCommand, ThatFailsNeverShowsAHundredPercent) {
     makeSample("account");
-    const Outcome run = exportFrom("account", "package", {}, {{}, 10000});
-    EXPECT_EXIT_CODE(1, run);
+    const Outcome run = expectFailure(exportFrom("account", "package", {}, {{}, 10000}));
     EXPECT_SAYS_NOT("100 %", run.err);
 }
 

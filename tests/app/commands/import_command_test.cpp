@@ -16,22 +16,19 @@ protected:
             queryText(database, "select name from sqlite_master where name like 'im%' order by name", 1);
         std::istringstream tables(names);
         std::string rows;
-        for (std::string table; std::getline(tables, table);) {
+        for (std::string table; std::getline(tables, table);)
             rows += table + " " + queryText(database, "select count(*) from " + table, 1) + "\n";
-        }
         return rows;
     }
 };
 
 TEST_F(ImportCommand, BringsEverythingIntoAFreshAccount) {
     makePackage("account", "package");
-    const Outcome run = importInto("copy", "package");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("300", rowOf(run.out, "Messages read"));
-    EXPECT_EQ("300", rowOf(run.out, "Messages inserted"));
-    EXPECT_EQ("4", rowOf(run.out, "Conversations new"));
-    EXPECT_EQ("4", rowOf(run.out, "Recent contacts inserted"));
-    EXPECT_EQ("4", rowOf(run.out, "Attachments restored"));
+    expectRows(expectSuccess(importInto("copy", "package")), {{"Messages read", "300"},
+                                                              {"Messages inserted", "300"},
+                                                              {"Conversations new", "4"},
+                                                              {"Recent contacts inserted", "4"},
+                                                              {"Attachments restored", "4"}});
     EXPECT_EQ(rowsOf(mainDatabase("account")), rowsOf(mainDatabase("copy")));
 }
 
@@ -40,9 +37,7 @@ TEST_F(ImportCommand, InAnotherTimeZoneThanTheExportBringsTheSameHistory) {
     makeSample("account");
     ASSERT_EXIT_CODE(0, exportFrom("account", "package", {}, {{"TZ=Pacific/Kiritimati"}}));
     ASSERT_EXIT_CODE(0, importInto("copy", "package", {}, {{"TZ=Pacific/Pago_Pago"}}));
-    const Outcome run = verify("package", "copy");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_SAYS("Nothing is missing and nothing differs.", run.out);
+    expectSuccess(verify("package", "copy"), {"Nothing is missing and nothing differs."});
     const std::string days = "select year_ || '-' || mon || '-' || day_ || ' ' || time_ from ";
     const std::string table = biggestTable("account");
     EXPECT_EQ(queryText(mainDatabase("account"), days + table + " order by msgID", 1),
@@ -64,21 +59,18 @@ TEST_F(ImportCommand, AgainDoublesNothing) {
     makePackage("account", "package");
     ASSERT_EXIT_CODE(0, importInto("copy", "package"));
     const std::string before = rowsOf(mainDatabase("copy"));
-    const Outcome run = importInto("copy", "package");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("0", rowOf(run.out, "Messages inserted"));
-    EXPECT_EQ("300", rowOf(run.out, "Messages there already"));
-    EXPECT_EQ("0", rowOf(run.out, "Recent contacts inserted"));
-    EXPECT_EQ("3", rowOf(run.out, "Attachments there already"));
+    const Outcome run = expectSuccess(importInto("copy", "package"));
+    expectRows(run, {{"Messages inserted", "0"},
+                     {"Messages there already", "300"},
+                     {"Recent contacts inserted", "0"},
+                     {"Attachments there already", "3"}});
     EXPECT_SAYS_NOT("Made a new", run.out);
     EXPECT_EQ(before, rowsOf(mainDatabase("copy")));
 }
 
 TEST_F(ImportCommand, IntoTheBackDatabaseBringsMessagesOnly) {
     makePackage("account", "package");
-    const Outcome run = importInto("copy", "package", {"--into", "back"});
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("300", rowOf(run.out, "Messages inserted"));
+    EXPECT_EQ("300", rowOf(expectSuccess(importInto("copy", "package", {"--into", "back"})).out, "Messages inserted"));
     EXPECT_EQ("", rowsOf(mainDatabase("copy")));
     EXPECT_SAYS_NOT("im_reContact", rowsOf(at("copy/db/backimsg.db")));
     EXPECT_EXIT_CODE(0, verify("package", "copy", {"--database", "back", "--check", "imported"}));
@@ -88,45 +80,33 @@ TEST_F(ImportCommand, TakesThePackageFolderItself) {
     makePackage("account", "package");
     EXPECT_EXIT_CODE(0, importInto("one", "package/qelmsg_0"));
     EXPECT_EXIT_CODE(0, importInto("two", "package/qelmsg_0/"));
-    const Outcome inside = chatTransfer({"import", "--from", ".", "--account", at("three"), "--user", kUser},
-                                        {{}, 0, at("package/qelmsg_0")});
-    EXPECT_EXIT_CODE(0, inside);
+    expectSuccess(chatTransfer({"import", "--from", ".", "--account", at("three"), "--user", kUser},
+                               {{}, 0, at("package/qelmsg_0")}));
 }
 
 TEST_F(ImportCommand, OfNothingFailsBeforeAnAccountIsMade) {
-    const Outcome run = importInto("copy", "nowhere");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("There is no package", run.err);
-    EXPECT_SAYS("0xff000022", run.err);
+    expectFailure(importInto("copy", "nowhere"), {"There is no package", "0xff000022"});
     EXPECT_FALSE(exists(at("copy")));
 }
 
 TEST_F(ImportCommand, OfAnotherUserNamesThoseOfThePackage) {
     makePackage("account", "package");
-    const Outcome run = chatTransfer({"import", "--from", at("package"), "--account", at("copy"), "--user", "42"});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("nothing of user 42", run.err);
-    EXPECT_SAYS(std::string("this package holds: ") + kUser, run.err);
+    expectFailure(chatTransfer({"import", "--from", at("package"), "--account", at("copy"), "--user", "42"}),
+                  {"nothing of user 42", std::string("this package holds: ") + kUser});
     EXPECT_FALSE(exists(at("copy")));
 }
 
 TEST_F(ImportCommand, OfAnotherVersionNamesBothBeforeAnAccountIsMade) {
     makePackage("account", "package");
-    const Outcome run = importInto("copy", "package", {"--package-version", "2.0"});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("0xff000024", run.err);
-    EXPECT_SAYS("expects \"2.0\", the package says \"1.0\"", run.err);
-    EXPECT_SAYS("--package-version", run.err);
+    expectFailure(importInto("copy", "package", {"--package-version", "2.0"}),
+                  {"0xff000024", "expects \"2.0\", the package says \"1.0\"", "--package-version"});
     EXPECT_FALSE(exists(at("copy")));
 }
 
 TEST_F(ImportCommand, OfAnotherVersionInALaterFileWritesNothingIntoTheDatabase) {
     makePackage("account", "package");
-    dir_.write(std::string("package/qelmsg_0/messages_0/") + kUser + "/msg_3.mg", R"({"version":"9","msgs":[]})");
-    const Outcome run = importInto("copy", "package");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("0xff000024", run.err);
-    EXPECT_SAYS("nothing was written to the database", run.err);
+    putIntoPackage("msg_3.mg", R"({"version":"9","msgs":[]})");
+    expectFailure(importInto("copy", "package"), {"0xff000024", "nothing was written to the database"});
     EXPECT_EQ("", rowsOf(mainDatabase("copy")));
 }
 
@@ -143,11 +123,9 @@ TEST_F(ImportCommand, WithAWrongKeyLeavesNoAttachmentBehind) {
 
 TEST_F(ImportCommand, WithADamagedFileBringsTheRestAndFails) {
     makePackage("account", "package");
-    dir_.write(std::string("package/qelmsg_0/messages_0/") + kUser + "/msg_1.mg", "{\"version\":");
-    const Outcome run = importInto("copy", "package");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("1 of the package's files could not be read", run.err);
-    EXPECT_SAYS("msg_1.mg", run.err);
+    putIntoPackage("msg_1.mg", "{\"version\":");
+    const Outcome run =
+        expectFailure(importInto("copy", "package"), {"1 of the package's files could not be read", "msg_1.mg"});
     EXPECT_NE("0", rowOf(run.out, "Messages inserted"));
 }
 
@@ -161,27 +139,22 @@ TEST_F(ImportCommand, FindsADamagedFileBehindAThousandMissingAttachments) {
          "'\"}', 2024, 6, 7 from n"});
     ASSERT_EXIT_CODE(0, exportFrom("account", "package"));
     fs::remove(messageFolder("package") + "recontact.mg");
-    dir_.write(std::string("package/qelmsg_0/messages_0/") + kUser + "/msg_5.mg", "no JSON");
-    const Outcome run = importInto("copy", "package");
-    EXPECT_EXIT_CODE(1, run);
+    putIntoPackage("msg_5.mg", "no JSON");
+    const Outcome run = expectFailure(importInto("copy", "package"),
+                                      {"1 of the package's files could not be read", "... and 1,081 more"});
     EXPECT_EQ("1,100", rowOf(run.out, "Attachments missing"));
-    EXPECT_SAYS("1 of the package's files could not be read", run.err);
-    EXPECT_SAYS("... and 1,081 more", run.err);
 }
 
 TEST_F(ImportCommand, WithAGapInTheNumberingFails) {
     makePackage("account", "package");
     fs::remove(messageFolder("package") + "msg_2.mg");
-    const Outcome run = importInto("copy", "package");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("2 message files stand behind a gap", run.err);
+    expectFailure(importInto("copy", "package"), {"2 message files stand behind a gap"});
 }
 
 TEST_F(ImportCommand, WithoutAnAttachmentCountsItAsMissing) {
     makePackage("account", "package");
     fs::remove_all(attachmentFolder("package") + "voice");
-    const Outcome run = importInto("copy", "package");
-    EXPECT_EXIT_CODE(0, run);
+    const Outcome run = expectSuccess(importInto("copy", "package"));
     EXPECT_EQ("1", rowOf(run.out, "Attachments missing"));
     EXPECT_SAYS("the attachment is missing", run.err);
 }
@@ -192,19 +165,14 @@ TEST_F(ImportCommand, FailsWhenAnAttachmentCannotBeWritten) {
     const std::string voice = listing(at("copy/audio"));
     fs::remove(at("copy/audio/" + voice));
     fs::create_directory(at("copy/audio/" + voice));
-    const Outcome run = importInto("copy", "package");
-    EXPECT_EXIT_CODE(1, run);
+    const Outcome run = expectFailure(importInto("copy", "package"), {"1 attachments could not be copied"});
     EXPECT_EQ("1", rowOf(run.out, "Attachments failed"));
-    EXPECT_SAYS("1 attachments could not be copied", run.err);
 }
 
 TEST_F(ImportCommand, OnAFullDiskFailsAndCanBeRepeated) {
     ASSERT_EXIT_CODE(0, sample("account", {"--messages", "3000", "--conversations", "10"}));
     ASSERT_EXIT_CODE(0, exportFrom("account", "package"));
-    const Outcome full = importInto("copy", "package", {}, {{}, 300000});
-    EXPECT_EXIT_CODE(1, full);
-    EXPECT_SAYS("0xff00001f", full.err);
-    EXPECT_SAYS("import again: nothing doubles", full.err);
+    expectFailure(importInto("copy", "package", {}, {{}, 300000}), {"0xff00001f", "import again: nothing doubles"});
     EXPECT_EXIT_CODE(0, importInto("copy", "package"));
     EXPECT_EXIT_CODE(0, verify("package", "copy"));
 }
@@ -214,9 +182,7 @@ TEST_F(ImportCommand, LeavesALinkToADatabaseThatIsAwayAlone) {
     fs::create_directories(at("copy/db"));
     fs::create_symlink(at("unplugged/imsg.db"), mainDatabase("copy"));
     for (const Arguments& more : {Arguments{}, Arguments{"--dry-run"}}) {
-        const Outcome run = importInto("copy", "package", more);
-        EXPECT_EXIT_CODE(1, run);
-        EXPECT_SAYS("there is no such file", run.err);
+        expectFailure(importInto("copy", "package", more), {"there is no such file"});
         EXPECT_TRUE(fs::is_symlink(mainDatabase("copy")));
     }
 }

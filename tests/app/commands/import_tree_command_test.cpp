@@ -13,16 +13,14 @@ using ImportTreeCommand = TreeCommandTest;
 
 TEST_F(ImportTreeCommand, BringsTheWholeTreeIntoAFreshAccount) {
     makeTree("backup");
-    const Outcome run = importTree("account", "backup");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("3", rowOf(run.out, "Messages inserted"));
-    EXPECT_EQ("2", rowOf(run.out, "Conversations"));
-    EXPECT_EQ("1", rowOf(run.out, "Recent contacts inserted"));
-    EXPECT_EQ("2", rowOf(run.out, "Notes inserted"));
-    EXPECT_EQ("1", rowOf(run.out, "Rooms inserted"));
-    EXPECT_EQ("1", rowOf(run.out, "Attachments moved"));
-    EXPECT_EQ("0", rowOf(run.out, "Files not decryptable"));
-    EXPECT_EQ("0", rowOf(run.out, "Files not parsable"));
+    expectRows(expectSuccess(importTree("account", "backup")), {{"Messages inserted", "3"},
+                                                                {"Conversations", "2"},
+                                                                {"Recent contacts inserted", "1"},
+                                                                {"Notes inserted", "2"},
+                                                                {"Rooms inserted", "1"},
+                                                                {"Attachments moved", "1"},
+                                                                {"Files not decryptable", "0"},
+                                                                {"Files not parsable", "0"}});
 }
 
 TEST_F(ImportTreeCommand, PutsTheRowsIntoTheDatabasesAndTheFilesIntoTheFolders) {
@@ -47,13 +45,11 @@ TEST_F(ImportTreeCommand, AgainAddsNothing) {
     makeTree("backup");
     ASSERT_EXIT_CODE(0, importTree("account", "backup"));
     const std::string before = contentOf("account");
-    const Outcome run = importTree("account", "backup");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("0", rowOf(run.out, "Messages inserted"));
-    EXPECT_EQ("3", rowOf(run.out, "Messages there already"));
-    EXPECT_EQ("2", rowOf(run.out, "Notes there already"));
-    EXPECT_EQ("1", rowOf(run.out, "Rooms there already"));
-    EXPECT_EQ("1", rowOf(run.out, "Attachments there already"));
+    expectRows(expectSuccess(importTree("account", "backup")), {{"Messages inserted", "0"},
+                                                                {"Messages there already", "3"},
+                                                                {"Notes there already", "2"},
+                                                                {"Rooms there already", "1"},
+                                                                {"Attachments there already", "1"}});
     EXPECT_EQ(before, contentOf("account"));
 }
 
@@ -64,43 +60,32 @@ TEST_F(ImportTreeCommand, AcceptsTheFolderOfTheTreesItself) {
 
 TEST_F(ImportTreeCommand, WithoutATreeSaysWhatItLookedFor) {
     dir_.makeDir("backup");
-    const Outcome run = importTree("account", "backup");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS(at("backup/qelbackup/"), run.err);
-    EXPECT_SAYS("0xff000022", run.err);
+    expectFailure(importTree("account", "backup"), {at("backup/qelbackup/"), "0xff000022"});
     EXPECT_FALSE(exists(at("account")));
 }
 
 TEST_F(ImportTreeCommand, OfAPlainTreeNamesTheCommandThatEncryptsIt) {
     makePlainTree("plain");
-    const Outcome run = importTree("account", "plain");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("encrypt-tree makes one out of a plain tree", run.err);
+    expectFailure(importTree("account", "plain"), {"encrypt-tree makes one out of a plain tree"});
 }
 
 TEST_F(ImportTreeCommand, IsWhatAPackageImportOfATreeNames) {
     makeTree("backup");
-    const Outcome run = importInto("account", "backup");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("a tree, in qelbackup, is for import-tree", run.err);
+    expectFailure(importInto("account", "backup"), {"a tree, in qelbackup, is for import-tree"});
 }
 
 TEST_F(ImportTreeCommand, OfAnotherUserNamesTheUsersWhoseTreesAreThere) {
     dir_.makeDir("backup/qelbackup/4711");
-    const Outcome run = importTree("account", "backup");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("There is no tree of user 1000000000000001", run.err);
-    EXPECT_SAYS("there are trees of: 4711", run.err);
+    expectFailure(importTree("account", "backup"),
+                  {"There is no tree of user 1000000000000001", "there are trees of: 4711"});
 }
 
 TEST_F(ImportTreeCommand, WithAWrongKeyChangesNothingAndGivesTheRemedy) {
     makeTree("backup");
     const std::string before = filesBelow("backup");
-    const Outcome run = importTree("account", "backup", {"--key-file", otherKey()});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("None of the tree's files can be read (6 files)", run.err);
-    EXPECT_SAYS("wrong key, or the file is damaged", run.err);
-    EXPECT_SAYS("check the key", run.err);
+    expectFailure(
+        importTree("account", "backup", {"--key-file", otherKey()}),
+        {"None of the tree's files can be read (6 files)", "wrong key, or the file is damaged", "check the key"});
     EXPECT_FALSE(exists(at("account")));
     EXPECT_EQ(before, filesBelow("backup"));
 }
@@ -108,38 +93,29 @@ TEST_F(ImportTreeCommand, WithAWrongKeyChangesNothingAndGivesTheRemedy) {
 TEST_F(ImportTreeCommand, NamesOnlyTheFirstFilesOfAWrongKey) {
     makeBigPlainTree("plain", 30);
     ASSERT_EXIT_CODE(0, encryptTree("plain", "backup"));
-    const Outcome run = importTree("account", "backup", {"--key-file", otherKey()});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("(30 files)", run.err);
-    EXPECT_SAYS("... and 10 more", run.err);
+    expectFailure(importTree("account", "backup", {"--key-file", otherKey()}), {"(30 files)", "... and 10 more"});
 }
 
 TEST_F(ImportTreeCommand, WithoutAKeySaysThatOneIsNeeded) {
     makeTree("backup");
-    const Outcome run =
-        chatTransfer({"import-tree", "--user", kUser, "--from", at("backup"), "--account", at("account")});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("no key", run.err);
-    EXPECT_SAYS("--key-file FILE", run.err);
+    expectFailure(chatTransfer({"import-tree", "--user", kUser, "--from", at("backup"), "--account", at("account")}),
+                  {"no key", "--key-file FILE"});
     EXPECT_FALSE(exists(at("account")));
 }
 
 TEST_F(ImportTreeCommand, IntoAnAccountOfAnotherKeyLeavesTheTreeEncrypted) {
     makeTree("backup");
     ASSERT_EXIT_CODE(0, sample("account", {"--messages", "10", "--conversations", "1", "--key-file", otherKey()}));
-    const Outcome run = importTree("account", "backup");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("the key does not fit", run.err);
+    expectFailure(importTree("account", "backup"), {"the key does not fit"});
     EXPECT_TRUE(exists(treeFolder("backup") + "/2002/a.mg"));
 }
 
 TEST_F(ImportTreeCommand, GoesOnBehindADamagedFileAndFails) {
     makeTree("backup");
-    dir_.write("backup/qelbackup/" + std::string(kUser) + "/2002/a.mg", "not encrypted");
-    const Outcome run = importTree("account", "backup");
-    EXPECT_EXIT_CODE(1, run);
+    putIntoTree("2002/a.mg", "not encrypted");
+    const Outcome run =
+        expectFailure(importTree("account", "backup"), {"2002/a.mg: cannot be decrypted: not an encrypted file"});
     EXPECT_EQ("1", rowOf(run.out, "Files not decryptable"));
-    EXPECT_SAYS("2002/a.mg: cannot be decrypted: not an encrypted file", run.err);
     EXPECT_EQ("2", messageIds("account", "im_msg_2002"));
 }
 
@@ -147,20 +123,14 @@ TEST_F(ImportTreeCommand, GoesOnBehindAFileThatIsNotJsonAndFails) {
     makePlainTree("plain");
     dir_.write("plain/2002/d.mg", "{\"version\": ");
     ASSERT_EXIT_CODE(0, encryptTree("plain", "backup"));
-    const Outcome run = importTree("account", "backup");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_EQ("1", rowOf(run.out, "Files not parsable"));
-    EXPECT_EQ("0", rowOf(run.out, "Files not decryptable"));
-    EXPECT_SAYS("is not JSON", run.err);
-    EXPECT_EQ("3", rowOf(run.out, "Messages inserted"));
+    expectRows(expectFailure(importTree("account", "backup"), {"is not JSON"}),
+               {{"Files not parsable", "1"}, {"Files not decryptable", "0"}, {"Messages inserted", "3"}});
 }
 
 TEST_F(ImportTreeCommand, OfAnotherVersionMakesNothing) {
     makeTree("backup");
-    const Outcome run = importTree("account", "backup", {"--package-version", "9"});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("this import expects \"9\", the file says \"1.0\"", run.err);
-    EXPECT_SAYS("0xff000024", run.err);
+    expectFailure(importTree("account", "backup", {"--package-version", "9"}),
+                  {"this import expects \"9\", the file says \"1.0\"", "0xff000024"});
     EXPECT_FALSE(exists(at("account")));
 }
 
@@ -168,19 +138,14 @@ TEST_F(ImportTreeCommand, NamesTheFileOfAnotherVersionAtWhichItStops) {
     makePlainTree("plain");
     dir_.write("plain/notes.nt", R"({"version": "9", "note": []})");
     ASSERT_EXIT_CODE(0, encryptTree("plain", "backup"));
-    const Outcome run = importTree("account", "backup");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("notes.nt.decrypt", run.err);
-    EXPECT_SAYS("has another version than 1.0", run.err);
+    expectFailure(importTree("account", "backup"), {"notes.nt.decrypt", "has another version than 1.0"});
     EXPECT_EQ("3", messageIds("account", "im_msg_3003"));
 }
 
 TEST_F(ImportTreeCommand, IntoTheBackDatabaseBringsMessagesOnly) {
     makeTree("backup");
-    const Outcome run = importTree("account", "backup", {"--into", "back"});
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("3", rowOf(run.out, "Messages inserted"));
-    EXPECT_EQ("", rowOf(run.out, "Notes inserted"));
+    expectRows(expectSuccess(importTree("account", "backup", {"--into", "back"})),
+               {{"Messages inserted", "3"}, {"Notes inserted", ""}});
     const std::string back = at("account/db/backimsg.db");
     EXPECT_EQ("1\n2", queryText(back, "select msgID from im_msg_2002 order by msgID", 1, kKey));
     EXPECT_EQ("", mainRows("account", "select name from sqlite_master"));
@@ -196,17 +161,15 @@ TEST_F(ImportTreeCommand, KeepsTheDecryptedCopiesUnlessToldOtherwise) {
 
 TEST_F(ImportTreeCommand, RemovesTheDecryptedCopiesOfAllKindsWhenToldTo) {
     makeTree("backup");
-    const Outcome run = importTree("account", "backup", {"--remove-decrypted"});
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("6", rowOf(run.out, "Decrypted copies removed"));
+    EXPECT_EQ("6", rowOf(expectSuccess(importTree("account", "backup", {"--remove-decrypted"})).out,
+                         "Decrypted copies removed"));
     EXPECT_EQ("", filesBelow("backup"));
 }
 
 TEST_F(ImportTreeCommand, IntoTheBackDatabaseRemovesTheDecryptedMessageFiles) {
     makeTree("backup");
-    const Outcome run = importTree("account", "backup", {"--into", "back", "--remove-decrypted"});
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("3", rowOf(run.out, "Decrypted copies removed"));
+    EXPECT_EQ("3", rowOf(expectSuccess(importTree("account", "backup", {"--into", "back", "--remove-decrypted"})).out,
+                         "Decrypted copies removed"));
     EXPECT_EQ(0, countEnding(treeFolder("backup"), ".decrypt"));
     EXPECT_TRUE(exists(treeFolder("backup") + "/rooms.rm"));
 }
@@ -215,9 +178,7 @@ TEST_F(ImportTreeCommand, KeepsTheDecryptedCopyOfAFileThatItCouldNotParse) {
     makePlainTree("plain");
     dir_.write("plain/2002/d.mg", "no JSON");
     ASSERT_EXIT_CODE(0, encryptTree("plain", "backup"));
-    const Outcome run = importTree("account", "backup", {"--remove-decrypted"});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("1 decrypted copy was kept", run.err);
+    expectFailure(importTree("account", "backup", {"--remove-decrypted"}), {"1 decrypted copy was kept"});
     EXPECT_EQ("no JSON", readFile(treeFolder("backup") + "/2002/d.mg.decrypt"));
     EXPECT_EQ(1, countEnding(treeFolder("backup"), ".decrypt"));
 }
@@ -227,8 +188,7 @@ TEST_F(ImportTreeCommand, KeepsMessageFilesOfWhichAnAttachmentCouldNotBeMoved) {
     ASSERT_EXIT_CODE(0, importTree("account", "backup", {"--into", "back"}));
     fs::remove_all(at("account/audio"));
     dir_.write("account/audio", "a file in the way");
-    const Outcome run = importTree("account", "backup", {"--remove-decrypted"});
-    EXPECT_EXIT_CODE(1, run);
+    expectFailure(importTree("account", "backup", {"--remove-decrypted"}));
     EXPECT_TRUE(exists(treeFolder("backup") + "/2002/old/b.mg.decrypt"));
     EXPECT_TRUE(exists(treeFolder("backup") + "/imfiles/voice/hello.amr"));
 }
@@ -244,21 +204,17 @@ TEST_F(ImportTreeCommand, KeepsContactFilesWhenThereAreSeveral) {
 
 TEST_F(ImportTreeCommand, PrintsHostileNamesSafely) {
     makeTree("backup");
-    dir_.write("backup/qelbackup/" + std::string(kUser) + "/2002/\x1b[2J\nevil\xff.mg", "not encrypted");
-    const Outcome run = importTree("account", "backup");
-    EXPECT_EXIT_CODE(1, run);
+    putIntoTree("2002/\x1b[2J\nevil\xff.mg", "not encrypted");
+    const Outcome run = expectFailure(importTree("account", "backup"), {"\\x1b[2J"});
     EXPECT_FALSE(hasControlCharacter(run.out + run.err)) << run.all();
-    EXPECT_SAYS("\\x1b[2J", run.err);
 }
 
 TEST_F(ImportTreeCommand, NeverWaitsForAFifoNorFollowsALink) {
     makeTree("backup");
     ASSERT_EQ(0, mkfifo((treeFolder("backup") + "/2002/fifo.mg").c_str(), 0600));
     fs::create_directory_symlink(treeFolder("backup") + "/2002", treeFolder("backup") + "/9009");
-    const Outcome run = importTree("account", "backup");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_EQ("1", rowOf(run.out, "Files not decryptable"));
-    EXPECT_EQ("2", rowOf(run.out, "Conversations"));
+    expectRows(expectFailure(importTree("account", "backup")),
+               {{"Files not decryptable", "1"}, {"Conversations", "2"}});
 }
 
 TEST_F(ImportTreeCommand, RemovesWhatAnInterruptedDecryptionLeft) {
@@ -298,19 +254,12 @@ TEST_F(ImportTreeCommand, WithoutRoomForADatabaseLeavesNoneUnderItsName) {
 TEST_F(ImportTreeCommand, OnAFullDiskFailsAndCanBeRepeated) {
     makeBigPlainTree("plain", 300);
     ASSERT_EXIT_CODE(0, encryptTree("plain", "backup"));
-    const Outcome full = importTree("account", "backup", {}, {{}, 20000});
-    EXPECT_EXIT_CODE(1, full);
-    EXPECT_SAYS("0xff00001f", full.err);
-    EXPECT_SAYS("none of them was kept", full.err);
-    const Outcome again = importTree("account", "backup");
-    EXPECT_EXIT_CODE(0, again);
-    EXPECT_EQ("300", rowOf(again.out, "Messages inserted"));
+    expectFailure(importTree("account", "backup", {}, {{}, 20000}), {"0xff00001f", "none of them was kept"});
+    EXPECT_EQ("300", rowOf(expectSuccess(importTree("account", "backup")).out, "Messages inserted"));
 }
 
 TEST_F(ImportTreeCommand, HelpSaysWhatGoesOnlyWithTheMainDatabase) {
-    const Outcome run = chatTransfer({"import-tree", "--help"});
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_SAYS("Into \"back\" go the messages only", run.out);
+    expectSuccess(chatTransfer({"import-tree", "--help"}), {"Into \"back\" go the messages only"});
 }
 
 }  // namespace

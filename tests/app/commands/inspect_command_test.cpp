@@ -25,15 +25,13 @@ private:
 
 TEST_F(InspectCommand, ShowsWhatThePackageHolds) {
     makePackage("account", "package");
-    const Outcome run = inspect("package");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("1.0", rowOf(run.out, "Version"));
-    EXPECT_EQ("5", rowOf(run.out, "Message files"));
-    EXPECT_EQ("2024-06-26 to 2024-06-30", rowOf(run.out, "Days"));
-    EXPECT_EQ("300", rowOf(run.out, "Messages"));
-    EXPECT_EQ("4", rowOf(run.out, "Recent contacts"));
-    EXPECT_EQ("4", rowOf(run.out, "Attachments present"));
-    EXPECT_EQ("0", rowOf(run.out, "Attachments missing"));
+    expectRows(expectSuccess(inspect("package")), {{"Version", "1.0"},
+                                                   {"Message files", "5"},
+                                                   {"Days", "2024-06-26 to 2024-06-30"},
+                                                   {"Messages", "300"},
+                                                   {"Recent contacts", "4"},
+                                                   {"Attachments present", "4"},
+                                                   {"Attachments missing", "0"}});
 }
 
 TEST_F(InspectCommand, CountsPerConversation) {
@@ -72,29 +70,24 @@ TEST_F(InspectCommand, CountsAddUpOverTheConversationsInJson) {
 TEST_F(InspectCommand, FindsMissingAttachments) {
     makePackage("account", "package");
     fs::remove_all(attachmentFolder("package") + "image");
-    const Outcome run = inspect("package");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("2", rowOf(run.out, "Attachments present"));
-    EXPECT_EQ("2", rowOf(run.out, "Attachments missing"));
+    expectRows(expectSuccess(inspect("package")), {{"Attachments present", "2"}, {"Attachments missing", "2"}});
 }
 
 TEST_F(InspectCommand, ListsDamagedFilesAndGaps) {
     makePackage("account", "package");
-    dir_.write(std::string("package/qelmsg_0/messages_0/") + kUser + "/msg_0.mg", "[]");
-    dir_.write(std::string("package/qelmsg_0/messages_0/") + kUser + "/recontact.mg", "");
+    putIntoPackage("msg_0.mg", "[]");
+    putIntoPackage("recontact.mg", "");
     fs::remove(messageFolder("package") + "msg_3.mg");
-    const Outcome run = inspect("package");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_SAYS(messageFolder("package") + "msg_0.mg\n", run.out);
-    EXPECT_SAYS(messageFolder("package") + "recontact.mg\n", run.out);
-    EXPECT_SAYS("gap after 3 files: no import reads the 1 behind it", run.out);
+    const Outcome run = expectSuccess(
+        inspect("package"), {messageFolder("package") + "msg_0.mg\n", messageFolder("package") + "recontact.mg\n",
+                             "gap after 3 files: no import reads the 1 behind it"});
     EXPECT_EQ("no file", rowOf(run.out, "Recent contacts"));
 }
 
 TEST_F(InspectCommand, ListsEveryVersionThatThereIs) {
     makePackage("account", "package");
-    dir_.write(std::string("package/qelmsg_0/messages_0/") + kUser + "/msg_5.mg", R"({"version":"2","msgs":[]})");
-    dir_.write(std::string("package/qelmsg_0/messages_0/") + kUser + "/msg_6.mg", R"({"msgs":[]})");
+    putIntoPackage("msg_5.mg", R"({"version":"2","msgs":[]})");
+    putIntoPackage("msg_6.mg", R"({"msgs":[]})");
     EXPECT_EQ("(none) (1 file), 1.0 (6 files), 2 (1 file)", rowOf(inspect("package").out, "Version"));
 }
 
@@ -111,26 +104,21 @@ TEST_F(InspectCommand, ShowsNoControlCharacterOfAContactOrVersion) {
 
 TEST_F(InspectCommand, ChangesNothing) {
     makePackage("account", "package");
-    const Outcome run = chatTransfer({"inspect", "package", "--user", kUser}, {{}, 0, dir_.path()});
-    EXPECT_EXIT_CODE(0, run);
+    expectSuccess(chatTransfer({"inspect", "package", "--user", kUser}, {{}, 0, dir_.path()}));
     EXPECT_EQ("account package", listing(dir_.path()));
     EXPECT_EQ("qelmsg_0", listing(at("package")));
 }
 
 TEST_F(InspectCommand, NamesTheUsersOfThePackage) {
     makePackage("account", "package");
-    const Outcome run = chatTransfer({"inspect", at("package"), "--user", "7"});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS(std::string("this package holds: ") + kUser, run.err);
+    expectFailure(chatTransfer({"inspect", at("package"), "--user", "7"}),
+                  {std::string("this package holds: ") + kUser});
 }
 
 TEST_F(InspectCommand, KnowsAPackageWithoutMessages) {
     makeAccount("account", {});
     ASSERT_EXIT_CODE(0, exportFrom("account", "package"));
-    const Outcome run = inspect("package");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("0", rowOf(run.out, "Messages"));
-    EXPECT_EQ("", rowOf(run.out, "Days"));
+    expectRows(expectSuccess(inspect("package")), {{"Messages", "0"}, {"Days", ""}});
 }
 
 }  // namespace

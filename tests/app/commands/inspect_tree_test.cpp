@@ -25,18 +25,13 @@ TEST_F(InspectTree, ShowsWhatAPlainTreeHolds) {
     makePlainTree("tree");
     const Outcome run = inspect("tree");
     expectWholeSample(run);
-    EXPECT_EQ("4 plain", rowOf(run.out, "Message files"));
-    EXPECT_EQ("1.0", rowOf(run.out, "Version"));
-    EXPECT_EQ("2024-06-26 to 2024-06-30", rowOf(run.out, "Days"));
+    expectRows(run, {{"Message files", "4 plain"}, {"Version", "1.0"}, {"Days", "2024-06-26 to 2024-06-30"}});
 }
 
 TEST_F(InspectTree, CountsEncryptedFilesWithoutAKey) {
     makeEncryptedTree("backup");
-    const Outcome run = inspect("backup");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("4 encrypted", rowOf(run.out, "Message files"));
-    EXPECT_EQ("0", rowOf(run.out, "Messages"));
-    EXPECT_SAYS("7 files are encrypted: give the key", run.out);
+    expectRows(expectSuccess(inspect("backup"), {"7 files are encrypted: give the key"}),
+               {{"Message files", "4 encrypted"}, {"Messages", "0"}});
 }
 
 TEST_F(InspectTree, ReadsEncryptedFilesWithTheKeyAndLeavesNothingBehind) {
@@ -51,20 +46,17 @@ TEST_F(InspectTree, ReadsEncryptedFilesWithTheKeyAndLeavesNothingBehind) {
 
 TEST_F(InspectTree, AsksForTheKeyOnlyOnce) {
     makeEncryptedTree("backup");
-    const Outcome run = chatTransferOnTerminal({"inspect", at("backup"), "--user", kUser, "--ask-key"},
-                                               {{"Key of the account: ", "secret\r"}});
-    EXPECT_EXIT_CODE(0, run);
+    const Outcome run = expectSuccess(chatTransferOnTerminal({"inspect", at("backup"), "--user", kUser, "--ask-key"},
+                                                             {{"Key of the account: ", "secret\r"}}),
+                                      {"4 encrypted"});
     EXPECT_SAYS_NOT("again", run.out);
-    EXPECT_SAYS("4 encrypted", run.out);
     EXPECT_SAYS_NOT("cannot be decrypted", run.out);
 }
 
 TEST_F(InspectTree, NamesFilesThatTheKeyDoesNotOpen) {
     makeEncryptedTree("backup");
     dir_.write("key", "wrong");
-    const Outcome run = inspect("backup", keyFile());
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_SAYS("contacts.ct: cannot be decrypted: wrong key", run.out);
+    const Outcome run = expectSuccess(inspect("backup", keyFile()), {"contacts.ct: cannot be decrypted: wrong key"});
     EXPECT_EQ("0", rowOf(run.out, "Messages"));
 }
 
@@ -74,9 +66,7 @@ TEST_F(InspectTree, ReadsTheDecryptedCopiesOfAnImport) {
     import.insert(import.end(), {"--key-file", at("key")});
     ASSERT_EXIT_CODE(0, chatTransfer(import));
     const Outcome run = inspect("backup");
-    EXPECT_EQ("4 decrypted", rowOf(run.out, "Message files"));
-    EXPECT_EQ("300", rowOf(run.out, "Messages"));
-    EXPECT_EQ("36", rowOf(run.out, "Attachments missing"));
+    expectRows(run, {{"Message files", "4 decrypted"}, {"Messages", "300"}, {"Attachments missing", "36"}});
 }
 
 TEST_F(InspectTree, ShowsThePackageWhereThereIsOneUnlessAskedForTheTree) {
@@ -90,8 +80,7 @@ TEST_F(InspectTree, FindsMissingAttachments) {
     makePlainTree("tree");
     fs::remove_all(at("tree/imfiles/video"));
     const Outcome run = inspect("tree");
-    EXPECT_EQ("30", rowOf(run.out, "Attachments present"));
-    EXPECT_EQ("6", rowOf(run.out, "Attachments missing"));
+    expectRows(run, {{"Attachments present", "30"}, {"Attachments missing", "6"}});
 }
 
 TEST_F(InspectTree, NamesDamagedFilesAndThoseOfNoConversation) {
@@ -127,10 +116,8 @@ protected:
 };
 
 TEST_F(InspectContactFiles, SayWhichOneAnImportTakes) {
-    const Outcome run = inspect("backup");
-    EXPECT_EXIT_CODE(0, run);
+    const Outcome run = expectSuccess(inspect("backup"), {"There are 5 files of recent contacts"});
     EXPECT_EQ("1", rowOf(run.out, "Recent contacts"));
-    EXPECT_SAYS("There are 5 files of recent contacts", run.out);
     ASSERT_EXIT_CODE(0, importTree("second", "backup"));
     const std::string contact = mainRows("second", "select name from im_reContact");
     EXPECT_SAYS("\n  1  taken  contacts-" + contact.substr(contact.find(' ') + 1) + ".ct.decrypt\n", run.out);
@@ -154,9 +141,8 @@ TEST_F(InspectContactFiles, AreNotListedWhenThereIsOnlyOne) {
 
 TEST_F(InspectTree, NamesTheUsersOfTheTrees) {
     makeEncryptedTree("backup");
-    const Outcome run = chatTransfer({"inspect", at("backup"), "--user", "7"});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS(std::string("there are trees of: ") + kUser, run.err);
+    expectFailure(chatTransfer({"inspect", at("backup"), "--user", "7"}),
+                  {std::string("there are trees of: ") + kUser});
 }
 
 }  // namespace

@@ -14,18 +14,16 @@ protected:
     std::string contentOf(const std::string& account) const {
         const std::string database = mainDatabase(account);
         std::string content = queryText(database, "select * from im_reContact order by targetID", 13);
-        for (const std::string& table : tablesOf(account)) {
+        for (const std::string& table : tablesOf(account))
             content += table + "\n" + queryText(database, "select * from " + table + " order by msgID", 23) + "\n";
-        }
         return content;
     }
 
     std::map<std::string, std::string> attachmentsOf(const std::string& account) const {
         std::map<std::string, std::string> files;
         for (const char* folder : {"audio", "image", "file"}) {
-            for (const fs::directory_entry& entry : fs::directory_iterator(at(account + "/" + folder))) {
+            for (const fs::directory_entry& entry : fs::directory_iterator(at(account + "/" + folder)))
                 files[std::string(folder) + "/" + entry.path().filename().string()] = readFile(entry.path());
-            }
         }
         return files;
     }
@@ -37,12 +35,10 @@ protected:
 
 TEST_F(SampleCommand, MakesThreeDatabasesThatOnlyTheirOwnerCanRead) {
     makeSample("account");
-    for (const char* name : {"db/imsg.db", "db/backimsg.db", "db/plugin/kab.db"}) {
+    for (const char* name : {"db/imsg.db", "db/backimsg.db", "db/plugin/kab.db"})
         EXPECT_EQ(0600U, permissionsOf(at(std::string("account/") + name))) << name;
-    }
-    for (const char* name : {"", "/db", "/db/plugin", "/audio", "/image", "/file"}) {
+    for (const char* name : {"", "/db", "/db/plugin", "/audio", "/image", "/file"})
         EXPECT_EQ(0700U, permissionsOf(at(std::string("account") + name))) << name;
-    }
 }
 
 TEST_F(SampleCommand, HoldsAsManyMessagesConversationsAndDaysAsAsked) {
@@ -113,9 +109,8 @@ TEST_F(SampleCommand, NamesItsAttachmentsSoThatTheyTravel) {
 TEST_F(SampleCommand, SpeaksSeveralScriptsAndEmoji) {
     ASSERT_EXIT_CODE(0, sample("account", {"--conversations", "3", "--messages", "3000"}));
     std::string bodies;
-    for (const std::string& table : tablesOf("account")) {
+    for (const std::string& table : tablesOf("account"))
         bodies += queryText(mainDatabase("account"), "select body from " + table, 1);
-    }
     for (const char* letters :
          {"Grüße", "Привет", "你好", "مرحبا", "שלום", "नमस्ते", "안녕", "😀", "👩‍👩‍👧‍👦"}) {
         EXPECT_NE(std::string::npos, bodies.find(letters)) << letters;
@@ -144,9 +139,7 @@ TEST_F(SampleCommand, ListsEveryConversationAmongTheRecentContacts) {
 TEST_F(SampleCommand, NeverWritesIntoAnExistingAccount) {
     makeSample("account");
     const std::string before = contentOf("account");
-    const Outcome run = sample("account");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("There is an account already", run.err);
+    expectFailure(sample("account"), {"There is an account already"});
     EXPECT_EQ(before, contentOf("account"));
 }
 
@@ -164,17 +157,12 @@ TEST_F(SampleCommand, LeavesConversationsEmptyWhenThereAreFewerMessages) {
 
 TEST_F(SampleCommand, FailsInWordsWhereItMayNotWrite) {
     dir_.write("file", "");
-    const Outcome run = sample("file/account");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("A folder of the account cannot be made", run.err);
-    EXPECT_SAYS("Not a directory", run.err);
+    expectFailure(sample("file/account"), {"A folder of the account cannot be made", "Not a directory"});
 }
 
 TEST_F(SampleCommand, FailsInWordsOnAFullDisk) {
-    const Outcome run = sample("account", {"--messages", "3000"}, {{}, 300000});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("The sample could not be written", run.err);
-    EXPECT_SAYS("0xff00001f", run.err);
+    expectFailure(sample("account", {"--messages", "3000"}, {{}, 300000}),
+                  {"The sample could not be written", "0xff00001f"});
 }
 
 }  // namespace

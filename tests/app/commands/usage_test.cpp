@@ -38,9 +38,7 @@ protected:
 };
 
 TEST_F(Usage, WithoutACommandShowsTheHelpAndIsWrongUsage) {
-    const Outcome run = chatTransfer({});
-    EXPECT_EXIT_CODE(2, run);
-    EXPECT_SAYS("Subcommands:", run.err);
+    const Outcome run = expectUsageError(chatTransfer({}), {"Subcommands:"});
     EXPECT_EQ("", run.out);
 }
 
@@ -48,8 +46,7 @@ TEST_F(Usage, HelpOfEveryCommandShowsExamplesAndSucceeds) {
     const std::vector<std::string> commands = listedCommands();
     ASSERT_GE(commands.size(), 10U);
     for (const std::string& command : commands) {
-        const Outcome run = chatTransfer({command, "--help"});
-        EXPECT_EXIT_CODE(0, run);
+        const Outcome run = expectSuccess(chatTransfer({command, "--help"}));
         EXPECT_SAYS_NOT("\n\n\n", run.out);
         const std::size_t examples = run.out.find("\nExample");
         ASSERT_NE(std::string::npos, examples) << run.out;
@@ -79,14 +76,11 @@ TEST_F(Usage, WhatTheHelpOfTheProgramSaysToTryWorks) {
 }
 
 TEST_F(Usage, HelpOfTheProgramNamesTheExitCodes) {
-    const Outcome run = chatTransfer({"--help"});
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_SAYS("0 done, 1 the operation failed, 2 wrong usage", run.out);
+    expectSuccess(chatTransfer({"--help"}), {"0 done, 1 the operation failed, 2 wrong usage"});
 }
 
 TEST_F(Usage, VersionIsThatOfTheProject) {
-    const Outcome run = chatTransfer({"--version"});
-    EXPECT_EXIT_CODE(0, run);
+    const Outcome run = expectSuccess(chatTransfer({"--version"}));
     EXPECT_EQ("chat-transfer " CHAT_TRANSFER_VERSION "\n", run.out);
 }
 
@@ -105,9 +99,7 @@ struct Mistake {
 class UsageMistake : public ::testing::TestWithParam<Mistake> {};
 
 TEST_P(UsageMistake, IsWrongUsageAndNamed) {
-    const Outcome run = chatTransfer(GetParam().arguments);
-    EXPECT_EXIT_CODE(2, run);
-    EXPECT_SAYS(GetParam().words, run.err);
+    const Outcome run = expectUsageError(chatTransfer(GetParam().arguments), {GetParam().words});
     EXPECT_EQ("", run.out);
 }
 
@@ -143,9 +135,7 @@ TEST_F(Usage, TwentyNinthOfFebruaryIsADayInLeapYearsOnly) {
 }
 
 TEST_F(Usage, ControlCharactersOfAnArgumentAreSpelledOut) {
-    const Outcome run = chatTransfer({"\x1b[31mred"});
-    EXPECT_EXIT_CODE(2, run);
-    EXPECT_SAYS("\\x1b[31mred", run.err);
+    const Outcome run = expectUsageError(chatTransfer({"\x1b[31mred"}), {"\\x1b[31mred"});
     EXPECT_FALSE(hasControlCharacter(run.err));
 }
 
@@ -155,16 +145,12 @@ Outcome printOntoAFullDisk(const std::string& arguments) {
 }
 
 TEST_F(Usage, HelpThatCannotBePrintedIsAFailure) {
-    const Outcome run = printOntoAFullDisk("--help");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("could not be printed", run.err);
+    expectFailure(printOntoAFullDisk("--help"), {"could not be printed"});
 }
 
 TEST_F(Usage, ResultsThatCannotBePrintedAreAFailure) {
     makePackage("account", "package");
-    const Outcome run = printOntoAFullDisk("inspect " + at("package") + " --user " + kUser);
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("could not be printed", run.err);
+    expectFailure(printOntoAFullDisk("inspect " + at("package") + " --user " + kUser), {"could not be printed"});
 }
 
 }  // namespace

@@ -25,35 +25,26 @@ protected:
 };
 
 TEST_F(VerifyCommand, FindsNothingInTheExportedAccount) {
-    const Outcome run = verify("package", "account");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("300", rowOf(run.out, "Messages that agree"));
-    EXPECT_EQ("4", rowOf(run.out, "Attachments compared"));
-    EXPECT_SAYS("Nothing is missing and nothing differs.", run.out);
+    expectRows(expectSuccess(verify("package", "account"), {"Nothing is missing and nothing differs."}),
+               {{"Messages that agree", "300"}, {"Attachments compared", "4"}});
 }
 
 TEST_F(VerifyCommand, FindsNothingInTheImportedAccount) {
-    const Outcome run = verify("package", "copy");
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("300", rowOf(run.out, "Messages that agree"));
-    EXPECT_EQ("4", rowOf(run.out, "Recent contacts in the account"));
+    expectRows(expectSuccess(verify("package", "copy")),
+               {{"Messages that agree", "300"}, {"Recent contacts in the account", "4"}});
 }
 
 TEST_F(VerifyCommand, FindsADeletedMessage) {
     const std::string table = biggestTable("copy");
     const std::string id = firstMessageOf(table);
     change("copy", "delete from " + table + " where msgID = " + id);
-    const Outcome run = verify("package", "copy");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Messages missing in the account: 1\n  message " + id + " of conversation " + table.substr(7) + "\n",
-                run.out);
+    expectFindings(verify("package", "copy"), {"Messages missing in the account: 1\n  message " + id +
+                                               " of conversation " + table.substr(7) + "\n"});
 }
 
 TEST_F(VerifyCommand, FindsAMissingConversation) {
     change("copy", "drop table " + biggestTable("copy"));
-    const Outcome run = verify("package", "copy");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Messages missing in the account: ", run.out);
+    expectFindings(verify("package", "copy"), {"Messages missing in the account: "});
 }
 
 TEST_F(VerifyCommand, FindsEachChangedFieldOfAMessage) {
@@ -77,9 +68,8 @@ TEST_F(VerifyCommand, FindsEachChangedFieldOfAMessage) {
                                                           {"relatedUsers", "relatedUsers"}}) {
         change("copy", "create table kept as select * from " + table);
         change("copy", "update " + table + " set " + column + " = 77 where msgID = " + id);
-        const Outcome run = verify("package", "copy");
-        EXPECT_EXIT_CODE(1, run);
-        EXPECT_SAYS("message " + id + " of conversation " + table.substr(7) + ": " + key, run.out);
+        expectFindings(verify("package", "copy"),
+                       {"message " + id + " of conversation " + table.substr(7) + ": " + key});
         change("copy", "delete from " + table);
         change("copy", "insert into " + table + " select * from kept");
         change("copy", "drop table kept");
@@ -89,9 +79,7 @@ TEST_F(VerifyCommand, FindsEachChangedFieldOfAMessage) {
 TEST_F(VerifyCommand, FindsAMessageThatThePackageLacks) {
     const std::string table = biggestTable("copy");
     change("copy", insertMessage(table, 12345, "'only here'"));
-    const Outcome both = verify("package", "copy");
-    EXPECT_EXIT_CODE(1, both);
-    EXPECT_SAYS("Messages missing in the package: 1\n  message 12345 of", both.out);
+    expectFindings(verify("package", "copy"), {"Messages missing in the package: 1\n  message 12345 of"});
     EXPECT_EXIT_CODE(1, verify("package", "copy", {"--check", "exported"}));
     EXPECT_EXIT_CODE(0, verify("package", "copy", {"--check", "imported"}));
 }
@@ -104,37 +92,26 @@ TEST_F(VerifyCommand, ChecksOneDirectionOnly) {
 
 TEST_F(VerifyCommand, FindsMissingAndForeignContacts) {
     change("copy", "update im_reContact set targetID = 99 where targetID = (select min(targetID) from im_reContact)");
-    const Outcome run = verify("package", "copy");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Recent contacts missing in the package: 1\n  contact 99\n", run.out);
-    EXPECT_SAYS("Recent contacts missing in the account: 1\n", run.out);
+    expectFindings(verify("package", "copy"), {"Recent contacts missing in the package: 1\n  contact 99\n",
+                                               "Recent contacts missing in the account: 1\n"});
 }
 
 TEST_F(VerifyCommand, FindsAChangedContact) {
     change("copy",
            "update im_reContact set name = 'Mallory' where targetID = (select min(targetID) from im_reContact)");
-    const Outcome run = verify("package", "copy");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS(": name\n", run.out);
-    EXPECT_SAYS("Recent contacts that differ: 1\n", run.out);
+    expectFindings(verify("package", "copy"), {": name\n", "Recent contacts that differ: 1\n"});
 }
 
 TEST_F(VerifyCommand, LetsAnAccountKeepItsOwnContactsAfterAnImport) {
     change("copy", "update im_reContact set lastMsg = 'newer', time = time + 1");
-    const Outcome run = verify("package", "copy", {"--check", "imported"});
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_SAYS("4  recent contacts are the account's own", run.out);
+    expectSuccess(verify("package", "copy", {"--check", "imported"}), {"4  recent contacts are the account's own"});
 }
 
 TEST_F(VerifyCommand, FindsAMissingAttachmentOnEitherSide) {
     fs::remove(onlyFileIn("copy/audio"));
-    const Outcome account = verify("package", "copy");
-    EXPECT_EXIT_CODE(1, account);
-    EXPECT_SAYS("Attachments missing in the account: 1\n  voice/2024-06-", account.out);
+    expectFindings(verify("package", "copy"), {"Attachments missing in the account: 1\n  voice/2024-06-"});
     fs::remove_all(attachmentFolder("package") + "file");
-    const Outcome package = verify("package", "account");
-    EXPECT_EXIT_CODE(1, package);
-    EXPECT_SAYS("Attachments missing in the package: 1\n  file/2024-06-", package.out);
+    expectFindings(verify("package", "account"), {"Attachments missing in the package: 1\n  file/2024-06-"});
 }
 
 TEST_F(VerifyCommand, FindsOneChangedByteOfAnAttachment) {
@@ -142,9 +119,7 @@ TEST_F(VerifyCommand, FindsOneChangedByteOfAnAttachment) {
     std::string bytes = readFile(path);
     bytes.back() = static_cast<char>(bytes.back() ^ 1);
     dir_.write(path.substr(dir_.path().size() + 1), bytes);
-    const Outcome run = verify("package", "copy");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Attachments that differ: 1\n", run.out);
+    expectFindings(verify("package", "copy"), {"Attachments that differ: 1\n"});
 }
 
 TEST_F(VerifyCommand, FindsALongerAttachment) {
@@ -161,9 +136,7 @@ TEST_F(VerifyCommand, CountsWhatTheRulesChangedApart) {
 }
 
 TEST_F(VerifyCommand, ExplainsLossesOfAnImportOnlyWhereThereWasOne) {
-    const Outcome run = verify("package", "copy", {"--check", "exported"});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("securityLevel\n", run.out);
+    expectFindings(verify("package", "copy", {"--check", "exported"}), {"securityLevel\n"});
 }
 
 TEST_F(VerifyCommand, CountsValuesThatNoPackageCarries) {
@@ -174,8 +147,7 @@ TEST_F(VerifyCommand, CountsValuesThatNoPackageCarries) {
 
 TEST_F(VerifyCommand, ListsAtMostAsManyLinesAsAsked) {
     change("copy", "drop table " + biggestTable("copy"));
-    const Outcome run = verify("package", "copy", {"--most", "2", "--check", "imported"});
-    EXPECT_EXIT_CODE(1, run);
+    const Outcome run = expectFailure(verify("package", "copy", {"--most", "2", "--check", "imported"}));
     const std::size_t first = run.out.find("  message ");
     const std::size_t more = run.out.find("  ... and ");
     ASSERT_NE(std::string::npos, more);
@@ -184,11 +156,8 @@ TEST_F(VerifyCommand, ListsAtMostAsManyLinesAsAsked) {
 }
 
 TEST_F(VerifyCommand, ListsADamagedFileOfThePackage) {
-    dir_.write(std::string("package/qelmsg_0/messages_0/") + kUser + "/msg_1.mg", "{");
-    const Outcome run = verify("package", "copy");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Files that cannot be read: 1\n", run.out);
-    EXPECT_SAYS("Messages missing in the package: ", run.out);
+    putIntoPackage("msg_1.mg", "{");
+    expectFindings(verify("package", "copy"), {"Files that cannot be read: 1\n", "Messages missing in the package: "});
 }
 
 TEST_F(VerifyCommand, ListsFilesBehindAGap) {
@@ -198,17 +167,14 @@ TEST_F(VerifyCommand, ListsFilesBehindAGap) {
 
 TEST_F(VerifyCommand, SaysWhenThePackageHasNoContacts) {
     fs::remove(messageFolder("package") + "recontact.mg");
-    const Outcome run = verify("package", "account");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("all 4: the package has no recontact.mg", run.out);
+    expectFindings(verify("package", "account"), {"all 4: the package has no recontact.mg"});
     EXPECT_EXIT_CODE(0, verify("package", "copy", {"--check", "imported"}));
 }
 
 TEST_F(VerifyCommand, LooksAtMessagesSinceADay) {
     ASSERT_EXIT_CODE(0, exportFrom("account", "late", {"--since", "2024-06-29"}));
     EXPECT_EXIT_CODE(1, verify("late", "account"));
-    const Outcome run = verify("late", "account", {"--since", "2024-06-29"});
-    EXPECT_EXIT_CODE(0, run);
+    const Outcome run = expectSuccess(verify("late", "account", {"--since", "2024-06-29"}));
     EXPECT_NE("0", rowOf(run.out, "Messages that agree"));
 }
 
@@ -222,9 +188,7 @@ TEST_F(VerifyCommand, ChangesNothingOnEitherSide) {
 }
 
 TEST_F(VerifyCommand, NeedsAnAccountThatIsThere) {
-    const Outcome run = verify("package", "nobody");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("0xff00001f", run.err);
+    expectFailure(verify("package", "nobody"), {"0xff00001f"});
     EXPECT_FALSE(exists(at("nobody")));
 }
 
@@ -315,9 +279,7 @@ TEST_F(VerifyRules, LetAttachmentsOfOneNameReplaceEachOther) {
 TEST_F(VerifyRules, NeverTransferTablesOfOtherNames) {
     makeAccount("account", {"create table \"im_msg_-5\"(x)", "create table im_msgx_1(x)"});
     ASSERT_EXIT_CODE(0, exportFrom("account", "package"));
-    const Outcome run = verify("package", "account");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Tables of the account that cannot be read: 1\n  im_msg_-5\n", run.out);
+    expectFindings(verify("package", "account"), {"Tables of the account that cannot be read: 1\n  im_msg_-5\n"});
 }
 
 TEST_F(VerifyRules, LeaveOutWhatPackedLeavesOut) {
@@ -326,9 +288,8 @@ TEST_F(VerifyRules, LeaveOutWhatPackedLeavesOut) {
         statements.push_back(insertMessage("im_msg_5", id, "'x'"));
     makeAccount("account", statements);
     ASSERT_EXIT_CODE(0, exportFrom("account", "package", {"--layout", "packed"}));
-    const Outcome run = verify("package", "account");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Messages missing in the package: 3\n  message 1001 of conversation 5\n", run.out);
+    expectFindings(verify("package", "account"),
+                   {"Messages missing in the package: 3\n  message 1001 of conversation 5\n"});
 }
 
 }  // namespace

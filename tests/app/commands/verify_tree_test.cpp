@@ -32,70 +32,50 @@ protected:
 };
 
 TEST_F(VerifyTree, FindsNothingAfterAnImport) {
-    const Outcome run = verifyPlain();
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("300", rowOf(run.out, "Messages that agree"));
-    EXPECT_EQ("12", rowOf(run.out, "Notes in the tree"));
-    EXPECT_EQ("36", rowOf(run.out, "Attachments compared"));
-    EXPECT_SAYS("Nothing is missing and nothing differs.", run.out);
+    expectRows(expectSuccess(verifyPlain(), {"Nothing is missing and nothing differs."}),
+               {{"Messages that agree", "300"}, {"Notes in the tree", "12"}, {"Attachments compared", "36"}});
 }
 
 TEST_F(VerifyTree, FindsMovedAttachmentsInTheAccount) {
-    const Outcome run = verify("backup", "keyed", keyFile());
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("300", rowOf(run.out, "Messages that agree"));
-    EXPECT_EQ("36", rowOf(run.out, "Attachments in the account"));
-    EXPECT_EQ("0", rowOf(run.out, "Attachments compared"));
-    EXPECT_SAYS("Nothing is missing and nothing differs.", run.out);
+    expectRows(expectSuccess(verify("backup", "keyed", keyFile()), {"Nothing is missing and nothing differs."}),
+               {{"Messages that agree", "300"}, {"Attachments in the account", "36"}, {"Attachments compared", "0"}});
 }
 
 TEST_F(VerifyTree, FindsADeletedMessage) {
     const std::string table = biggestTable("account");
     const std::string id = queryText(mainDatabase("account"), "select min(msgID) from " + table, 1);
     change("delete from " + table + " where msgID = " + id);
-    const Outcome run = verifyPlain();
-    EXPECT_EXIT_CODE(1, run);
+    const Outcome run = expectFindings(
+        verifyPlain(), {"Messages missing in the account: 1\n  message " + id + " of conversation " + table.substr(7)});
     EXPECT_EQ("299", rowOf(run.out, "Messages that agree"));
-    EXPECT_SAYS("Messages missing in the account: 1\n  message " + id + " of conversation " + table.substr(7), run.out);
 }
 
 TEST_F(VerifyTree, FindsEachChangedFieldOfAMessage) {
     const std::string table = biggestTable("account");
     change("update " + table + " set body = 'other', time_ = time_ + 1, limitRange = '5' where msgID = (select min(" +
            "msgID) from " + table + ")");
-    const Outcome run = verifyPlain();
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS(": sendTime, message, limitRange\n", run.out);
+    expectFindings(verifyPlain(), {": sendTime, message, limitRange\n"});
 }
 
 TEST_F(VerifyTree, FindsAMissingConversation) {
     change("drop table " + biggestTable("account"));
-    const Outcome run = verifyPlain();
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Messages missing in the account: ", run.out);
+    expectFindings(verifyPlain(), {"Messages missing in the account: "});
 }
 
 TEST_F(VerifyTree, FindsAMissingContact) {
     change("delete from im_reContact where targetID = (select min(targetID) from im_reContact)");
-    const Outcome run = verifyPlain();
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Recent contacts missing in the account: 1\n", run.out);
+    expectFindings(verifyPlain(), {"Recent contacts missing in the account: 1\n"});
 }
 
 TEST_F(VerifyTree, FindsMissingAndChangedNotes) {
     changePlugin("delete from im_note where _id = 1");
     changePlugin("update im_note set content = 'other' where _id = 2");
-    const Outcome run = verifyPlain();
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Notes missing in the account: 1\n", run.out);
-    EXPECT_SAYS("Notes that differ: 1\n", run.out);
+    expectFindings(verifyPlain(), {"Notes missing in the account: 1\n", "Notes that differ: 1\n"});
 }
 
 TEST_F(VerifyTree, FindsAMissingRoom) {
     changePlugin("delete from im_room where roomID = 1");
-    const Outcome run = verifyPlain();
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Rooms missing in the account: 1\n", run.out);
+    expectFindings(verifyPlain(), {"Rooms missing in the account: 1\n"});
 }
 
 TEST_F(VerifyTree, FindsOneChangedByteOfAnAttachment) {
@@ -103,56 +83,41 @@ TEST_F(VerifyTree, FindsOneChangedByteOfAnAttachment) {
     std::string bytes = readFile(path);
     bytes.back() = static_cast<char>(bytes.back() ^ 1);
     dir_.write(fs::path(path).lexically_relative(at("")).string(), bytes);
-    const Outcome run = verifyPlain();
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Attachments that differ: 1\n", run.out);
+    expectFindings(verifyPlain(), {"Attachments that differ: 1\n"});
 }
 
 TEST_F(VerifyTree, FindsAShorterAttachment) {
     const std::string path = firstFileIn("account/audio");
     fs::resize_file(path, fs::file_size(path) - 1);
-    const Outcome run = verifyPlain();
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Attachments that differ: 1\n  voice/", run.out);
+    expectFindings(verifyPlain(), {"Attachments that differ: 1\n  voice/"});
 }
 
 TEST_F(VerifyTree, FindsAttachmentsThatOnlyTheTreeHas) {
     fs::remove(firstFileIn("account/audio"));
-    const Outcome run = verifyPlain();
-    EXPECT_EXIT_CODE(1, run);
+    const Outcome run = expectFindings(
+        verifyPlain(), {"Attachments missing in the account: 1\n  voice/", ", which the tree still has\n"});
     EXPECT_EQ("35", rowOf(run.out, "Attachments in the account"));
-    EXPECT_SAYS("Attachments missing in the account: 1\n  voice/", run.out);
-    EXPECT_SAYS(", which the tree still has\n", run.out);
 }
 
 TEST_F(VerifyTree, FindsAttachmentsThatAreNowhere) {
     fs::remove_all(at("plain-backup/imfiles/voice"));
     fs::remove_all(at("account/audio"));
-    const Outcome run = verifyPlain();
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Attachments missing in the account: 3\n", run.out);
+    const Outcome run = expectFindings(verifyPlain(), {"Attachments missing in the account: 3\n"});
     EXPECT_SAYS_NOT("which the tree still has", run.out);
 }
 
 TEST_F(VerifyTree, IsContentWithAttachmentsThatOnlyTheAccountHas) {
     fs::remove_all(at("plain-backup/imfiles/voice"));
-    const Outcome run = verifyPlain();
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_EQ("36", rowOf(run.out, "Attachments in the account"));
-    EXPECT_EQ("33", rowOf(run.out, "Attachments compared"));
+    expectRows(expectSuccess(verifyPlain()), {{"Attachments in the account", "36"}, {"Attachments compared", "33"}});
 }
 
 TEST_F(VerifyTree, FindsFilesThatItCannotRead) {
     dir_.write("plain-backup/notes.nt", "no JSON");
-    const Outcome run = verifyPlain();
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Files that cannot be read: 1\n  notes.nt: is not JSON", run.out);
+    expectFindings(verifyPlain(), {"Files that cannot be read: 1\n  notes.nt: is not JSON"});
 }
 
 TEST_F(VerifyTree, RefusesWhatOnlyPackagesHave) {
-    const Outcome run = verify("plain-backup", "account", {"--since", "2024-06-30"});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("leave out --since and --check", run.err);
+    expectFailure(verify("plain-backup", "account", {"--since", "2024-06-30"}), {"leave out --since and --check"});
 }
 
 // Trees of a few files, of which the plain form "backup-plain" is held against the account.
@@ -173,29 +138,23 @@ TEST_F(VerifySmallTree, LetsTwoAttachmentsOfOneNameShareAPlace) {
                plainMessage(4, R"("messageType": 3, "message": "{\"mediaUrl\": \"other/hello.amr\"}")"));
     dir_.write("backup-plain/imfiles/other/hello.amr", "another voice");
     import();
-    const Outcome run = verifyPlain();
-    EXPECT_EXIT_CODE(0, run);
-    EXPECT_SAYS("1  attachments share their name with another one", run.out);
+    expectSuccess(verifyPlain(), {"1  attachments share their name with another one"});
 }
 
 TEST_F(VerifySmallTree, FindsAFileThatTookTheNameOfAnAttachment) {
     makePlainTree("backup-plain");
     dir_.write("account/audio/hello.amr", "the account's own voice");
     import();
-    const Outcome run = verifyPlain();
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Attachments that differ: 1\n  voice/hello.amr\n", run.out);
+    expectFindings(verifyPlain(), {"Attachments that differ: 1\n  voice/hello.amr\n"});
 }
 
 TEST_F(VerifySmallTree, HoldsOnlyTheContactsOfOneFileAgainstTheAccount) {
     makePlainTree("backup-plain");
     makeContactFiles("backup-plain", 3);
     import();
-    const Outcome run = verifyPlain();
-    EXPECT_EXIT_CODE(0, run);
+    const Outcome run = expectSuccess(
+        verifyPlain(), {"There are 4 files of recent contacts", "3  recent contacts stand in other files"});
     EXPECT_EQ("1", rowOf(run.out, "Recent contacts in the tree"));
-    EXPECT_SAYS("There are 4 files of recent contacts", run.out);
-    EXPECT_SAYS("3  recent contacts stand in other files", run.out);
     EXPECT_EXIT_CODE(1, verifyPlain({"--strict"}));
 }
 
@@ -204,9 +163,7 @@ TEST_F(VerifySmallTree, FindsWhenTheContactsOfNoFileAreThere) {
     makeContactFiles("backup-plain", 3);
     import();
     runSql(mainDatabase("account"), {"delete from im_reContact"}, kKey);
-    const Outcome run = verifyPlain();
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Recent contacts missing in the account: 1\n", run.out);
+    expectFindings(verifyPlain(), {"Recent contacts missing in the account: 1\n"});
 }
 
 }  // namespace

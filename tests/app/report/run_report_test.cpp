@@ -28,6 +28,11 @@ protected:
         return text != nullptr ? text : "";
     }
 
+    void expectSaid(const std::vector<std::pair<std::string, std::string>>& members) const {
+        for (const auto& [path, value] : members)
+            EXPECT_EQ(value, said(path)) << path;
+    }
+
     // The texts of the member `key` of the objects in a list.
     std::vector<std::string> listed(const std::string& path, const std::string& key) const {
         const tools::JsonDocument document(json_parse_file(report().c_str()));
@@ -52,11 +57,11 @@ TEST_F(RunReport, OfAnExportSaysWhatTheTableSays) {
     makeSample("account");
     const Outcome run = exportFrom("account", "package", reported());
     ASSERT_EXIT_CODE(0, run);
-    EXPECT_EQ("export", said("command"));
-    EXPECT_EQ("done", said("outcome"));
-    EXPECT_EQ("0", said("exitCode"));
-    EXPECT_EQ("0x00000000", said("resultCode"));
-    EXPECT_EQ("false", said("dryRun"));
+    expectSaid({{"command", "export"},
+                {"outcome", "done"},
+                {"exitCode", "0"},
+                {"resultCode", "0x00000000"},
+                {"dryRun", "false"}});
     for (const auto& [key, label] :
          std::vector<std::pair<std::string, std::string>>{{"messages.read", "Messages read"},
                                                           {"messages.written", "Messages written"},
@@ -86,11 +91,11 @@ TEST_F(RunReport, OfAnImportCountsDuplicatesAndAttachmentsThatAreThere) {
     makePackage("account", "package");
     ASSERT_EXIT_CODE(0, importInto("copy", "package"));
     ASSERT_EXIT_CODE(0, importInto("copy", "package", reported()));
-    EXPECT_EQ("0", said("summary.messages.written"));
-    EXPECT_EQ("300", said("summary.messages.duplicate"));
-    EXPECT_EQ("4", said("summary.attachments.referenced"));
-    EXPECT_EQ("3", said("summary.attachments.alreadyThere"));
-    EXPECT_EQ("1", said("summary.attachments.copied"));
+    expectSaid({{"summary.messages.written", "0"},
+                {"summary.messages.duplicate", "300"},
+                {"summary.attachments.referenced", "4"},
+                {"summary.attachments.alreadyThere", "3"},
+                {"summary.attachments.copied", "1"}});
 }
 
 TEST_F(RunReport, GivesTheKindAndTheReasonOfWhatWasLeftOut) {
@@ -110,12 +115,12 @@ TEST_F(RunReport, OfAFailedRunHasTheWordsAndTheCode) {
     fs::remove(mainDatabase("account"));
     const Outcome run = exportFrom("account", "package", reported());
     ASSERT_EXIT_CODE(1, run);
-    EXPECT_EQ("failed", said("outcome"));
-    EXPECT_EQ("1", said("exitCode"));
-    EXPECT_EQ("0xff00001f", said("resultCode"));
-    EXPECT_EQ("The database does not open", said("failure.what"));
-    EXPECT_EQ(mainDatabase("account"), said("failure.path"));
-    EXPECT_EQ("there is no such file", said("failure.reason"));
+    expectSaid({{"outcome", "failed"},
+                {"exitCode", "1"},
+                {"resultCode", "0xff00001f"},
+                {"failure.what", "The database does not open"},
+                {"failure.path", mainDatabase("account")},
+                {"failure.reason", "there is no such file"}});
     EXPECT_NE("", said("failure.remedy"));
 }
 
@@ -123,9 +128,7 @@ TEST_F(RunReport, OfAnImportThatBrokeOffCountsWhatWasWritten) {
     makePackage("account", "package");
     const Outcome run = importInto("copy", "package", reported(), {{}, 65536});
     ASSERT_EXIT_CODE(1, run);
-    EXPECT_EQ("failed", said("outcome"));
-    EXPECT_EQ("0xff00001f", said("resultCode"));
-    EXPECT_EQ("300", said("summary.messages.read"));
+    expectSaid({{"outcome", "failed"}, {"resultCode", "0xff00001f"}, {"summary.messages.read", "300"}});
     const std::string table = "select count(*) from sqlite_master where name like 'im_msg_%'";
     EXPECT_EQ(queryText(mainDatabase("copy"), table, 1), said("summary.conversations.new"));
     EXPECT_NE("300", said("summary.messages.written"));
@@ -176,26 +179,22 @@ TEST_F(RunReport, FillsAnEmptyFile) {
 TEST_F(RunReport, NeverReplacesAnythingElse) {
     makeSample("account");
     const std::string before = readFile(mainDatabase("account"));
-    const Outcome run = exportFrom("account", "package", {"--report", mainDatabase("account")});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("The report cannot be written there; nothing was done.", run.err);
-    EXPECT_SAYS("there is something that is no earlier report", run.err);
+    expectFailure(
+        exportFrom("account", "package", {"--report", mainDatabase("account")}),
+        {"The report cannot be written there; nothing was done.", "there is something that is no earlier report"});
     EXPECT_EQ(before, readFile(mainDatabase("account")));
     EXPECT_FALSE(hasPackage("package"));
 }
 
 TEST_F(RunReport, ThatCannotBeWrittenIsNoticedBeforeAnythingIsDone) {
     makeSample("account");
-    const Outcome run = exportFrom("account", "package", {"--report", at("missing/report.json")});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("give a file in a folder that exists", run.err);
+    expectFailure(exportFrom("account", "package", {"--report", at("missing/report.json")}),
+                  {"give a file in a folder that exists"});
     EXPECT_FALSE(hasPackage("package"));
 }
 
 TEST_F(RunReport, UnderANameThatIsTooLongIsRefused) {
-    const Outcome run = sample("account", {"--report", at(std::string(300, 'a') + "/report.json")});
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("File name too long", run.err);
+    expectFailure(sample("account", {"--report", at(std::string(300, 'a') + "/report.json")}), {"File name too long"});
     EXPECT_FALSE(exists(at("account")));
 }
 

@@ -37,6 +37,8 @@ protected:
                  const std::string& zone = "UTC") const;
     /// Makes the pages of "package" in "pages".
     void makePages() const;
+    /// Both.
+    void makePagesOf(const std::vector<Said>& messages, const std::vector<std::string>& contacts = {}) const;
 
     /// The command made the pages of a sample of 300 messages in 4 conversations, and they hold all of it.
     void expectWholeSample(const Outcome& run) const;

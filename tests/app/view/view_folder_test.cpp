@@ -21,9 +21,7 @@ TEST_F(ViewFolder, MayExistWhenItIsEmpty) {
 TEST_F(ViewFolder, IsRefusedWhenItHoldsAnything) {
     writePackage({{}});
     dir_.write("pages/mine.txt", "keep");
-    const Outcome run = view("package", "pages");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("not an empty folder", run.err);
+    expectFailure(view("package", "pages"), {"not an empty folder"});
     EXPECT_EQ("mine.txt", listing(at("pages")));
 }
 
@@ -40,9 +38,7 @@ TEST_F(ViewFolder, IsRefusedWhenItIsAFileOrALinkToNothing) {
 TEST_F(ViewFolder, IsRefusedInsideThePackage) {
     writePackage({{}});
     const std::string before = snapshotOf(at("package"));
-    const Outcome run = view("package", "package/qelmsg_0/pages");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("inside the source", run.err);
+    expectFailure(view("package", "package/qelmsg_0/pages"), {"inside the source"});
     EXPECT_EQ(before, snapshotOf(at("package")));
 }
 
@@ -76,26 +72,20 @@ TEST_F(ViewFolder, DoesNotAppearWhenThePagesCannotBeWritten) {
 
 TEST_F(ViewFolder, ComesAlsoFromADamagedPackageThatSaysSo) {
     writePackage({{}});
-    dir_.write(std::string("package/qelmsg_0/messages_0/") + kUser + "/msg_1.mg", "[]");
-    const Outcome run = view("package", "pages");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("msg_1.mg", run.err);
+    putIntoPackage("msg_1.mg", "[]");
+    expectFailure(view("package", "pages"), {"msg_1.mg"});
     EXPECT_SAYS("hello", firstPage());
 }
 
 TEST_F(ViewFolder, DoesNotAppearWhenNothingCanBeRead) {
-    dir_.write(std::string("package/qelmsg_0/messages_0/") + kUser + "/msg_0.mg", "[]");
+    putIntoPackage("msg_0.mg", "[]");
     dir_.makeDir(std::string("package/qelmsg_0/qelimfiles_0/") + kUser);
-    const Outcome run = view("package", "pages");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("Nothing can be read", run.err);
+    expectFailure(view("package", "pages"), {"Nothing can be read"});
     EXPECT_EQ("package", listing(dir_.path()));
 }
 
 TEST_F(ViewFolder, SaysWhenThereIsNoPackage) {
-    const Outcome run = view("nothing", "pages");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("There is no package", run.err);
+    expectFailure(view("nothing", "pages"), {"There is no package"});
     EXPECT_FALSE(exists(at("pages")));
 }
 

@@ -31,8 +31,7 @@ protected:
 };
 
 TEST_F(ViewPages, HoldEachMessageOnceInItsOrder) {
-    writePackage(manyMessages(1001, 200));
-    makePages();
+    makePagesOf(manyMessages(1001, 200));
     int next = 1;
     for (int number = 1; number <= 3; ++number) {
         const std::string text = pageOf(number);
@@ -44,16 +43,14 @@ TEST_F(ViewPages, HoldEachMessageOnceInItsOrder) {
 }
 
 TEST_F(ViewPages, NameEachMessageByItsNumberInTheConversation) {
-    writePackage(manyMessages(501, 200));
-    makePages();
+    makePagesOf(manyMessages(501, 200));
     EXPECT_SAYS(R"(<li id="m500")", pageOf(1));
     EXPECT_SAYS(R"(<li id="m501")", pageOf(2));
     EXPECT_EQ(1U, countOf(R"(<li id="m)", pageOf(2)));
 }
 
 TEST_F(ViewPages, LeadToOneAnother) {
-    writePackage(manyMessages(1001, 200));
-    makePages();
+    makePagesOf(manyMessages(1001, 200));
     const std::vector<std::string> links = valuesOf("href", pageOf(2));
     for (const char* target : {"1.html", "3.html", "days.html", "../../index.html", "../../search.html"})
         EXPECT_LE(1, std::count(links.begin(), links.end(), target)) << target;
@@ -61,18 +58,16 @@ TEST_F(ViewPages, LeadToOneAnother) {
 }
 
 TEST_F(ViewPages, SeparateTheDays) {
-    writePackage({{"a", 2002, 2002, 1, dayOf(3, 7)}, {"b", 2002, 2002, 1, dayOf(3, 8)}});
-    makePages();
+    makePagesOf({{"a", 2002, 2002, 1, dayOf(3, 7)}, {"b", 2002, 2002, 1, dayOf(3, 8)}});
     EXPECT_SAYS(R"(<h2 id="d2024-03-07">Thursday, 7 March 2024</h2>)", firstPage());
     EXPECT_SAYS(R"(<h2 id="d2024-03-08">Friday, 8 March 2024</h2>)", firstPage());
 }
 
 TEST_F(ViewPages, SortByTheDayOfTheDataThenByTimeThenById) {
-    writePackage({{"last", 2002, 2002, 1, dayOf(10, 1), 1, 1},
-                  {"third", 2002, 2002, 1, dayOf(9, 30), 9, 8},
-                  {"second", 2002, 2002, 1, dayOf(9, 30), 9, 7},
-                  {"first", 2002, 2002, 1, dayOf(9, 30), 8, 9}});
-    makePages();
+    makePagesOf({{"last", 2002, 2002, 1, dayOf(10, 1), 1, 1},
+                 {"third", 2002, 2002, 1, dayOf(9, 30), 9, 8},
+                 {"second", 2002, 2002, 1, dayOf(9, 30), 9, 7},
+                 {"first", 2002, 2002, 1, dayOf(9, 30), 8, 9}});
     const std::string text = firstPage();
     EXPECT_LT(text.find("first</div>"), text.find("second</div>"));
     EXPECT_LT(text.find("second</div>"), text.find("third</div>"));
@@ -80,8 +75,7 @@ TEST_F(ViewPages, SortByTheDayOfTheDataThenByTimeThenById) {
 }
 
 TEST_F(ViewPages, ListEveryDayWithThePageWhereItBegins) {
-    writePackage(manyMessages(1001, 200));
-    makePages();
+    makePagesOf(manyMessages(1001, 200));
     const std::string days = page("conversations/2002/days.html");
     EXPECT_SAYS(R"(href="1.html#d2024-01-01">Monday, 1 January 2024</a> <span class="count">200 messages)", days);
     EXPECT_SAYS(R"(href="1.html#d2024-01-03")", days);
@@ -90,8 +84,7 @@ TEST_F(ViewPages, ListEveryDayWithThePageWhereItBegins) {
 }
 
 TEST_F(ViewPages, HaveTheHeadingThatTheListOfDaysLeadsTo) {
-    writePackage(manyMessages(1001, 200));
-    makePages();
+    makePagesOf(manyMessages(1001, 200));
     int days = 0;
     for (const std::string& target : valuesOf("href", page("conversations/2002/days.html"))) {
         const std::size_t hash = target.find("#d");
@@ -103,21 +96,18 @@ TEST_F(ViewPages, HaveTheHeadingThatTheListOfDaysLeadsTo) {
 }
 
 TEST_F(ViewPages, RepeatTheHeadingOfADayThatGoesOn) {
-    writePackage(manyMessages(501, 501));
-    makePages();
+    makePagesOf(manyMessages(501, 501));
     EXPECT_SAYS(R"(<h2 id="d2024-01-01">)", pageOf(1));
     EXPECT_SAYS(R"(<h2 id="d2024-01-01">)", pageOf(2));
 }
 
 TEST_F(ViewPages, ShowADayThatNoCalendarHas) {
-    writePackage({{"lost", 2002, 2002, 1, R"({"year": 2024, "month": 13, "day": 77})"}});
-    makePages();
+    makePagesOf({{"lost", 2002, 2002, 1, R"({"year": 2024, "month": 13, "day": 77})"}});
     EXPECT_SAYS("No day of the calendar (2024-13-77)", firstPage());
 }
 
 TEST_F(ViewPages, MarkTheMessagesOfTheUser) {
-    writePackage({{"mine", 2002, std::stoll(kUser)}, {"theirs"}}, {contact(2002, "Ada")});
-    makePages();
+    makePagesOf({{"mine", 2002, std::stoll(kUser)}, {"theirs"}}, {contact(2002, "Ada")});
     EXPECT_EQ(1U, countOf(R"(class="message own")", firstPage()));
     EXPECT_SAYS(R"(class="sender">You</bdi>)", firstPage());
     EXPECT_SAYS(R"(class="sender">Ada</bdi>)", firstPage());
@@ -134,8 +124,7 @@ TEST_F(ViewPages, ShowTheTimeOfTheZone) {
 TEST_F(ViewPages, SayWhereATimeIsMissing) {
     Said said;
     said.time = 0;
-    writePackage({said});
-    makePages();
+    makePagesOf({said});
     EXPECT_SAYS(">no time</a>", firstPage());
 }
 

@@ -23,8 +23,7 @@ private:
 };
 
 TEST_F(ViewSearch, HasThePlaceTimeSenderAndTextOfAMessage) {
-    writePackage({{R"(say "hi" </b>)"}}, {contact(2002, "Ada")});
-    makePages();
+    makePagesOf({{R"(say "hi" </b>)"}}, {contact(2002, "Ada")});
     const JSON_Array* message = json_array_get_array(messagesOf(1), 0);
     EXPECT_EQ(0, json_array_get_number(message, 0));
     EXPECT_EQ(1, json_array_get_number(message, 1));
@@ -35,8 +34,7 @@ TEST_F(ViewSearch, HasThePlaceTimeSenderAndTextOfAMessage) {
 }
 
 TEST_F(ViewSearch, NamesTheConversationsOfAPart) {
-    writePackage({{}}, {contact(2002, "Ada")});
-    makePages();
+    makePagesOf({{}}, {contact(2002, "Ada")});
     const JSON_Array* conversation = json_array_get_array(json_object_get_array(part(1), "conversations"), 0);
     EXPECT_STREQ("2002", json_array_get_string(conversation, 0));
     EXPECT_STREQ("Ada", json_array_get_string(conversation, 1));
@@ -45,8 +43,7 @@ TEST_F(ViewSearch, NamesTheConversationsOfAPart) {
 TEST_F(ViewSearch, HoldsAllMessagesInPartsThatAreNotTooLarge) {
     std::vector<Said> messages(5001);
     messages.resize(5501, {"x", 3003});
-    writePackage(messages);
-    makePages();
+    makePagesOf(messages);
     EXPECT_SAYS(R"(data-parts="2")", page("search.html"));
     EXPECT_EQ(5000U, json_array_get_count(messagesOf(1)));
     EXPECT_EQ(501U, json_array_get_count(messagesOf(2)));
@@ -57,8 +54,7 @@ TEST_F(ViewSearch, BeginsANewPartWhenTextsAreLong) {
     std::vector<Said> messages(3);
     for (Said& said : messages)
         said.body.assign(600000, 'x');
-    writePackage(messages);
-    makePages();
+    makePagesOf(messages);
     EXPECT_SAYS(R"(data-parts="2")", page("search.html"));
 }
 
@@ -66,8 +62,7 @@ TEST_F(ViewSearch, LeadsToThePageThatHoldsTheMessage) {
     std::vector<Said> messages(501);
     messages[500].time += 1;
     messages[500].body = "the last one";
-    writePackage(messages);
-    makePages();
+    makePagesOf(messages);
     const JSON_Array* newest = json_array_get_array(messagesOf(1), 0);
     EXPECT_STREQ("the last one", json_array_get_string(newest, 5));
     EXPECT_EQ(2, json_array_get_number(newest, 1));
@@ -76,8 +71,7 @@ TEST_F(ViewSearch, LeadsToThePageThatHoldsTheMessage) {
 }
 
 TEST_F(ViewSearch, FindsFilesByTheirName) {
-    writePackage({{fileBody("srv/a", "plan.pdf"), 2002, 2002, 6}});
-    makePages();
+    makePagesOf({{fileBody("srv/a", "plan.pdf"), 2002, 2002, 6}});
     EXPECT_STREQ("File: plan.pdf", json_array_get_string(json_array_get_array(messagesOf(1), 0), 5));
 }
 

@@ -30,27 +30,21 @@ TEST_F(ViewTree, ThatIsEncryptedIsShownWithItsKeyAndLeavesNothingBehind) {
 
 TEST_F(ViewTree, ThatIsEncryptedNeedsItsKey) {
     makeEncryptedTree("backup");
-    const Outcome run = view("backup", "pages");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("the key, and none was given", run.err);
+    expectFailure(view("backup", "pages"), {"the key, and none was given"});
     EXPECT_FALSE(exists(at("pages")));
 }
 
 TEST_F(ViewTree, ThatTheKeyDoesNotOpenHasNoPages) {
     makeEncryptedTree("backup");
     dir_.write("key", "wrong");
-    const Outcome run = view("backup", "pages", keyFile());
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("cannot be decrypted: wrong key", run.err);
+    expectFailure(view("backup", "pages", keyFile()), {"cannot be decrypted: wrong key"});
     EXPECT_FALSE(exists(at("pages")));
 }
 
 TEST_F(ViewTree, WithADamagedFileIsShownAndSaysSo) {
     makePlainTree("tree");
     dir_.write("tree/12/list.mg", "no JSON");
-    const Outcome run = view("tree", "pages");
-    EXPECT_EXIT_CODE(1, run);
-    EXPECT_SAYS("12/list.mg: is not JSON", run.err);
+    const Outcome run = expectFailure(view("tree", "pages"), {"12/list.mg: is not JSON"});
     EXPECT_EQ("300", rowOf(run.out, "Messages"));
 }
 
