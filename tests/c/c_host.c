@@ -163,7 +163,8 @@ static void failures_have_a_result_and_words(void) {
     CHECK(counts_of(transfer).left_out > 0);
     CHECK(strlen(chat_transfer_left_out_name(transfer, 0)) > 0);
     CHECK(strlen(chat_transfer_left_out_reason(transfer, 0)) > 0);
-    CHECK(chat_transfer_left_out_kind(transfer, 0) == CHAT_TRANSFER_LEFT_OUT_MESSAGE_FILE_OTHER_VERSION);
+    CHECK(chat_transfer_left_out_kind(transfer, 0) == CHAT_TRANSFER_LEFT_OUT_CONTACT_FILE_OTHER_VERSION);
+    CHECK(chat_transfer_left_out_kind(transfer, 1) == CHAT_TRANSFER_LEFT_OUT_MESSAGE_FILE_OTHER_VERSION);
     CHECK(strlen(chat_transfer_left_out_name(transfer, 100000)) == 0);
     CHECK(chat_transfer_left_out_kind(transfer, 100000) == 0);
     chat_transfer_free(transfer);
