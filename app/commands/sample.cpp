@@ -69,7 +69,7 @@ public:
         if (transfer_.wtRecontactToDb() != chattransfer::kSuccess || transfer_.mainDb.transactionFailed()) fail();
     }
 
-    long long messagesOfType(int msgType) const {
+    [[nodiscard]] long long messagesOfType(int msgType) const {
         const auto found = messagesByType_.find(msgType);
         return found != messagesByType_.end() ? found->second : 0;
     }

@@ -20,10 +20,10 @@ struct detail::ConfinedPlace {
     std::string name;
     int error = 0;  // why the directory could not be reached
 
-    bool missing() const { return error == ENOENT; }
+    [[nodiscard]] bool missing() const { return error == ENOENT; }
     // A name that is none, or a link or a file where a folder should be; anything else is a failure of the machine.
-    bool refused() const { return error == EINVAL || error == ELOOP || error == ENOTDIR; }
-    bool valid() const { return folder >= 0; }
+    [[nodiscard]] bool refused() const { return error == EINVAL || error == ELOOP || error == ENOTDIR; }
+    [[nodiscard]] bool valid() const { return folder >= 0; }
 };
 
 namespace {

@@ -82,9 +82,9 @@ private:
     bool open(detail::MissingFolders missing);
     int enter(std::string_view parents, detail::MissingFolders missing);
     int rehearseFolder(const std::string& name);
-    std::string fullPath(std::string_view name) const;
-    bool hasAppeared(std::string_view name) const;
-    bool hasVanished(std::string_view name) const;
+    [[nodiscard]] std::string fullPath(std::string_view name) const;
+    [[nodiscard]] bool hasAppeared(std::string_view name) const;
+    [[nodiscard]] bool hasVanished(std::string_view name) const;
     template <class Transfer>
     FileOutcome transferTo(ConfinedFolder& to, const std::string& source, const std::string& target, Transfer transfer);
 
